@@ -1,0 +1,135 @@
+#pragma once
+// The CAM engine as the dialogs see it. Every operation returns its outcome; nothing crosses this
+// boundary as an exception. Long operations take the progress block as their last argument (a
+// null pointer is allowed) and poll its stop flag.
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "DBS_API.h"
+#include "Korvo_API_types.h"
+#include "Korvo_Analysis_types.h"
+#include "Korvo_DFM_types.h"
+#include "progress_value.h"
+
+namespace Korvo {
+namespace API {
+
+// ---- jobs, steps, layers --------------------------------------------------------------------
+bool open_job(const std::string& job, const std::string& path);
+int close_job(const std::string& job);
+bool is_job_opened(const std::string& job);
+int get_opened_jobs(std::vector<std::string>& jobs);
+bool create_step(const std::string& job, const std::string& step, int type);
+bool flatten_step(const std::string& job, const std::string& step, const std::string& layer,
+                  const std::string& destination_layer);
+std::string get_matrix(const std::string& job, std::vector<std::string>& steps,
+                       std::vector<layer_info>& layers);
+std::string get_matrix(const std::string& job, std::map<int, std::string>& steps,
+                       std::vector<layer_info>& layers);
+// The layers currently displayed, in the same shape as get_matrix.
+std::string get_graphics(const std::string& job, std::vector<std::string>& steps,
+                         std::vector<layer_info>& layers);
+bool get_step_header_infos(const std::string& job, const std::string& step,
+                           step_header_info& info);
+bool get_step_attributes(const std::string& job, const std::string& step,
+                         std::map<std::string, std::string>& attributes);
+bool edit_step_attributes(const std::string& job, const std::string& step,
+                          const std::map<std::string, std::string>& attributes);
+
+// ---- profile and step-and-repeat ------------------------------------------------------------
+bool has_profile(const std::string& job, const std::string& step);
+bool get_profile(const std::string& job, const std::string& step, std::vector<point>& outline);
+bool set_step_profile(const std::string& job, const std::string& step,
+                      const std::vector<point>& outline);
+bool profile_box(const std::string& job, const std::string& step, reply_box& box);
+bool set_datum_point(const std::string& job, const std::string& step, const point& datum);
+bool get_step_repeat(const std::string& job, const std::string& step,
+                     std::vector<step_repeat_op>& rows);
+bool set_step_repeat(const std::string& job, const std::string& step,
+                     const std::vector<step_repeat_op>& rows);
+// Marks the instances under `points`: mode 0 picks at points[0]; mode 1 selects inside the area
+// (two points are opposite corners of a rectangle, three or more a closed polygon). `rows` is
+// filled with the table and its new selection.
+bool select_step_repeat(const std::string& job, const std::string& step,
+                        std::vector<step_repeat_op>& rows, const std::vector<point>& points,
+                        int mode);
+bool clear_select_step_repeat(const std::string& job, const std::string& step);
+// Shortest distance between two closed outlines and the two points that realise it; 0 when
+// they touch or overlap.
+int distance_of_polygon(const std::vector<point>& first, const std::vector<point>& second,
+                        point& on_first, point& on_second);
+
+// ---- features, selection, edits -------------------------------------------------------------
+bool get_all_feature_info(const std::string& job, const std::string& step,
+                          const std::string& layer, std::vector<featureInfo>& features,
+                          int type_mask);
+void select_features(const std::string& job, const std::string& step, const std::string& layer);
+bool select_feature_by_info(const std::string& job, const std::string& step,
+                            const std::string& layer, const featureInfo& feature);
+bool clear_selected_features(const std::string& job, const std::string& step,
+                             const std::string& layer);
+bool get_selected_feature_info(const std::string& job, const std::string& step,
+                               const std::string& layer, std::vector<featureInfo>& features);
+void highlight_features(const std::string& job, const std::string& step,
+                        const std::string& layer);
+bool highlight_feature_by_info(const std::string& job, const std::string& step,
+                               const std::string& layer, const featureInfo& feature);
+bool clear_highlighted_features(const std::string& job, const std::string& step,
+                                const std::string& layer);
+// Moves, rotates, mirrors and scales the selected features of `layer` (all of them when none
+// is selected) about `anchor`.
+bool transform(const std::string& job, const std::string& step, const std::string& layer,
+               int mode, bool rotate, bool mirror_x, bool mirror_y, bool scale, bool move,
+               const point& anchor, double angle, double x_scale, double y_scale, double dx,
+               double dy);
+bool copy_layer_features(const std::string& job, const std::string& step,
+                         const std::string& source_layer, const std::string& destination_layer,
+                         bool append);
+int get_editop_count(const std::string& job, const std::string& step);
+bool bind_editop_count(const std::string& job, const std::string& step, int count);
+
+// ---- analyses -------------------------------------------------------------------------------
+bool signal_layers_checks(
+    const std::string& job, const std::string& step, const std::string& layer,
+    signal_check_params params, std::vector<signal_layers_checks_list> tests,
+    std::map<signal_layers_checks_items, signal_check_range> ranges,
+    std::map<signal_layers_checks_items, signal_check_result>& result,
+    COMMON::progress_value<signal_check_result_map>* progress, int scope);
+Quorin::DBS_API::CreateSesult insertSignalLayerAnalysisResult(
+    const dms_signal_check_params& params, const signal_check_result_map& result);
+bool getSignalLayerAnalysisResult(int id, dms_signal_check_params& params,
+                                  signal_check_result_map& result);
+bool getTqSignalLayerAnalysisResult(const std::string& key, signal_check_result_map& result);
+// Stored checks: id -> (kind, job, step, time, description).
+std::map<int, std::vector<std::string>> getCheckResultMaster();
+
+// ---- DFM optimisations ----------------------------------------------------------------------
+bool signal_layer_DFM_op(const std::string& job, const std::string& step,
+                         const std::vector<std::string>& layers,
+                         signal_layer_DFM_op_params params, signal_layer_DFM_result_map& results,
+                         COMMON::progress_value<void>* progress);
+bool solder_mask_DFM_op(const std::string& job, const std::string& step,
+                        const std::vector<std::string>& layers, solder_mask_DFM_params params,
+                        solder_mask_DFM_result_map& results,
+                        COMMON::progress_value<void>* progress);
+bool teardrop_create_DFM_op(const std::string& job, const std::string& step,
+                            const std::vector<std::string>& layers,
+                            teardrop_create_DFM_op_params params, teardrop_result_map& results,
+                            COMMON::progress_value<void>* progress);
+bool NFP_removal_DFM_op(const std::string& job, const std::string& step,
+                        const std::vector<std::string>& layers, NFP_removal_DFM_op_params params,
+                        NFP_removal_result_map& results, COMMON::progress_value<void>* progress);
+
+// ---- output ---------------------------------------------------------------------------------
+enum export_type : int { export_gerber = 0, export_drill = 1, export_dxf = 2 };
+bool layer_export(const std::string& job, const std::string& step, const std::string& layer,
+                  export_type type, const std::string& path, COMMON::progress_value<void>* progress);
+// Writes the step with all its layers below `folder` (used to hand a job to the check-list
+// service).
+bool Export_step(const std::string& job, const std::string& step, const std::string& folder,
+                 COMMON::progress_value<void>* progress);
+
+}  // namespace API
+}  // namespace Korvo
