@@ -31,8 +31,7 @@ std::string get_matrix(const std::string& job, std::map<int, std::string>& steps
 // The layers currently displayed, in the same shape as get_matrix.
 std::string get_graphics(const std::string& job, std::vector<std::string>& steps,
                          std::vector<layer_info>& layers);
-bool get_step_header_infos(const std::string& job, const std::string& step,
-                           step_header_info& info);
+bool get_step_header_infos(const std::string& job, const std::string& step, step_header_info& info);
 bool get_step_attributes(const std::string& job, const std::string& step,
                          std::map<std::string, std::string>& attributes);
 bool edit_step_attributes(const std::string& job, const std::string& step,
@@ -62,9 +61,8 @@ int distance_of_polygon(const std::vector<point>& first, const std::vector<point
                         point& on_first, point& on_second);
 
 // ---- features, selection, edits -------------------------------------------------------------
-bool get_all_feature_info(const std::string& job, const std::string& step,
-                          const std::string& layer, std::vector<featureInfo>& features,
-                          int type_mask);
+bool get_all_feature_info(const std::string& job, const std::string& step, const std::string& layer,
+                          std::vector<featureInfo>& features, int type_mask);
 void select_features(const std::string& job, const std::string& step, const std::string& layer);
 bool select_feature_by_info(const std::string& job, const std::string& step,
                             const std::string& layer, const featureInfo& feature);
@@ -72,16 +70,15 @@ bool clear_selected_features(const std::string& job, const std::string& step,
                              const std::string& layer);
 bool get_selected_feature_info(const std::string& job, const std::string& step,
                                const std::string& layer, std::vector<featureInfo>& features);
-void highlight_features(const std::string& job, const std::string& step,
-                        const std::string& layer);
+void highlight_features(const std::string& job, const std::string& step, const std::string& layer);
 bool highlight_feature_by_info(const std::string& job, const std::string& step,
                                const std::string& layer, const featureInfo& feature);
 bool clear_highlighted_features(const std::string& job, const std::string& step,
                                 const std::string& layer);
 // Moves, rotates, mirrors and scales the selected features of `layer` (all of them when none
 // is selected) about `anchor`.
-bool transform(const std::string& job, const std::string& step, const std::string& layer,
-               int mode, bool rotate, bool mirror_x, bool mirror_y, bool scale, bool move,
+bool transform(const std::string& job, const std::string& step, const std::string& layer, int mode,
+               bool rotate, bool mirror_x, bool mirror_y, bool scale, bool move,
                const point& anchor, double angle, double x_scale, double y_scale, double dx,
                double dy);
 bool copy_layer_features(const std::string& job, const std::string& step,
@@ -91,12 +88,11 @@ int get_editop_count(const std::string& job, const std::string& step);
 bool bind_editop_count(const std::string& job, const std::string& step, int count);
 
 // ---- analyses -------------------------------------------------------------------------------
-bool signal_layers_checks(
-    const std::string& job, const std::string& step, const std::string& layer,
-    signal_check_params params, std::vector<signal_layers_checks_list> tests,
-    std::map<signal_layers_checks_items, signal_check_range> ranges,
-    std::map<signal_layers_checks_items, signal_check_result>& result,
-    COMMON::progress_value<signal_check_result_map>* progress, int scope);
+bool signal_layers_checks(const std::string& job, const std::string& step, const std::string& layer,
+                          signal_check_params params, std::vector<signal_layers_checks_list> tests,
+                          std::map<signal_layers_checks_items, signal_check_range> ranges,
+                          std::map<signal_layers_checks_items, signal_check_result>& result,
+                          COMMON::progress_value<signal_check_result_map>* progress, int scope);
 Quorin::DBS_API::CreateSesult insertSignalLayerAnalysisResult(
     const dms_signal_check_params& params, const signal_check_result_map& result);
 bool getSignalLayerAnalysisResult(int id, dms_signal_check_params& params,
@@ -107,8 +103,8 @@ std::map<int, std::vector<std::string>> getCheckResultMaster();
 
 // ---- DFM optimisations ----------------------------------------------------------------------
 bool signal_layer_DFM_op(const std::string& job, const std::string& step,
-                         const std::vector<std::string>& layers,
-                         signal_layer_DFM_op_params params, signal_layer_DFM_result_map& results,
+                         const std::vector<std::string>& layers, signal_layer_DFM_op_params params,
+                         signal_layer_DFM_result_map& results,
                          COMMON::progress_value<void>* progress);
 bool solder_mask_DFM_op(const std::string& job, const std::string& step,
                         const std::vector<std::string>& layers, solder_mask_DFM_params params,
@@ -125,7 +121,8 @@ bool NFP_removal_DFM_op(const std::string& job, const std::string& step,
 // ---- output ---------------------------------------------------------------------------------
 enum export_type : int { export_gerber = 0, export_drill = 1, export_dxf = 2 };
 bool layer_export(const std::string& job, const std::string& step, const std::string& layer,
-                  export_type type, const std::string& path, COMMON::progress_value<void>* progress);
+                  export_type type, const std::string& path,
+                  COMMON::progress_value<void>* progress);
 // Writes the step with all its layers below `folder` (used to hand a job to the check-list
 // service).
 bool Export_step(const std::string& job, const std::string& step, const std::string& folder,

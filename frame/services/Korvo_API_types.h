@@ -16,7 +16,9 @@ struct point {
     double y = 0.0;
 };
 
-inline bool operator==(const point& a, const point& b) { return a.x == b.x && a.y == b.y; }
+inline bool operator==(const point& a, const point& b) {
+    return a.x == b.x && a.y == b.y;
+}
 
 struct reply_box {
     double xmin = 0.0;
@@ -29,11 +31,11 @@ struct reply_box {
 struct layer_info {
     std::string name;
     int row = 0;
-    std::string context;   // "board" or "misc"
-    std::string type;      // "signal", "mixed", "power_ground", "solder_mask", "silk_screen",
-                           // "solder_paste", "drill", "rout", "document"
-    std::string polarity;  // "positive" or "negative"
-    std::string side;      // "top", "bottom", "inner" or "none"
+    std::string context;      // "board" or "misc"
+    std::string type;         // "signal", "mixed", "power_ground", "solder_mask", "silk_screen",
+                              // "solder_paste", "drill", "rout", "document"
+    std::string polarity;     // "positive" or "negative"
+    std::string side;         // "top", "bottom", "inner" or "none"
     std::string drill_start;  // first and last layer a drill layer spans, empty otherwise
     std::string drill_end;
 };

@@ -23,10 +23,22 @@ struct dfm_range_value {
 // ---- signal layer optimisation ("SignalLayerOptRanges") -------------------------------------
 
 enum signal_layer_DFM_op_items : int {
-    sdi_pth_annular_ring, sdi_via_annular_ring, sdi_laser_annular_ring, sdi_buried_annular_ring,
-    sdi_spacing, sdi_pad_to_pad_spacing, sdi_alone_drill_to_pad, sdi_smd_to_smd,
-    sdi_bga_to_bga, sdi_smd_shaving, sdi_bga_shaving, sdi_pad_up, sdi_pad_down, sdi_reroute,
-    sdi_line_down, sdi_reshape,
+    sdi_pth_annular_ring,
+    sdi_via_annular_ring,
+    sdi_laser_annular_ring,
+    sdi_buried_annular_ring,
+    sdi_spacing,
+    sdi_pad_to_pad_spacing,
+    sdi_alone_drill_to_pad,
+    sdi_smd_to_smd,
+    sdi_bga_to_bga,
+    sdi_smd_shaving,
+    sdi_bga_shaving,
+    sdi_pad_up,
+    sdi_pad_down,
+    sdi_reroute,
+    sdi_line_down,
+    sdi_reshape,
 };
 
 struct signal_layer_DFM_op_result : item_result<signal_layer_DFM_op_items> {};
@@ -70,10 +82,18 @@ using signal_layer_DFM_result_map =
 // ---- solder mask optimisation ("SolderMaskOptRanges") ---------------------------------------
 
 enum solder_mask_DFM_op_items : int {
-    smo_clearance_resized, smo_clearance_below_min, smo_coverage_resized,
-    smo_coverage_below_min, smo_bridge_removed, smo_bridge_below_min, smo_surplus_coverage_cut,
-    smo_surplus_clearance_cut, smo_gas_opening_resized, smo_partial_clearance,
-    smo_pad_in_surface, smo_vertical_flow,
+    smo_clearance_resized,
+    smo_clearance_below_min,
+    smo_coverage_resized,
+    smo_coverage_below_min,
+    smo_bridge_removed,
+    smo_bridge_below_min,
+    smo_surplus_coverage_cut,
+    smo_surplus_clearance_cut,
+    smo_gas_opening_resized,
+    smo_partial_clearance,
+    smo_pad_in_surface,
+    smo_vertical_flow,
 };
 
 struct solder_mask_DFM_op_result : item_result<solder_mask_DFM_op_items> {};
@@ -122,8 +142,12 @@ using solder_mask_DFM_result_map =
 // ---- teardrops ("TeardropsRanges") ----------------------------------------------------------
 
 enum teardrop_create_DFM_op_items : int {
-    tdi_created_drilled, tdi_created_undrilled, tdi_missing_drilled, tdi_missing_undrilled,
-    tdi_deleted_old, tdi_skipped_spacing,
+    tdi_created_drilled,
+    tdi_created_undrilled,
+    tdi_missing_drilled,
+    tdi_missing_undrilled,
+    tdi_deleted_old,
+    tdi_skipped_spacing,
 };
 
 struct teardrop_create_DFM_op_result : item_result<teardrop_create_DFM_op_items> {};
@@ -155,8 +179,12 @@ using teardrop_result_map = std::map<teardrop_create_DFM_op_items, teardrop_crea
 // ---- NFP removal ("NFPRemoval") -------------------------------------------------------------
 
 enum NFP_removal_DFM_op_items : int {
-    nfp_isolated_removed, nfp_duplicate_removed, nfp_drilled_over_removed, nfp_covered_removed,
-    nfp_undrilled_removed, nfp_marked,
+    nfp_isolated_removed,
+    nfp_duplicate_removed,
+    nfp_drilled_over_removed,
+    nfp_covered_removed,
+    nfp_undrilled_removed,
+    nfp_marked,
 };
 
 struct NFP_removal_DFM_op_result : item_result<NFP_removal_DFM_op_items> {};
@@ -166,8 +194,8 @@ struct NFP_removal_DFM_op_params {
     bool npth = false;
     bool via = true;
     bool remove_undrilled_pads = true;
-    int32_t apply_to = 0;  // 0 all, 1 selected
-    int32_t action = 0;    // 0 remove, 1 mark
+    int32_t apply_to = 0;            // 0 all, 1 selected
+    int32_t action = 0;              // 0 remove, 1 mark
     std::vector<int32_t> pad_kinds;  // 1 isolated, 2 duplicate, 3 drilled over, 4 covered
     std::map<NFP_removal_DFM_op_items, dfm_range_value> ranges;
 };
@@ -177,18 +205,29 @@ using NFP_removal_result_map = std::map<NFP_removal_DFM_op_items, NFP_removal_DF
 // ---- kinds the results viewer shows but no dialog of this library runs ----------------------
 
 enum avoid_conductor_DFM_op_items : int {
-    aci_moved_line, aci_shaved_pad, aci_unresolved,
+    aci_moved_line,
+    aci_shaved_pad,
+    aci_unresolved,
 };
 struct avoid_conductor_DFM_op_result : item_result<avoid_conductor_DFM_op_items> {};
 
 enum power_ground_layer_DFM_op_items : int {
-    pgo_thermal_repaired, pgo_clearance_enlarged, pgo_sliver_filled, pgo_isolated_removed,
-    pgo_spoke_widened, pgo_clearance_added, pgo_plane_trimmed, pgo_unresolved,
+    pgo_thermal_repaired,
+    pgo_clearance_enlarged,
+    pgo_sliver_filled,
+    pgo_isolated_removed,
+    pgo_spoke_widened,
+    pgo_clearance_added,
+    pgo_plane_trimmed,
+    pgo_unresolved,
 };
 struct power_ground_layer_DFM_op_result : item_result<power_ground_layer_DFM_op_items> {};
 
 enum pad_snapping_op_items : int {
-    psi_pad_snapped, psi_pad_off_grid, psi_pad_unmatched, psi_pad_ambiguous,
+    psi_pad_snapped,
+    psi_pad_off_grid,
+    psi_pad_unmatched,
+    psi_pad_ambiguous,
 };
 struct pad_snapping_op_result : item_result<pad_snapping_op_items> {};
 

@@ -62,18 +62,18 @@ double getUnitPointData(const void* handle, double display);
 // `value` in display units against limits in mil, both ends included.
 bool isValueLegal(double value, double min_mil, double max_mil, const void* handle);
 bool isNumValueLegal(const QString& text, double min_mil, double max_mil, const void* handle);
-bool isSymbolValueLegal(const QString& symbol, double min_mil, double max_mil,
-                        const void* handle);
+bool isSymbolValueLegal(const QString& symbol, double min_mil, double max_mil, const void* handle);
 // Numbers inside symbol names ("r10", "rect20x40"): engine names count in mil.
-void setSymbolUIData(const void* handle, QString& symbol);        // engine -> display
-void setSymbolAPIData(const void* handle, QString& symbol);       // display -> engine
+void setSymbolUIData(const void* handle, QString& symbol);                // engine -> display
+void setSymbolAPIData(const void* handle, QString& symbol);               // display -> engine
 void setSymbolDataByUnit(const void* handle, int unit, QString& symbol);  // display -> unit
-void setSymbolDataByMilUnit(const void* handle, QString& symbol);  // mil -> display
+void setSymbolDataByMilUnit(const void* handle, QString& symbol);         // mil -> display
 
 // ---- selection and view state ---------------------------------------------------------------
 int getSelectedPara(const void* handle);
 void setSelectedPara(const void* handle, int feature_mask);
 bool getShiftEnpress(const void* handle);
+// Contour accuracy in mil, like the dialogs' other defaults.
 double getContourAccuracy();
 
 // ---- ranges ---------------------------------------------------------------------------------

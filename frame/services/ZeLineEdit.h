@@ -28,12 +28,16 @@ public:
     ZeERegExp kind() const { return kind_; }
     // Converts a length kind's text from the unit it was written in to `unit`.
     void changeunit(const int& unit);
+    // The unit the text is written in. At construction it is the unit of the nearest parent
+    // that has a display unit of its own, else the process default.
+    int textUnit() const { return unit_; }
+    void setTextUnit(int unit);
 
 private:
     void applyKind();
 
     ZeERegExp kind_ = ZeE_Text;
-    int unit_ = -1;  // unit the text is written in; -1 until first known
+    int unit_ = -1;  // unit the text is written in, set by the constructors
 };
 
 }  // namespace UIAPI

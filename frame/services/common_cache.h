@@ -19,12 +19,14 @@ public:
     API::signal_check_result_map getSignalResult() const { return signal_; }
 
     using solder_mask_map =
-        std::map<std::string, std::map<API::solder_mask_checks_items, API::solder_mask_check_result>>;
+        std::map<std::string,
+                 std::map<API::solder_mask_checks_items, API::solder_mask_check_result>>;
     void setSolderMaskResult(const solder_mask_map& result) { solder_mask_ = result; }
     solder_mask_map getSolderMaskResult() const { return solder_mask_; }
 
     using silk_map =
-        std::map<std::string, std::map<API::silk_screen_checks_items, API::silk_screen_check_result>>;
+        std::map<std::string,
+                 std::map<API::silk_screen_checks_items, API::silk_screen_check_result>>;
     void setSilkResult(const silk_map& result) { silk_ = result; }
     silk_map getSilkResult() const { return silk_; }
 
@@ -74,9 +76,8 @@ public:
                                 const Korvo::Cache::common_cache::drill_map& results);
     void setBoardDrillJsonResult4EDA(
         const std::string& key, const Json::Value& params,
-        const std::map<std::string,
-                       Korvo::API::check_reply<Korvo::API::board_drill_check_item,
-                                               Korvo::API::check_info>>& results);
+        const std::map<std::string, Korvo::API::check_reply<Korvo::API::board_drill_check_item,
+                                                            Korvo::API::check_info>>& results);
 
     // The document last filed under `key` ({"params": ..., "results": ...}); null when none.
     Json::Value document(const std::string& key) const;

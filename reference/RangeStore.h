@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QString>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "Korvo_UIAPI.h"
+
+namespace wcref {
+
+// Default levels of one check item, written in mil.
+struct RangeDefault {
+    const char* name;
+    double red;
+    double yellow;
+    double green;
+};
+
+// The severity ranges of every range key. Row i of a key belongs to value i of the key's item
+// enumeration. Levels are engine values (nm). Changes are kept in
+// "<Common::getPath()>/config/ranges.json", which holds only the rows that differ from the
+// defaults:
+//   {"version": 1, "ranges": {"<key>": [{"name": ..., "RedLv": ..., "YellowLv": ...,
+//                                        "GreenLv": ...}, ...]}}
+// The file is read at the first use and again whenever the application directory changes.
+class RangeStore {
+public:
+    static RangeStore& instance();
+
+    // The default tables, levels in mil; one entry per range key.
+    static const std::map<std::string, std::vector<RangeDefault>>& defaults();
+    static QString filePath();
+
+    bool records(const std::string& key, std::vector<Korvo::UIAPI::Analysis_Ranges_Record>& out);
+    int itemOfName(const std::string& key, const std::string& name);
+    int itemOfRow(const std::string& key, int row);
+    std::string nameOfItem(const std::string& key, int item);
+    bool change(const std::string& key, const std::string& name, const std::string& level,
+                double value);
+    // Drops what was read; the next call reads the file again.
+    void invalidate();
+
+private:
+    using Table = std::map<std::string, std::vector<Korvo::UIAPI::Analysis_Ranges_Record>>;
+
+    RangeStore() = default;
+    void ensureLoaded();
+    static Table defaultTable();
+    static bool parse(const QByteArray& bytes, Table& table, QString& error);
+    bool save() const;
+
+    std::mutex lock_;
+    bool loaded_ = false;
+    QString loaded_from_;
+    Table table_;
+};
+
+}  // namespace wcref
