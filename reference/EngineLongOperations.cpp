@@ -1,0 +1,432 @@
+// The long operations of the reference engine (analyses, DFM operations, exports) and its
+// in-memory result database.
+//
+// The analyses and DFM operations check their job, step and layers, report progress from 0 to
+// 100 over longOperationDuration(), stop early when asked, and return success with EMPTY
+// results: the reference engine does not compute design-rule checks or optimisations. The
+// exports write an honest text listing of the features.
+
+#include <glog/logging.h>
+
+#include <QDateTime>
+#include <QDir>
+#include <QSaveFile>
+#include <QString>
+#include <algorithm>
+#include <sstream>
+#include <thread>
+
+#include "EngineCallText.h"
+#include "EngineStore.h"
+#include "Korvo_API.h"
+
+namespace ct = wcref::calltext;
+using wcref::EngineHooks;
+using wcref::EngineStore;
+
+namespace {
+
+EngineStore& store() {
+    return EngineStore::instance();
+}
+
+template <typename Hook>
+Hook enter(const char* operation, std::vector<std::string> arguments, Hook EngineHooks::*member) {
+    return store().enter(operation, std::move(arguments), member);
+}
+
+// Validates job, step and layers with the lock held.
+bool layersExist(const std::string& job, const std::string& step,
+                 const std::vector<std::string>& layers) {
+    std::lock_guard<std::mutex> guard(store().mutex);
+    if (store().step(job, step) == nullptr) {
+        return false;
+    }
+    if (layers.empty()) {
+        LOG(ERROR) << "no layer given to a long operation on " << job << "/" << step;
+        return false;
+    }
+    for (const std::string& layer : layers) {
+        if (store().layer(job, step, layer) == nullptr) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Reports progress over the configured duration, polling the stop flag at least every 20 ms.
+// Returns false when the caller asked to stop; a null progress block runs to the end.
+bool reportProgress(Korvo::COMMON::progress_state* progress) {
+    using clock = std::chrono::steady_clock;
+    std::chrono::milliseconds duration;
+    {
+        std::lock_guard<std::mutex> guard(store().mutex);
+        duration = store().long_operation_duration;
+    }
+    const clock::time_point start = clock::now();
+    const clock::time_point end = start + duration;
+    while (true) {
+        const clock::time_point now = clock::now();
+        if (progress != nullptr) {
+            if (progress->is_stop_requested()) {
+                LOG(INFO) << "long operation stopped at " << progress->get_value() << "%";
+                return false;
+            }
+            const double done = duration.count() == 0
+                                    ? 1.0
+                                    : std::min(1.0, std::chrono::duration<double>(now - start) /
+                                                        std::chrono::duration<double>(duration));
+            progress->set_value(100.0 * done);
+        }
+        if (now >= end) {
+            return true;
+        }
+        std::this_thread::sleep_for(
+            std::min<clock::duration>(end - now, std::chrono::milliseconds(20)));
+    }
+}
+
+const char* featureKind(Korvo::API::feature_type type) {
+    switch (type) {
+        case Korvo::API::feature_pad:
+            return "pad";
+        case Korvo::API::feature_line:
+            return "line";
+        case Korvo::API::feature_arc:
+            return "arc";
+        case Korvo::API::feature_surface:
+            return "surface";
+        case Korvo::API::feature_text:
+            return "text";
+    }
+    return "unknown";
+}
+
+const char* exportName(Korvo::API::export_type type) {
+    switch (type) {
+        case Korvo::API::export_gerber:
+            return "gerber";
+        case Korvo::API::export_drill:
+            return "drill";
+        case Korvo::API::export_dxf:
+            return "dxf";
+    }
+    return "unknown";
+}
+
+// One feature per line, coordinates in nanometres.
+std::string layerListing(const std::string& job, const std::string& step, const std::string& layer,
+                         const char* format, const std::vector<Korvo::API::featureInfo>& features) {
+    std::ostringstream out;
+    out << "# layer listing of the reference engine; coordinates in nm\n";
+    out << "job " << job << "\nstep " << step << "\nlayer " << layer << "\nformat " << format
+        << "\nfeatures " << features.size() << "\n";
+    const auto xy = [](const Korvo::API::point& p) {
+        return ct::number(p.x) + " " + ct::number(p.y);
+    };
+    for (const Korvo::API::featureInfo& f : features) {
+        out << featureKind(f.type) << " " << f.id << " " << (f.positive ? "P" : "N");
+        switch (f.type) {
+            case Korvo::API::feature_pad:
+                out << " " << f.symbol << " " << xy(f.start) << " " << ct::number(f.angle);
+                break;
+            case Korvo::API::feature_line:
+                out << " " << f.symbol << " " << xy(f.start) << " " << xy(f.end);
+                break;
+            case Korvo::API::feature_arc:
+                out << " " << f.symbol << " " << xy(f.start) << " " << xy(f.end) << " "
+                    << xy(f.center) << (f.clockwise ? " cw" : " ccw");
+                break;
+            case Korvo::API::feature_surface:
+                out << " " << f.contour.size();
+                for (const Korvo::API::point& p : f.contour) {
+                    out << " " << xy(p);
+                }
+                break;
+            case Korvo::API::feature_text:
+                out << " " << xy(f.start) << " \"" << f.text << "\"";
+                break;
+        }
+        for (const auto& attribute : f.attributes) {
+            out << " " << attribute.first;
+            if (!attribute.second.empty()) {
+                out << "=" << attribute.second;
+            }
+        }
+        out << "\n";
+    }
+    return out.str();
+}
+
+bool writeAtomically(const QString& path, const std::string& text) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        LOG(ERROR) << "cannot write " << path.toStdString() << ": "
+                   << file.errorString().toStdString();
+        return false;
+    }
+    file.write(text.data(), static_cast<qint64>(text.size()));
+    if (!file.commit()) {
+        LOG(ERROR) << "cannot write " << path.toStdString() << ": "
+                   << file.errorString().toStdString();
+        return false;
+    }
+    return true;
+}
+
+bool snapshotLayer(const std::string& job, const std::string& step, const std::string& layer,
+                   std::vector<Korvo::API::featureInfo>& features) {
+    std::lock_guard<std::mutex> guard(store().mutex);
+    wcref::EngineLayerData* data = store().layer(job, step, layer);
+    if (data == nullptr) {
+        return false;
+    }
+    features = data->features;
+    return true;
+}
+
+}  // namespace
+
+namespace Korvo {
+namespace API {
+
+// ---- analyses -------------------------------------------------------------------------------
+
+// Returns success with EMPTY results: the reference engine does not compute signal layer
+// checks. False for an unknown job, step or layer.
+bool signal_layers_checks(const std::string& job, const std::string& step, const std::string& layer,
+                          signal_check_params params, std::vector<signal_layers_checks_list> tests,
+                          std::map<signal_layers_checks_items, signal_check_range> ranges,
+                          std::map<signal_layers_checks_items, signal_check_result>& result,
+                          COMMON::progress_value<signal_check_result_map>* progress, int scope) {
+    std::vector<std::string> test_names;
+    for (signal_layers_checks_list test : tests) {
+        test_names.push_back(ct::number(static_cast<int>(test)));
+    }
+    if (auto hook = enter(
+            "signal_layers_checks",
+            {job, step, layer, ct::checkParams(params), ct::joined(test_names),
+             "ranges{" + ct::number(static_cast<int>(ranges.size())) + "}", ct::number(scope)},
+            &EngineHooks::signal_layers_checks)) {
+        return hook(job, step, layer, std::move(params), std::move(tests), std::move(ranges),
+                    result, progress, scope);
+    }
+    if (!layersExist(job, step, {layer})) {
+        return false;
+    }
+    result.clear();
+    reportProgress(progress);
+    return true;
+}
+
+Quorin::DBS_API::CreateSesult insertSignalLayerAnalysisResult(
+    const dms_signal_check_params& params, const signal_check_result_map& result) {
+    if (auto hook = enter("insertSignalLayerAnalysisResult",
+                          {ct::checkParams(params),
+                           "result{layers=" + ct::number(static_cast<int>(result.size())) + "}"},
+                          &EngineHooks::insertSignalLayerAnalysisResult)) {
+        return hook(params, result);
+    }
+    std::lock_guard<std::mutex> guard(store().mutex);
+    const int id = store().next_check_id++;
+    wcref::StoredSignalCheck& stored = store().signal_checks[id];
+    stored.params = params;
+    stored.result = result;
+    stored.time = QDateTime::currentDateTime().toString("yyyy.MM.dd hh:mm:ss").toStdString();
+    Quorin::DBS_API::CreateSesult answer;
+    answer.success = true;
+    answer.id = id;
+    answer.message = "stored as " + std::to_string(id);
+    return answer;
+}
+
+bool getSignalLayerAnalysisResult(int id, dms_signal_check_params& params,
+                                  signal_check_result_map& result) {
+    if (auto hook = enter("getSignalLayerAnalysisResult", {ct::number(id)},
+                          &EngineHooks::getSignalLayerAnalysisResult)) {
+        return hook(id, params, result);
+    }
+    std::lock_guard<std::mutex> guard(store().mutex);
+    auto found = store().signal_checks.find(id);
+    if (found == store().signal_checks.end()) {
+        LOG(ERROR) << "no stored signal layer check with id " << id;
+        return false;
+    }
+    params = found->second.params;
+    result = found->second.result;
+    return true;
+}
+
+// Keys are "tq" followed by the id of a stored check.
+bool getTqSignalLayerAnalysisResult(const std::string& key, signal_check_result_map& result) {
+    if (auto hook = enter("getTqSignalLayerAnalysisResult", {key},
+                          &EngineHooks::getTqSignalLayerAnalysisResult)) {
+        return hook(key, result);
+    }
+    int id = -1;
+    if (key.size() > 2 && key.compare(0, 2, "tq") == 0 &&
+        key.find_first_not_of("0123456789", 2) == std::string::npos && key.size() < 12) {
+        id = std::stoi(key.substr(2));
+    }
+    std::lock_guard<std::mutex> guard(store().mutex);
+    auto found = store().signal_checks.find(id);
+    if (found == store().signal_checks.end()) {
+        LOG(ERROR) << "no stored signal layer check under key " << key;
+        return false;
+    }
+    result = found->second.result;
+    return true;
+}
+
+std::map<int, std::vector<std::string>> getCheckResultMaster() {
+    if (auto hook = enter("getCheckResultMaster", {}, &EngineHooks::getCheckResultMaster)) {
+        return hook();
+    }
+    std::lock_guard<std::mutex> guard(store().mutex);
+    std::map<int, std::vector<std::string>> master;
+    for (const auto& entry : store().signal_checks) {
+        const dms_signal_check_params& p = entry.second.params;
+        master[entry.first] = {"SignalLayer", p.job, p.step, entry.second.time,
+                               "layers " + p.params.layers};
+    }
+    return master;
+}
+
+// ---- DFM optimisations ----------------------------------------------------------------------
+// Each returns success with EMPTY results and leaves the layers unchanged: the reference engine
+// does not compute optimisations. False for an unknown job, step or layer, or no layer.
+
+bool signal_layer_DFM_op(const std::string& job, const std::string& step,
+                         const std::vector<std::string>& layers, signal_layer_DFM_op_params params,
+                         signal_layer_DFM_result_map& results,
+                         COMMON::progress_value<void>* progress) {
+    if (auto hook =
+            enter("signal_layer_DFM_op", {job, step, ct::joined(layers), ct::dfmParams(params)},
+                  &EngineHooks::signal_layer_DFM_op)) {
+        return hook(job, step, layers, std::move(params), results, progress);
+    }
+    if (!layersExist(job, step, layers)) {
+        return false;
+    }
+    results.clear();
+    reportProgress(progress);
+    return true;
+}
+
+bool solder_mask_DFM_op(const std::string& job, const std::string& step,
+                        const std::vector<std::string>& layers, solder_mask_DFM_params params,
+                        solder_mask_DFM_result_map& results,
+                        COMMON::progress_value<void>* progress) {
+    if (auto hook =
+            enter("solder_mask_DFM_op", {job, step, ct::joined(layers), ct::dfmParams(params)},
+                  &EngineHooks::solder_mask_DFM_op)) {
+        return hook(job, step, layers, std::move(params), results, progress);
+    }
+    if (!layersExist(job, step, layers)) {
+        return false;
+    }
+    results.clear();
+    reportProgress(progress);
+    return true;
+}
+
+bool teardrop_create_DFM_op(const std::string& job, const std::string& step,
+                            const std::vector<std::string>& layers,
+                            teardrop_create_DFM_op_params params, teardrop_result_map& results,
+                            COMMON::progress_value<void>* progress) {
+    if (auto hook =
+            enter("teardrop_create_DFM_op", {job, step, ct::joined(layers), ct::dfmParams(params)},
+                  &EngineHooks::teardrop_create_DFM_op)) {
+        return hook(job, step, layers, std::move(params), results, progress);
+    }
+    if (!layersExist(job, step, layers)) {
+        return false;
+    }
+    results.clear();
+    reportProgress(progress);
+    return true;
+}
+
+bool NFP_removal_DFM_op(const std::string& job, const std::string& step,
+                        const std::vector<std::string>& layers, NFP_removal_DFM_op_params params,
+                        NFP_removal_result_map& results, COMMON::progress_value<void>* progress) {
+    if (auto hook =
+            enter("NFP_removal_DFM_op", {job, step, ct::joined(layers), ct::dfmParams(params)},
+                  &EngineHooks::NFP_removal_DFM_op)) {
+        return hook(job, step, layers, std::move(params), results, progress);
+    }
+    if (!layersExist(job, step, layers)) {
+        return false;
+    }
+    results.clear();
+    reportProgress(progress);
+    return true;
+}
+
+// ---- output ---------------------------------------------------------------------------------
+// The reference engine writes a text listing of the features whatever the export type asks
+// for (the type is named in the listing); a stopped run writes nothing and still succeeds.
+
+bool layer_export(const std::string& job, const std::string& step, const std::string& layer,
+                  export_type type, const std::string& path,
+                  COMMON::progress_value<void>* progress) {
+    if (auto hook =
+            enter("layer_export", {job, step, layer, ct::number(static_cast<int>(type)), path},
+                  &EngineHooks::layer_export)) {
+        return hook(job, step, layer, type, path, progress);
+    }
+    std::vector<featureInfo> features;
+    if (!snapshotLayer(job, step, layer, features)) {
+        return false;
+    }
+    if (path.empty()) {
+        LOG(ERROR) << "layer_export needs a path";
+        return false;
+    }
+    if (!reportProgress(progress)) {
+        return true;
+    }
+    return writeAtomically(QString::fromStdString(path),
+                           layerListing(job, step, layer, exportName(type), features));
+}
+
+// One listing per layer of the matrix, named "<layer>.txt", below `folder` (created if needed).
+bool Export_step(const std::string& job, const std::string& step, const std::string& folder,
+                 COMMON::progress_value<void>* progress) {
+    if (auto hook = enter("Export_step", {job, step, folder}, &EngineHooks::Export_step)) {
+        return hook(job, step, folder, progress);
+    }
+    std::vector<std::string> layers;
+    {
+        std::lock_guard<std::mutex> guard(store().mutex);
+        wcref::EngineJob* j = store().job(job);
+        if (j == nullptr || store().step(job, step) == nullptr) {
+            return false;
+        }
+        for (const layer_info& info : j->matrix) {
+            layers.push_back(info.name);
+        }
+    }
+    const QString directory = QString::fromStdString(folder);
+    if (folder.empty() || !QDir().mkpath(directory)) {
+        LOG(ERROR) << "Export_step cannot create folder \"" << folder << "\"";
+        return false;
+    }
+    if (!reportProgress(progress)) {
+        return true;
+    }
+    for (const std::string& layer : layers) {
+        std::vector<featureInfo> features;
+        if (!snapshotLayer(job, step, layer, features)) {
+            return false;
+        }
+        const QString path = QDir(directory).filePath(QString::fromStdString(layer) + ".txt");
+        if (!writeAtomically(path, layerListing(job, step, layer, "listing", features))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace API
+}  // namespace Korvo

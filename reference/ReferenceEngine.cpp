@@ -1,0 +1,118 @@
+#include "ReferenceEngine.h"
+
+#include <glog/logging.h>
+
+#include "EngineCallText.h"
+#include "EngineStore.h"
+#include "SampleJob.h"
+
+namespace wcref {
+
+EngineStore& EngineStore::instance() {
+    static EngineStore store;
+    return store;
+}
+
+void EngineStore::recordLocked(const char* operation, std::vector<std::string> arguments) {
+    if (calls.size() >= kCallLogCapacity) {
+        calls.pop_front();
+    }
+    calls.push_back(EngineCall{operation, std::move(arguments)});
+}
+
+EngineJob* EngineStore::job(const std::string& name) {
+    auto found = jobs.find(name);
+    if (found == jobs.end()) {
+        LOG(ERROR) << "job " << name << " is not opened";
+        return nullptr;
+    }
+    return &found->second;
+}
+
+EngineStep* EngineStore::step(const std::string& job_name, const std::string& step_name) {
+    EngineJob* j = job(job_name);
+    if (j == nullptr) {
+        return nullptr;
+    }
+    EngineStep* s = j->step(step_name);
+    if (s == nullptr) {
+        LOG(ERROR) << "step " << step_name << " does not exist in job " << job_name;
+    }
+    return s;
+}
+
+EngineLayerData* EngineStore::layer(const std::string& job_name, const std::string& step_name,
+                                    const std::string& layer_name) {
+    EngineStep* s = step(job_name, step_name);
+    if (s == nullptr) {
+        return nullptr;
+    }
+    auto found = s->layers.find(layer_name);
+    if (found == s->layers.end()) {
+        LOG(ERROR) << "layer " << layer_name << " does not exist in job " << job_name;
+        return nullptr;
+    }
+    return &found->second;
+}
+
+void resetEngine() {
+    EngineStore& store = EngineStore::instance();
+    std::lock_guard<std::mutex> guard(store.mutex);
+    store.jobs.clear();
+    store.calls.clear();
+    store.hooks = EngineHooks{};
+    store.signal_checks.clear();
+    store.next_check_id = 1;
+    store.long_operation_duration = std::chrono::milliseconds(EngineStore::kDefaultLongOperationMs);
+}
+
+bool openSampleJob(const std::string& job) {
+    return Korvo::API::open_job(job, ":sample");
+}
+
+std::vector<EngineCall> engineCalls() {
+    EngineStore& store = EngineStore::instance();
+    std::lock_guard<std::mutex> guard(store.mutex);
+    return {store.calls.begin(), store.calls.end()};
+}
+
+void clearEngineCalls() {
+    EngineStore& store = EngineStore::instance();
+    std::lock_guard<std::mutex> guard(store.mutex);
+    store.calls.clear();
+}
+
+EngineHooks& engineHooks() {
+    return EngineStore::instance().hooks;
+}
+
+void setLongOperationDuration(std::chrono::milliseconds duration) {
+    EngineStore& store = EngineStore::instance();
+    std::lock_guard<std::mutex> guard(store.mutex);
+    store.long_operation_duration = std::max(duration, std::chrono::milliseconds(0));
+}
+
+std::chrono::milliseconds longOperationDuration() {
+    EngineStore& store = EngineStore::instance();
+    std::lock_guard<std::mutex> guard(store.mutex);
+    return store.long_operation_duration;
+}
+
+bool setDisplayedLayers(const std::string& job, const std::vector<std::string>& layers) {
+    EngineStore& store = EngineStore::instance();
+    std::lock_guard<std::mutex> guard(store.mutex);
+    EngineJob* j = store.job(job);
+    if (j == nullptr) {
+        return false;
+    }
+    for (const std::string& name : layers) {
+        if (j->layer(name) == nullptr) {
+            LOG(ERROR) << "cannot display unknown layer " << name;
+            return false;
+        }
+    }
+    j->displayed = std::set<std::string>(layers.begin(), layers.end());
+    return true;
+}
+
+}  // namespace wcref
