@@ -22,7 +22,8 @@ std::string toGbk(const QString& text) {
 
 std::string exceptionPlaceLine(const char* file, int line) {
     const QString name = QFileInfo(QString::fromUtf8(file)).fileName();
-    return toGbk(QStringLiteral("异常位置：") + name + QStringLiteral(" : ") + QString::number(line));
+    return toGbk(QStringLiteral("异常位置：") + name + QStringLiteral(" : ") +
+                 QString::number(line));
 }
 
 std::string exceptionDescriptionLine(const QString& description) {

@@ -21,9 +21,10 @@ void logException(const char* file, int line, const QString& description);
 // Shows `description` under "Information" on top of `dialog` (no box when dialog is null).
 void reportException(QWidget* dialog, const QString& description);
 
+// Runs `body`; when it throws a text or standard exception (or anything else), returns false
+// with the exception's text in `description`.
 template <typename Body>
-bool guarded(QWidget* dialog, const char* file, int line, Body&& body) {
-    QString description;
+bool runCatching(Body&& body, QString& description) {
     try {
         std::forward<Body>(body)();
         return true;
@@ -35,6 +36,17 @@ bool guarded(QWidget* dialog, const char* file, int line, Body&& body) {
         description = text;
     } catch (const char* text) {
         description = QString::fromUtf8(text);
+    } catch (...) {
+        description = QStringLiteral("Unknown exception");
+    }
+    return false;
+}
+
+template <typename Body>
+bool guarded(QWidget* dialog, const char* file, int line, Body&& body) {
+    QString description;
+    if (runCatching(std::forward<Body>(body), description)) {
+        return true;
     }
     logException(file, line, description);
     reportException(dialog, description);

@@ -1,0 +1,43 @@
+#pragma once
+// Copies folders on a worker task: each (source, destination) pair in turn, files and
+// subfolders, creating destinations that do not exist.
+
+#include <QString>
+#include <utility>
+#include <vector>
+
+#include "ProgressTask.h"
+#include "progress_value.h"
+
+class CopyFile_Progress {
+public:
+    using FolderPair = std::pair<QString, QString>;
+
+    CopyFile_Progress(std::vector<FolderPair> folders, bool overwrite);
+
+    // Starts the copy and returns at once.
+    void do_process();
+    double get_value();
+    bool isFinish() const;
+    // Every pair copied completely; meaningful once isFinish().
+    bool succeeded();
+    // For a stop request from the GUI thread; the copy stops before the next file.
+    Korvo::COMMON::progress_value<void>& block() { return run_.task(); }
+
+    // The worker body. `block` must be this class's own block (the one do_process passes).
+    static void process(Korvo::COMMON::progress_value<void>* block);
+
+    // Copies the files and subfolders of `source` into `destination`, creating it. Without
+    // `overwrite` existing files are kept. False when the source cannot be read or a file fails
+    // (the rest is still copied).
+    static bool CopyDirFile(const QString& source, const QString& destination, bool overwrite);
+
+private:
+    struct Task : Korvo::COMMON::progress_value<void> {
+        std::vector<FolderPair> folders;
+        bool overwrite = false;
+        bool succeeded = false;  // under lock
+    };
+
+    wc::ProgressTask<Task> run_;
+};

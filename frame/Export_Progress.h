@@ -1,0 +1,38 @@
+#pragma once
+// Exports one layer through the engine on a worker task.
+
+#include <string>
+
+#include "Korvo_API.h"
+#include "ProgressTask.h"
+#include "progress_value.h"
+
+class Export_Progress {
+public:
+    Export_Progress(std::string job, std::string step, std::string layer,
+                    Korvo::API::export_type type, std::string path);
+
+    // Starts the export and returns at once.
+    void do_process();
+    double get_value();
+    bool isFinish() const;
+    // The engine reported success; meaningful once isFinish().
+    bool succeeded();
+    // For a stop request from the GUI thread; the engine polls it.
+    Korvo::COMMON::progress_value<void>& block() { return run_.task(); }
+
+    // The worker body. `block` must be this class's own block (the one do_process passes).
+    static void process(Korvo::COMMON::progress_value<void>* block);
+
+private:
+    struct Task : Korvo::COMMON::progress_value<void> {
+        std::string job;
+        std::string step;
+        std::string layer;
+        Korvo::API::export_type type = Korvo::API::export_gerber;
+        std::string path;
+        bool succeeded = false;  // under lock
+    };
+
+    wc::ProgressTask<Task> run_;
+};
