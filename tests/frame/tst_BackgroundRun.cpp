@@ -369,7 +369,7 @@ void tst_BackgroundRun::workerExceptionEndsAsFinished() {
     QFETCH(QString, expected);
     QFETCH(QString, source_file);
 
-    LogCapture log;
+    wctest::LogCapture log;
     const QByteArray file = source_file.toUtf8();
     BackgroundRunOptions options;
     if (!source_file.isEmpty()) {

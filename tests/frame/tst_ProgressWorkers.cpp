@@ -170,7 +170,7 @@ void tst_ProgressWorkers::copyDirFile() {
     writeTree(root.filePath("dst"), destination);
     const QStringList source_before = readTree(root.filePath("src"));
 
-    LogCapture log;
+    wctest::LogCapture log;
     const bool ok = CopyFile_Progress::CopyDirFile(root.filePath(source_path),
                                                    root.filePath(destination_path), overwrite);
     QCOMPARE(ok, expected_ok);
@@ -247,7 +247,7 @@ void tst_ProgressWorkers::progressCommon() {
     QFETCH(bool, expected_log);
 
     const Progress_Common::Worker workers[] = {&workerSettingValue, &workerThrowing, &workerIdle};
-    LogCapture log;
+    wctest::LogCapture log;
     Progress_Common progress;
     progress.do_process();  // no worker yet: nothing starts
     QVERIFY(!progress.isFinish());
@@ -308,7 +308,7 @@ void tst_ProgressWorkers::exportProgress() {
             }
             return answer == 1;
         };
-    LogCapture log;
+    wctest::LogCapture log;
     Export_Progress exporter("job1", "pcb", "top", Korvo::API::export_type(type), "/tmp/out.gbr");
     exporter.do_process();
     QVERIFY(waitUntilFinished(exporter));

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace wctest {
+
 class LogCapture : public google::LogSink {
 public:
     LogCapture() { google::AddLogSink(this); }
@@ -40,3 +42,5 @@ private:
     std::mutex lock_;
     std::vector<std::string> errors_;
 };
+
+}  // namespace wctest

@@ -1,0 +1,111 @@
+// What a host sees of the frame's calls to it: the two notifications after an edit and the
+// recorder's twin before each recorded engine operation.
+
+#include <QtTest>
+#include <functional>
+
+#include "HostSettings.h"
+#include "Korvo_API.h"
+#include "PluginSpy.h"
+#include "ReferenceEngine.h"
+#include "ScopedEngineHook.h"
+#include "frame/PluginMessages.h"
+#include "frame/RecordedCalls.h"
+
+namespace {
+const std::string kJob = "sample_job";
+}
+
+class tst_HostCalls : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob(kJob));
+        wcref::clearRecordedSaves();
+    }
+    void cleanup() { wcref::setSaveFlag(false); }
+
+    void notifiesMatrixThenJobList() {
+        wctest::PluginSpy spy;
+        wc::notifyJobChanged(QString::fromStdString(kJob));
+        QCOMPARE(spy.codes(), (QList<int>{20002401, 20002400}));
+        const auto& matrix = spy.messages().at(0);
+        QCOMPARE(matrix.sender, QStringLiteral("CAM_PNData_View.dll"));
+        QCOMPARE(matrix.receiver, QStringLiteral("Matrix.dll"));
+        QCOMPARE(matrix.values.value("DstType").toString(), QStringLiteral("Matrix"));
+        QCOMPARE(matrix.values.value("Job").toString(), QString::fromStdString(kJob));
+        const auto& graphic = spy.messages().at(1);
+        QCOMPARE(graphic.receiver, QStringLiteral("Graphic_JobList.dll"));
+        QCOMPARE(graphic.values.value("DstType").toString(), QStringLiteral("Graphic"));
+    }
+
+    void twinPrecedesOperation_data() {
+        QTest::addColumn<bool>("saving");
+        QTest::addColumn<QString>("operation");
+        for (bool saving : {true, false}) {
+            for (const char* op :
+                 {"get_graphics", "get_matrix", "create_step", "clear_selected_features"}) {
+                QTest::addRow("%s %s", op, saving ? "saving" : "not saving")
+                    << saving << QString::fromLatin1(op);
+            }
+        }
+    }
+
+    // The twin must already be recorded when the engine operation runs, with the same job.
+    void twinPrecedesOperation() {
+        QFETCH(bool, saving);
+        QFETCH(QString, operation);
+        wcref::setSaveFlag(saving);
+        std::vector<std::string> seenBefore;
+        auto noteSaves = [&] { seenBefore = wcref::recordedSaves(); };
+
+        std::vector<std::string> steps;
+        std::vector<Korvo::API::layer_info> layers;
+        if (operation == "get_graphics") {
+            wctest::ScopedEngineHook hook(&wcref::EngineHooks::get_graphics,
+                                          [&](const std::string&, std::vector<std::string>&,
+                                              std::vector<Korvo::API::layer_info>&) {
+                                              noteSaves();
+                                              return std::string("OK");
+                                          });
+            wc::recordedGetGraphics(kJob, steps, layers);
+        } else if (operation == "get_matrix") {
+            wctest::ScopedEngineHook hook(&wcref::EngineHooks::get_matrix,
+                                          [&](const std::string&, std::vector<std::string>&,
+                                              std::vector<Korvo::API::layer_info>&) {
+                                              noteSaves();
+                                              return std::string("OK");
+                                          });
+            wc::recordedGetMatrix(kJob, steps, layers);
+        } else if (operation == "create_step") {
+            wctest::ScopedEngineHook hook(&wcref::EngineHooks::create_step,
+                                          [&](const std::string&, const std::string&, int) {
+                                              noteSaves();
+                                              return true;
+                                          });
+            QVERIFY(wc::recordedCreateStep(kJob, "array", 2));
+        } else {
+            wctest::ScopedEngineHook hook(
+                &wcref::EngineHooks::clear_selected_features,
+                [&](const std::string&, const std::string&, const std::string&) {
+                    noteSaves();
+                    return true;
+                });
+            QVERIFY(wc::recordedClearSelectedFeatures(kJob, "pcb", "top"));
+        }
+
+        QCOMPARE(int(seenBefore.size()), saving ? 1 : 0);
+        if (saving) {
+            const QString twin = QString::fromStdString(seenBefore.front());
+            QVERIFY2(twin.startsWith(operation + "_db_save("), qPrintable(twin));
+            QVERIFY2(twin.contains(QString::fromStdString(kJob)), qPrintable(twin));
+        }
+        const auto calls = wcref::engineCalls();
+        QCOMPARE(QString::fromStdString(calls.back().operation), operation);
+    }
+};
+
+QTEST_MAIN(tst_HostCalls)
+#include "tst_HostCalls.moc"
