@@ -16,146 +16,137 @@ PluginMetaData message(int code, void* payload = nullptr) {
     return m;
 }
 
+QTpluginsManger4CAM* manager() {
+    return QTpluginsManger4CAM::instance();
+}
+
 }  // namespace
 
 class tst_PluginBus : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() {
+        PluginBus::instance().clearLog();
+        PluginBus::instance().setLogLimit(1000);
+    }
 
-    void deliveryOrder();
-    void payloadValidDuringCallOnly();
-    void unsubscribeDuringDelivery();
-    void boundedLog_data();
-    void boundedLog();
-    void entryPoints_data();
-    void entryPoints();
+    void cleanup() {
+        for (int id : subscriptions_)
+            PluginBus::instance().unsubscribe(id);
+        subscriptions_.clear();
+    }
+
+    // Delivery is synchronous: every receiver has run when the send returns.
+    void deliveryOrder() {
+        QStringList seen;
+        for (const QString& name : QStringList{"first", "second", "third"})
+            subscribe([&seen, name](const PluginMetaData& m) {
+                seen << name + ":" + QString::number(m.code);
+            });
+        manager()->recMegToPlugin(this, message(20002803));
+        manager()->recMegToPlugin(this, message(20002808));
+        QCOMPARE(seen, (QStringList{"first:20002803", "second:20002803", "third:20002803",
+                                    "first:20002808", "second:20002808", "third:20002808"}));
+
+        PluginBus::instance().unsubscribe(subscriptions_[1]);
+        seen.clear();
+        manager()->pluginTransmitData(message(1));
+        QCOMPARE(seen, (QStringList{"first:1", "third:1"}));
+    }
+
+    void payloadValidDuringCallOnly() {
+        int drawn = 0;
+        subscribe([&drawn](const PluginMetaData& m) {
+            drawn = m.payload != nullptr ? *static_cast<const int*>(m.payload) : -1;
+        });
+        {
+            int hits = 17;
+            manager()->recMegToPlugin(this, message(20002810, &hits));
+        }
+        QCOMPARE(drawn, 17);
+        const auto& log = PluginBus::instance().log();
+        QCOMPARE(log.size(), size_t(1));
+        QCOMPARE(log.back().code, 20002810);
+        QVERIFY(log.back().payload == nullptr);
+    }
+
+    void unsubscribeDuringDelivery() {
+        int later_calls = 0;
+        int self = 0;
+        self =
+            subscribe([&self](const PluginMetaData&) { PluginBus::instance().unsubscribe(self); });
+        subscribe([&later_calls](const PluginMetaData&) { ++later_calls; });
+        manager()->pluginTransmitData(message(1));
+        manager()->pluginTransmitData(message(2));
+        QCOMPARE(later_calls, 2);
+    }
+
+    void boundedLog_data() {
+        QTest::addColumn<int>("limit");
+        QTest::addColumn<int>("sent");
+        QTest::addColumn<int>("kept");
+        QTest::newRow("below") << 5 << 3 << 3;
+        QTest::newRow("at") << 5 << 5 << 5;
+        QTest::newRow("beyond") << 5 << 12 << 5;
+        QTest::newRow("zero") << 0 << 4 << 0;
+    }
+    void boundedLog() {
+        QFETCH(int, limit);
+        QFETCH(int, sent);
+        QFETCH(int, kept);
+        PluginBus::instance().setLogLimit(limit);
+        for (int code = 1; code <= sent; ++code)
+            manager()->recMegToPlugin(this, message(code));
+        const auto& log = PluginBus::instance().log();
+        QCOMPARE(static_cast<int>(log.size()), kept);
+        for (int i = 0; i < kept; ++i)
+            QCOMPARE(log[i].code, sent - kept + 1 + i);  // newest kept, in order
+        // Lowering the limit trims what is already there.
+        PluginBus::instance().setLogLimit(1);
+        QCOMPARE(static_cast<int>(log.size()), std::min(kept, 1));
+    }
+
+    void entryPoints_data() {
+        QTest::addColumn<QString>("call");
+        QTest::addColumn<QVariantMap>("values");
+        QTest::addColumn<QVariantMap>("delivered");
+        const QVariantMap graphic{{"DstType", "Graphic"}};
+        QTest::newRow("update job adds job")
+            << "Ze_UpdateJob" << graphic << QVariantMap{{"DstType", "Graphic"}, {"Job", "demo"}};
+        QTest::newRow("update job keeps given job")
+            << "Ze_UpdateJob" << QVariantMap{{"Job", "other"}} << QVariantMap{{"Job", "other"}};
+        QTest::newRow("update graphic") << "updateGraphic" << graphic << graphic;
+        QTest::newRow("transmit") << "pluginTransmitData" << graphic << graphic;
+    }
+    void entryPoints() {
+        QFETCH(QString, call);
+        QFETCH(QVariantMap, values);
+        QFETCH(QVariantMap, delivered);
+        QList<PluginMetaData> received;
+        subscribe([&received](const PluginMetaData& m) { received << m; });
+        PluginMetaData m = message(20002400);
+        m.values = values;
+        if (call == "Ze_UpdateJob")
+            manager()->Ze_UpdateJob("demo", m);
+        else if (call == "updateGraphic")
+            manager()->updateGraphic("demo", m);
+        else
+            manager()->pluginTransmitData(m);
+        QCOMPARE(received.size(), 1);
+        QCOMPARE(received.front().code, 20002400);
+        QCOMPARE(received.front().receiver, QString("Graphic_View.dll"));
+        QCOMPARE(received.front().values, delivered);
+    }
 
 private:
+    int subscribe(std::function<void(const PluginMetaData&)> receiver) {
+        subscriptions_.push_back(PluginBus::instance().subscribe(std::move(receiver)));
+        return subscriptions_.back();
+    }
+
     std::vector<int> subscriptions_;
 };
-
-void tst_PluginBus::init() {
-    PluginBus::instance().clearLog();
-    PluginBus::instance().setLogLimit(1000);
-}
-
-void tst_PluginBus::cleanup() {
-    for (int id : subscriptions_)
-        PluginBus::instance().unsubscribe(id);
-    subscriptions_.clear();
-}
-
-void tst_PluginBus::deliveryOrder() {
-    QStringList seen;
-    for (const QString& name : QStringList{"first", "second", "third"}) {
-        subscriptions_.push_back(
-            PluginBus::instance().subscribe([&seen, name](const PluginMetaData& m) {
-                seen << name + ":" + QString::number(m.code);
-            }));
-    }
-    QTpluginsManger4CAM::instance()->recMegToPlugin(this, message(20002803));
-    QTpluginsManger4CAM::instance()->recMegToPlugin(this, message(20002808));
-    QCOMPARE(seen, (QStringList{"first:20002803", "second:20002803", "third:20002803",
-                                "first:20002808", "second:20002808", "third:20002808"}));
-
-    PluginBus::instance().unsubscribe(subscriptions_[1]);
-    seen.clear();
-    QTpluginsManger4CAM::instance()->pluginTransmitData(message(1));
-    QCOMPARE(seen, (QStringList{"first:1", "third:1"}));
-}
-
-void tst_PluginBus::payloadValidDuringCallOnly() {
-    int drawn = 0;
-    subscriptions_.push_back(PluginBus::instance().subscribe([&drawn](const PluginMetaData& m) {
-        drawn = m.payload != nullptr ? *static_cast<const int*>(m.payload) : -1;
-    }));
-    {
-        int hits = 17;
-        QTpluginsManger4CAM::instance()->recMegToPlugin(this, message(20002810, &hits));
-    }
-    QCOMPARE(drawn, 17);
-    QCOMPARE(PluginBus::instance().log().size(), size_t(1));
-    QCOMPARE(PluginBus::instance().log().back().code, 20002810);
-    QVERIFY(PluginBus::instance().log().back().payload == nullptr);
-}
-
-void tst_PluginBus::unsubscribeDuringDelivery() {
-    int later_calls = 0;
-    int self = 0;
-    self = PluginBus::instance().subscribe(
-        [&self](const PluginMetaData&) { PluginBus::instance().unsubscribe(self); });
-    subscriptions_.push_back(self);
-    subscriptions_.push_back(
-        PluginBus::instance().subscribe([&later_calls](const PluginMetaData&) { ++later_calls; }));
-    QTpluginsManger4CAM::instance()->pluginTransmitData(message(1));
-    QTpluginsManger4CAM::instance()->pluginTransmitData(message(2));
-    QCOMPARE(later_calls, 2);
-}
-
-void tst_PluginBus::boundedLog_data() {
-    QTest::addColumn<int>("limit");
-    QTest::addColumn<int>("sent");
-    QTest::addColumn<int>("kept");
-    QTest::newRow("below") << 5 << 3 << 3;
-    QTest::newRow("at") << 5 << 5 << 5;
-    QTest::newRow("beyond") << 5 << 12 << 5;
-    QTest::newRow("zero") << 0 << 4 << 0;
-}
-
-void tst_PluginBus::boundedLog() {
-    QFETCH(int, limit);
-    QFETCH(int, sent);
-    QFETCH(int, kept);
-    PluginBus::instance().setLogLimit(limit);
-    for (int code = 1; code <= sent; ++code)
-        QTpluginsManger4CAM::instance()->recMegToPlugin(this, message(code));
-    const auto& log = PluginBus::instance().log();
-    QCOMPARE(static_cast<int>(log.size()), kept);
-    for (int i = 0; i < kept; ++i)
-        QCOMPARE(log[i].code, sent - kept + 1 + i);  // newest kept, in order
-
-    // Lowering the limit trims what is already there.
-    PluginBus::instance().setLogLimit(1);
-    QCOMPARE(static_cast<int>(log.size()), std::min(kept, 1));
-}
-
-void tst_PluginBus::entryPoints_data() {
-    QTest::addColumn<QString>("call");
-    QTest::addColumn<QVariantMap>("values");
-    QTest::addColumn<QVariantMap>("delivered");
-    const QVariantMap graphic{{"DstType", "Graphic"}};
-    QTest::newRow("update job adds job")
-        << "Ze_UpdateJob" << graphic << QVariantMap{{"DstType", "Graphic"}, {"Job", "demo"}};
-    QTest::newRow("update job keeps given job")
-        << "Ze_UpdateJob" << QVariantMap{{"Job", "other"}} << QVariantMap{{"Job", "other"}};
-    QTest::newRow("update graphic") << "updateGraphic" << graphic << graphic;
-    QTest::newRow("transmit") << "pluginTransmitData" << graphic << graphic;
-}
-
-void tst_PluginBus::entryPoints() {
-    QFETCH(QString, call);
-    QFETCH(QVariantMap, values);
-    QFETCH(QVariantMap, delivered);
-    QList<PluginMetaData> received;
-    subscriptions_.push_back(
-        PluginBus::instance().subscribe([&received](const PluginMetaData& m) { received << m; }));
-    PluginMetaData m = message(20002400);
-    m.values = values;
-    auto* manager = QTpluginsManger4CAM::instance();
-    if (call == "Ze_UpdateJob")
-        manager->Ze_UpdateJob("demo", m);
-    else if (call == "updateGraphic")
-        manager->updateGraphic("demo", m);
-    else
-        manager->pluginTransmitData(m);
-    QCOMPARE(received.size(), 1);
-    QCOMPARE(received.front().code, 20002400);
-    QCOMPARE(received.front().receiver, QString("Graphic_View.dll"));
-    QCOMPARE(received.front().values, delivered);
-}
 
 QTEST_MAIN(tst_PluginBus)
 #include "tst_PluginBus.moc"
