@@ -8,8 +8,8 @@
 #include <QtTest>
 
 #include <stdexcept>
-#include "DataRows.h"
 
+#include "DataRows.h"
 #include "MessageBoxAnswerer.h"
 #include "UnitScope.h"
 #include "edit/Widget_Contourize.h"

@@ -12,8 +12,8 @@
 #include <set>
 #include <stdexcept>
 #include <thread>
-#include "DataRows.h"
 
+#include "DataRows.h"
 #include "LogCapture.h"
 #include "ZeProgressDialog.h"
 #include "frame/BackgroundRun.h"

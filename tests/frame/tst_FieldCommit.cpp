@@ -2,14 +2,9 @@
 #include <QtTest>
 
 #include "DataRows.h"
-
 #include "frame/FieldCommit.h"
 
-namespace {
-
 using wctest::row;
-
-}  // namespace
 
 // The out-of-range message and the mouse-leave commit shared by the dialogs.
 class tst_FieldCommit : public QObject {

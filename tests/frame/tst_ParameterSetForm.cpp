@@ -8,18 +8,13 @@
 #include <QtTest>
 
 #include "DataRows.h"
-
 #include "Korvo_UIAPI.h"
 #include "MessageBoxAnswerer.h"
 #include "TemporaryWorkingDirectory.h"
 #include "frame/ParameterSetForm.h"
 #include "frame/ParameterSetStore.h"
 
-namespace {
-
 using wctest::row;
-
-}  // namespace
 
 // A whole form saved as a named set and put back: widget values and the kind's ranges.
 class tst_ParameterSetForm : public QObject {

@@ -5,17 +5,12 @@
 #include <QtTest>
 
 #include "DataRows.h"
-
 #include "TemporaryWorkingDirectory.h"
 #include "frame/ParameterSetStore.h"
 
 using wc::ParameterSetStore;
 
-namespace {
-
 using wctest::row;
-
-}  // namespace
 
 // Named parameter sets on disk: where they go, what is refused, and what a bad file does.
 class tst_ParameterSetStore : public QObject {

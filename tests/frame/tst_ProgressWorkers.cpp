@@ -9,8 +9,8 @@
 #include <chrono>
 #include <stdexcept>
 #include <thread>
-#include "DataRows.h"
 
+#include "DataRows.h"
 #include "LogCapture.h"
 #include "ReferenceEngine.h"
 #include "frame/CopyFile_Progress.h"
