@@ -21,17 +21,10 @@ using wcref::EngineJob;
 using wcref::EngineLayerData;
 using wcref::EngineStep;
 using wcref::EngineStore;
+using wcref::enter;
+using wcref::store;
 
 namespace {
-
-EngineStore& store() {
-    return EngineStore::instance();
-}
-
-template <typename Hook>
-Hook enter(const char* operation, std::vector<std::string> arguments, Hook EngineHooks::*member) {
-    return store().enter(operation, std::move(arguments), member);
-}
 
 std::unique_lock<std::mutex> locked() {
     return std::unique_lock<std::mutex>(store().mutex);
@@ -109,6 +102,28 @@ bool sameFeature(const Korvo::API::featureInfo& stored, const Korvo::API::featur
     }
     return stored.type == wanted.type && stored.start == wanted.start &&
            stored.symbol == wanted.symbol;
+}
+
+// Marks every feature of the layer as selected or highlighted.
+void markAll(const std::string& job, const std::string& step, const std::string& layer,
+             std::set<int> EngineLayerData::*marks) {
+    auto lock = locked();
+    if (EngineLayerData* data = store().layer(job, step, layer)) {
+        for (const Korvo::API::featureInfo& f : data->features) {
+            (data->*marks).insert(f.id);
+        }
+    }
+}
+
+bool clearMarks(const std::string& job, const std::string& step, const std::string& layer,
+                std::set<int> EngineLayerData::*marks) {
+    auto lock = locked();
+    EngineLayerData* data = store().layer(job, step, layer);
+    if (data == nullptr) {
+        return false;
+    }
+    (data->*marks).clear();
+    return true;
 }
 
 bool markFeature(EngineLayerData& data, const Korvo::API::featureInfo& wanted,
@@ -583,12 +598,7 @@ void select_features(const std::string& job, const std::string& step, const std:
         hook(job, step, layer);
         return;
     }
-    auto lock = locked();
-    if (EngineLayerData* data = store().layer(job, step, layer)) {
-        for (const featureInfo& f : data->features) {
-            data->selected.insert(f.id);
-        }
-    }
+    markAll(job, step, layer, &EngineLayerData::selected);
 }
 
 // Finds the feature by id, or, when the id is negative, by type, position and symbol.
@@ -609,13 +619,7 @@ bool clear_selected_features(const std::string& job, const std::string& step,
                           &EngineHooks::clear_selected_features)) {
         return hook(job, step, layer);
     }
-    auto lock = locked();
-    EngineLayerData* data = store().layer(job, step, layer);
-    if (data == nullptr) {
-        return false;
-    }
-    data->selected.clear();
-    return true;
+    return clearMarks(job, step, layer, &EngineLayerData::selected);
 }
 
 bool get_selected_feature_info(const std::string& job, const std::string& step,
@@ -644,12 +648,7 @@ void highlight_features(const std::string& job, const std::string& step, const s
         hook(job, step, layer);
         return;
     }
-    auto lock = locked();
-    if (EngineLayerData* data = store().layer(job, step, layer)) {
-        for (const featureInfo& f : data->features) {
-            data->highlighted.insert(f.id);
-        }
-    }
+    markAll(job, step, layer, &EngineLayerData::highlighted);
 }
 
 bool highlight_feature_by_info(const std::string& job, const std::string& step,
@@ -669,13 +668,7 @@ bool clear_highlighted_features(const std::string& job, const std::string& step,
                           &EngineHooks::clear_highlighted_features)) {
         return hook(job, step, layer);
     }
-    auto lock = locked();
-    EngineLayerData* data = store().layer(job, step, layer);
-    if (data == nullptr) {
-        return false;
-    }
-    data->highlighted.clear();
-    return true;
+    return clearMarks(job, step, layer, &EngineLayerData::highlighted);
 }
 
 // Symbols keep their size when scaled: only coordinates move.

@@ -23,17 +23,10 @@
 namespace ct = wcref::calltext;
 using wcref::EngineHooks;
 using wcref::EngineStore;
+using wcref::enter;
+using wcref::store;
 
 namespace {
-
-EngineStore& store() {
-    return EngineStore::instance();
-}
-
-template <typename Hook>
-Hook enter(const char* operation, std::vector<std::string> arguments, Hook EngineHooks::*member) {
-    return store().enter(operation, std::move(arguments), member);
-}
 
 // Validates job, step and layers with the lock held.
 bool layersExist(const std::string& job, const std::string& step,
@@ -296,6 +289,18 @@ std::map<int, std::vector<std::string>> getCheckResultMaster() {
 // Each returns success with EMPTY results and leaves the layers unchanged: the reference engine
 // does not compute optimisations. False for an unknown job, step or layer, or no layer.
 
+template <typename Results>
+bool emptyOptimisation(const std::string& job, const std::string& step,
+                       const std::vector<std::string>& layers, Results& results,
+                       COMMON::progress_value<void>* progress) {
+    if (!layersExist(job, step, layers)) {
+        return false;
+    }
+    results.clear();
+    reportProgress(progress);
+    return true;
+}
+
 bool signal_layer_DFM_op(const std::string& job, const std::string& step,
                          const std::vector<std::string>& layers, signal_layer_DFM_op_params params,
                          signal_layer_DFM_result_map& results,
@@ -305,12 +310,7 @@ bool signal_layer_DFM_op(const std::string& job, const std::string& step,
                   &EngineHooks::signal_layer_DFM_op)) {
         return hook(job, step, layers, std::move(params), results, progress);
     }
-    if (!layersExist(job, step, layers)) {
-        return false;
-    }
-    results.clear();
-    reportProgress(progress);
-    return true;
+    return emptyOptimisation(job, step, layers, results, progress);
 }
 
 bool solder_mask_DFM_op(const std::string& job, const std::string& step,
@@ -322,12 +322,7 @@ bool solder_mask_DFM_op(const std::string& job, const std::string& step,
                   &EngineHooks::solder_mask_DFM_op)) {
         return hook(job, step, layers, std::move(params), results, progress);
     }
-    if (!layersExist(job, step, layers)) {
-        return false;
-    }
-    results.clear();
-    reportProgress(progress);
-    return true;
+    return emptyOptimisation(job, step, layers, results, progress);
 }
 
 bool teardrop_create_DFM_op(const std::string& job, const std::string& step,
@@ -339,12 +334,7 @@ bool teardrop_create_DFM_op(const std::string& job, const std::string& step,
                   &EngineHooks::teardrop_create_DFM_op)) {
         return hook(job, step, layers, std::move(params), results, progress);
     }
-    if (!layersExist(job, step, layers)) {
-        return false;
-    }
-    results.clear();
-    reportProgress(progress);
-    return true;
+    return emptyOptimisation(job, step, layers, results, progress);
 }
 
 bool NFP_removal_DFM_op(const std::string& job, const std::string& step,
@@ -355,12 +345,7 @@ bool NFP_removal_DFM_op(const std::string& job, const std::string& step,
                   &EngineHooks::NFP_removal_DFM_op)) {
         return hook(job, step, layers, std::move(params), results, progress);
     }
-    if (!layersExist(job, step, layers)) {
-        return false;
-    }
-    results.clear();
-    reportProgress(progress);
-    return true;
+    return emptyOptimisation(job, step, layers, results, progress);
 }
 
 // ---- output ---------------------------------------------------------------------------------

@@ -55,4 +55,14 @@ public:
     static constexpr int kDefaultLongOperationMs = 10;
 };
 
+// Shorthands for the files that implement the operations.
+inline EngineStore& store() {
+    return EngineStore::instance();
+}
+
+template <typename Hook>
+Hook enter(const char* operation, std::vector<std::string> arguments, Hook EngineHooks::*member) {
+    return store().enter(operation, std::move(arguments), member);
+}
+
 }  // namespace wcref
