@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
     build-essential cmake pkg-config
-    qtbase5-dev
+    qtbase5-dev fonts-dejavu-core
     libgoogle-glog-dev libjsoncpp-dev
     libgtest-dev libbenchmark-dev
     clang-format
