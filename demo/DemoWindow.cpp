@@ -222,8 +222,20 @@ QStringList DemoWindow::tour(const QString& folder) {
             QString name = entry.menu;
             name.remove(QStringLiteral("...")).replace(' ', '_');
             snap(dialog, name + suffix);
+            if (entry.apply) {
+                const int lines = log_->blockCount();
+                entry.apply(dialog);
+                if (log_->blockCount() == lines) {
+                    // The dialog's own limits refused a value; it says nothing by design.
+                    log(tr("%1: Apply in %2 sent nothing (a value is outside its limit)")
+                            .arg(dialog->windowTitle(),
+                                 QString::fromStdString(Korvo::UIAPI::getUnitStringType(this, 1))));
+                }
+            }
         }
     }
     setDisplayUnit(0);
+    // The log now holds what every dialog sent in both units.
+    snap(this, QStringLiteral("demo_host_log"));
     return written;
 }

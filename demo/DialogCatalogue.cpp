@@ -42,6 +42,7 @@ DialogEntry contourize() {
     entry.changeLanguage = [](QWidget* w) {
         static_cast<Widget_Contourize*>(w)->change_language();
     };
+    entry.apply = [](QWidget* w) { static_cast<Widget_Contourize*>(w)->on_Apply_clicked(); };
     return entry;
 }
 

@@ -26,6 +26,8 @@ struct DialogEntry {
     // Calls the dialog's unit and language slots.
     std::function<void(QWidget*)> changeUnit;
     std::function<void(QWidget*)> changeLanguage;
+    // Presses the dialog's Apply (the tour shows what the host then receives).
+    std::function<void(QWidget*)> apply;
 };
 
 const std::vector<DialogEntry>& dialogCatalogue();
