@@ -89,26 +89,6 @@ CopyFile_Progress::CopyFile_Progress(std::vector<FolderPair> folders, bool overw
     run_.task().overwrite = overwrite;
 }
 
-void CopyFile_Progress::do_process() {
-    if (!run_.start(&CopyFile_Progress::process)) {
-        LOG(ERROR) << "CopyFile_Progress started while its worker runs";
-    }
-}
-
-double CopyFile_Progress::get_value() {
-    return run_.task().get_value();
-}
-
-bool CopyFile_Progress::isFinish() const {
-    return run_.finished();
-}
-
-bool CopyFile_Progress::succeeded() {
-    Task& task = run_.task();
-    std::lock_guard<std::mutex> guard(task.lock);
-    return task.succeeded;
-}
-
 void CopyFile_Progress::process(Korvo::COMMON::progress_value<void>* block) {
     if (block == nullptr) {
         return;

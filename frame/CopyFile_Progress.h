@@ -16,11 +16,11 @@ public:
     CopyFile_Progress(std::vector<FolderPair> folders, bool overwrite);
 
     // Starts the copy and returns at once.
-    void do_process();
-    double get_value();
-    bool isFinish() const;
+    void do_process() { run_.start(); }
+    double get_value() { return run_.value(); }
+    bool isFinish() const { return run_.finished(); }
     // Every pair copied completely; meaningful once isFinish().
-    bool succeeded();
+    bool succeeded() { return run_.succeeded(); }
     // For a stop request from the GUI thread; the copy stops before the next file.
     Korvo::COMMON::progress_value<void>& block() { return run_.task(); }
 
@@ -39,5 +39,5 @@ private:
         bool succeeded = false;  // under lock
     };
 
-    wc::ProgressTask<Task> run_;
+    wc::ProgressTask<Task> run_{&CopyFile_Progress::process};
 };

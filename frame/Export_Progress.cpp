@@ -16,26 +16,6 @@ Export_Progress::Export_Progress(std::string job, std::string step, std::string 
     task.path = std::move(path);
 }
 
-void Export_Progress::do_process() {
-    if (!run_.start(&Export_Progress::process)) {
-        LOG(ERROR) << "Export_Progress started while its worker runs";
-    }
-}
-
-double Export_Progress::get_value() {
-    return run_.task().get_value();
-}
-
-bool Export_Progress::isFinish() const {
-    return run_.finished();
-}
-
-bool Export_Progress::succeeded() {
-    Task& task = run_.task();
-    std::lock_guard<std::mutex> guard(task.lock);
-    return task.succeeded;
-}
-
 void Export_Progress::process(Korvo::COMMON::progress_value<void>* block) {
     if (block == nullptr) {
         return;

@@ -13,11 +13,11 @@ public:
                     Korvo::API::export_type type, std::string path);
 
     // Starts the export and returns at once.
-    void do_process();
-    double get_value();
-    bool isFinish() const;
+    void do_process() { run_.start(); }
+    double get_value() { return run_.value(); }
+    bool isFinish() const { return run_.finished(); }
     // The engine reported success; meaningful once isFinish().
-    bool succeeded();
+    bool succeeded() { return run_.succeeded(); }
     // For a stop request from the GUI thread; the engine polls it.
     Korvo::COMMON::progress_value<void>& block() { return run_.task(); }
 
@@ -34,5 +34,5 @@ private:
         bool succeeded = false;  // under lock
     };
 
-    wc::ProgressTask<Task> run_;
+    wc::ProgressTask<Task> run_{&Export_Progress::process};
 };

@@ -44,26 +44,6 @@ Import_Progress::Import_Progress(QString program, QString arguments, QString unp
     task.overwrite = overwrite;
 }
 
-void Import_Progress::do_process() {
-    if (!run_.start(&Import_Progress::process)) {
-        LOG(ERROR) << "Import_Progress started while its worker runs";
-    }
-}
-
-double Import_Progress::get_value() {
-    return run_.task().get_value();
-}
-
-bool Import_Progress::isFinish() const {
-    return run_.finished();
-}
-
-bool Import_Progress::succeeded() {
-    Task& task = run_.task();
-    std::lock_guard<std::mutex> guard(task.lock);
-    return task.succeeded;
-}
-
 long Import_Progress::exitCode() {
     Task& task = run_.task();
     std::lock_guard<std::mutex> guard(task.lock);

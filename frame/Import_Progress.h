@@ -15,11 +15,11 @@ public:
                     bool overwrite);
 
     // Starts the import and returns at once.
-    void do_process();
-    double get_value();
-    bool isFinish() const;
+    void do_process() { run_.start(); }
+    double get_value() { return run_.value(); }
+    bool isFinish() const { return run_.finished(); }
     // Meaningful once isFinish(): the program ended with 0 and everything was copied.
-    bool succeeded();
+    bool succeeded() { return run_.succeeded(); }
     // The unpacking program's exit code (0 when none was run).
     long exitCode();
     // For a stop request from the GUI thread; honoured between the stages.
@@ -47,5 +47,5 @@ private:
         long exit_code = 0;      // under lock
     };
 
-    wc::ProgressTask<Task> run_;
+    wc::ProgressTask<Task> run_{&Import_Progress::process};
 };

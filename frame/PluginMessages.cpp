@@ -7,19 +7,16 @@
 namespace wc {
 
 void notifyJobChanged(const QString& job, const QString& sender) {
-    PluginMetaData matrix;
-    matrix.sender = sender;
-    matrix.receiver = module::Matrix;
-    matrix.code = code::RefreshMatrix;
-    matrix.values.insert(QStringLiteral("DstType"), QStringLiteral("Matrix"));
-    QTpluginsManger4CAM::instance()->Ze_UpdateJob(job, matrix);
-
-    PluginMetaData graphic;
-    graphic.sender = sender;
-    graphic.receiver = module::JobList;
-    graphic.code = code::RefreshGraphic;
-    graphic.values.insert(QStringLiteral("DstType"), QStringLiteral("Graphic"));
-    QTpluginsManger4CAM::instance()->Ze_UpdateJob(job, graphic);
+    auto send = [&](const QString& receiver, int code, const QString& destination) {
+        PluginMetaData message;
+        message.sender = sender;
+        message.receiver = receiver;
+        message.code = code;
+        message.values.insert(QStringLiteral("DstType"), destination);
+        QTpluginsManger4CAM::instance()->Ze_UpdateJob(job, message);
+    };
+    send(module::Matrix, code::RefreshMatrix, QStringLiteral("Matrix"));
+    send(module::JobList, code::RefreshGraphic, QStringLiteral("Graphic"));
     LOG(INFO) << "notified matrix and job list of changes to " << job.toStdString();
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 // The worker side shared by the fixed progress classes: a block that carries the worker's inputs
-// and outcome, and the future of the task that runs the worker on it.
+// and outcome (a `succeeded` flag written under the block's lock), the worker, and the future
+// of the task that runs the worker on the block. The classes forward their public face to it.
+
+#include <glog/logging.h>
 
 #include <chrono>
 #include <future>
@@ -18,20 +21,26 @@ class ProgressTask {
 public:
     using Worker = void (*)(Korvo::COMMON::progress_value<void>*);
 
-    ProgressTask() = default;
+    explicit ProgressTask(Worker worker) : worker_(worker) {}
     // The worker holds a pointer to the block, so the block may not go before the worker.
     ~ProgressTask() { wait(); }
     ProgressTask(const ProgressTask&) = delete;
     ProgressTask& operator=(const ProgressTask&) = delete;
 
-    // Returns at once; false while a worker still runs.
-    bool start(Worker worker) {
+    // Starts the worker and returns at once; refused (and logged) while a worker still runs.
+    void start() {
         if (running()) {
-            return false;
+            LOG(ERROR) << "a progress worker was started while it still runs";
+            return;
         }
         Korvo::COMMON::progress_value<void>* block = &task_;
-        result_ = std::async(std::launch::async, worker, block);
-        return true;
+        result_ = std::async(std::launch::async, worker_, block);
+    }
+
+    double value() { return task_.get_value(); }
+    bool succeeded() {
+        std::lock_guard<std::mutex> guard(task_.lock);
+        return task_.succeeded;
     }
 
     bool finished() const {
@@ -48,6 +57,7 @@ public:
     Task& task() { return task_; }
 
 private:
+    Worker worker_;
     Task task_;
     std::future<void> result_;
 };
