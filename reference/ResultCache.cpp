@@ -35,6 +35,14 @@ Json::Value hitToJson(const check_info& hit, const char* level) {
         points.append(xy);
     }
     out["points"] = points;
+    Json::Value features(Json::arrayValue);
+    for (const Korvo::API::feature_ref& f : hit.features) {
+        Json::Value ref(Json::objectValue);
+        ref["layer_row"] = f.layer_row;
+        ref["id"] = f.id;
+        features.append(ref);
+    }
+    out["features"] = features;
     return out;
 }
 

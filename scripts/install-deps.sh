@@ -7,7 +7,7 @@ packages=(
     qtbase5-dev fonts-dejavu-core
     libgoogle-glog-dev libjsoncpp-dev
     libgtest-dev libbenchmark-dev
-    clang-format
+    clang-format ccache
 )
 
 missing=()

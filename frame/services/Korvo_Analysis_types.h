@@ -20,11 +20,23 @@ struct check_points {
     std::vector<point> points;
 };
 
+// A feature a hit concerns: the layer's row in the job's matrix and the feature's id on that
+// layer. Hits refer to features rather than copy them, so a result of a million hits stays small;
+// whoever needs the whole feature looks it up (`get_all_feature_info`).
+struct feature_ref {
+    int32_t layer_row = 0;
+    int32_t id = -1;
+};
+
+inline bool operator==(const feature_ref& a, const feature_ref& b) {
+    return a.layer_row == b.layer_row && a.id == b.id;
+}
+
 // One hit of an analysis or optimisation.
 struct check_info {
     double value = 0.0;  // measured value, engine units for lengths
     check_points shape;
-    std::vector<featureInfo> features;
+    std::vector<feature_ref> features;
 };
 
 // The four severity lists of a result record: red ("!!"), yellow ("!"), green ("  ") and a
