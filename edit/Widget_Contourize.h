@@ -5,6 +5,7 @@
 #include <QWidget>
 
 #include "frame/FieldCommit.h"
+#include "frame/WidgetCommonExport.h"
 
 class QButtonGroup;
 class QComboBox;
@@ -13,7 +14,7 @@ class QLineEdit;
 class QPushButton;
 class QRadioButton;
 
-class Widget_Contourize : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_Contourize : public QWidget {
     Q_OBJECT
 public:
     explicit Widget_Contourize(QWidget* parent);

@@ -22,6 +22,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "frame/WidgetCommonExport.h"
 #include "progress_value.h"
 
 class QWidget;
@@ -73,7 +74,7 @@ struct RunOutcome {
     bool finished() const { return end == RunEnd::Finished; }
 };
 
-class BackgroundRun {
+class WIDGET_COMMON_EXPORT BackgroundRun {
     Q_DECLARE_TR_FUNCTIONS(BackgroundRun)
 
 public:

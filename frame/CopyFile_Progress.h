@@ -7,9 +7,10 @@
 #include <vector>
 
 #include "ProgressTask.h"
+#include "frame/WidgetCommonExport.h"
 #include "progress_value.h"
 
-class CopyFile_Progress {
+class WIDGET_COMMON_EXPORT CopyFile_Progress {
 public:
     using FolderPair = std::pair<QString, QString>;
 

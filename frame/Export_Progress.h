@@ -5,9 +5,10 @@
 
 #include "Korvo_API.h"
 #include "ProgressTask.h"
+#include "frame/WidgetCommonExport.h"
 #include "progress_value.h"
 
-class Export_Progress {
+class WIDGET_COMMON_EXPORT Export_Progress {
 public:
     Export_Progress(std::string job, std::string step, std::string layer,
                     Korvo::API::export_type type, std::string path);

@@ -5,9 +5,10 @@
 #include <QString>
 
 #include "ProgressTask.h"
+#include "frame/WidgetCommonExport.h"
 #include "progress_value.h"
 
-class Import_Progress {
+class WIDGET_COMMON_EXPORT Import_Progress {
 public:
     // `program` with `arguments` is run first (skipped when `program` is empty) and is expected
     // to fill `unpacked`; then `unpacked` is copied into `destination`.

@@ -8,9 +8,11 @@
 #include <QString>
 #include <QStringList>
 
+#include "frame/WidgetCommonExport.h"
+
 namespace wc {
 
-class ParameterSetStore {
+class WIDGET_COMMON_EXPORT ParameterSetStore {
 public:
     enum class SaveResult { Saved, Exists, BadName, WriteFailed };
     enum class LoadResult { Loaded, Missing, BadName, Unreadable, NotJson, WrongShape };

@@ -5,9 +5,10 @@
 #include <future>
 #include <string>
 
+#include "frame/WidgetCommonExport.h"
 #include "progress_value.h"
 
-class Progress_Common {
+class WIDGET_COMMON_EXPORT Progress_Common {
 public:
     using Worker = void (*)(Korvo::COMMON::progress_value<void>*);
 
