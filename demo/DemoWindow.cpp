@@ -14,11 +14,13 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QVBoxLayout>
+#include <set>
 
-#include "JobView.h"
+#include "GraphicView.h"
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
 #include "PluginBus.h"
+#include "frame/PluginMessages.h"
 
 namespace {
 
@@ -47,14 +49,20 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
 
     auto* left = new QWidget(this);
     auto* leftLayout = new QVBoxLayout(left);
+    leftLayout->addWidget(new QLabel(tr("Job:"), left));
+    jobs_ = new QComboBox(left);
+    jobs_->setObjectName(QStringLiteral("jobs"));
+    leftLayout->addWidget(jobs_);
     leftLayout->addWidget(new QLabel(tr("Step:"), left));
     steps_ = new QComboBox(left);
+    steps_->setObjectName(QStringLiteral("steps"));
     leftLayout->addWidget(steps_);
-    leftLayout->addWidget(new QLabel(tr("Layers:"), left));
+    leftLayout->addWidget(new QLabel(tr("Layers (checked are displayed):"), left));
     layers_ = new QListWidget(left);
+    layers_->setObjectName(QStringLiteral("layers"));
     leftLayout->addWidget(layers_);
 
-    view_ = new JobView(this);
+    view_ = new GraphicView(this);
     auto* splitter = new QSplitter(Qt::Horizontal, this);
     splitter->addWidget(left);
     splitter->addWidget(view_);
@@ -70,18 +78,42 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
     setCentralWidget(vertical);
     resize(1100, 760);
 
-    connect(steps_, &QComboBox::currentTextChanged, this, [this](const QString& step) {
-        context_.step = step;
+    connect(jobs_, &QComboBox::currentTextChanged, this, [this](const QString& job) {
+        if (job.isEmpty()) {
+            return;
+        }
+        context_.job = job;
+        std::vector<std::string> steps;
+        std::vector<Korvo::API::layer_info> layers;
+        Korvo::API::get_matrix(job.toStdString(), steps, layers);
+        const QSignalBlocker blocker(steps_);
+        steps_->clear();
+        for (const std::string& step : steps) {
+            steps_->addItem(QString::fromStdString(step));
+        }
+        context_.step = steps_->currentText();
         refreshLayers();
     });
-    connect(layers_, &QListWidget::currentTextChanged, this, [this](const QString& layer) {
-        if (!layer.isEmpty()) {
-            view_->showLayer(kJob, context_.step.toStdString(), layer.toStdString());
-        }
+    connect(steps_, &QComboBox::currentTextChanged, this, [this](const QString& step) {
+        context_.step = step;
+        redraw();
+    });
+    connect(layers_, &QListWidget::itemChanged, this, [this] { redraw(); });
+
+    // The host's side of the plug-in messages the dialogs send: the view clears its marks when
+    // the results viewer closes; the job list and the matrix re-read the job after an edit.
+    onMessage(wc::code::ViewerClosed, [this](const PluginMetaData&) {
+        view_->clearOverlays();
+        view_->clearFeatureMarks(GraphicView::Mark::Highlighted);
+    });
+    onMessage(wc::code::RefreshMatrix, [this](const PluginMetaData&) { refreshLayers(); });
+    onMessage(wc::code::RefreshGraphic, [this](const PluginMetaData&) {
+        refreshJobs();
+        view_->reload();
     });
 
     subscription_ = wcref::PluginBus::instance().subscribe(
-        [this](const PluginMetaData& message) { log(describe(message)); });
+        [this](const PluginMetaData& message) { dispatch(message); });
     buildMenus();
 }
 
@@ -123,16 +155,12 @@ bool DemoWindow::openSampleJob() {
         log(tr("The sample job could not be opened."));
         return false;
     }
+    context_.job = QString::fromLatin1(kJob);
+    context_.step = QStringLiteral("pcb");
+    refreshJobs();
     std::vector<std::string> steps;
     std::vector<Korvo::API::layer_info> layers;
     Korvo::API::get_matrix(kJob, steps, layers);
-    const QSignalBlocker blocker(steps_);
-    steps_->clear();
-    for (const std::string& step : steps) {
-        steps_->addItem(QString::fromStdString(step));
-    }
-    steps_->setCurrentText(context_.step);
-    refreshLayers();
     log(tr("Opened job \"%1\": %2 steps, %3 layers")
             .arg(kJob)
             .arg(steps.size())
@@ -140,22 +168,92 @@ bool DemoWindow::openSampleJob() {
     return true;
 }
 
+void DemoWindow::refreshJobs() {
+    std::vector<std::string> jobs;
+    Korvo::API::get_opened_jobs(jobs);
+    const QString job = context_.job;
+    const QString step = context_.step;
+    {
+        const QSignalBlocker blocker(jobs_);
+        jobs_->clear();
+        for (const std::string& name : jobs) {
+            jobs_->addItem(QString::fromStdString(name));
+        }
+        jobs_->setCurrentText(job);
+    }
+    std::vector<std::string> steps;
+    std::vector<Korvo::API::layer_info> layers;
+    Korvo::API::get_matrix(job.toStdString(), steps, layers);
+    {
+        const QSignalBlocker blocker(steps_);
+        steps_->clear();
+        for (const std::string& name : steps) {
+            steps_->addItem(QString::fromStdString(name));
+        }
+        steps_->setCurrentText(step);
+    }
+    context_.step = steps_->currentText();
+    refreshLayers();
+}
+
 void DemoWindow::refreshLayers() {
     std::vector<std::string> steps;
     std::vector<Korvo::API::layer_info> layers;
-    Korvo::API::get_matrix(kJob, steps, layers);
-    layers_->clear();
-    for (const Korvo::API::layer_info& layer : layers) {
-        auto* item = new QListWidgetItem(QString::fromStdString(layer.name), layers_);
-        item->setToolTip(QString::fromStdString(layer.context + " " + layer.type + " " +
-                                                layer.side + " " + layer.polarity));
-    }
-    // The panel shows its step-and-repeat instances best on its first signal layer.
+    Korvo::API::get_matrix(context_.job.toStdString(), steps, layers);
+    std::set<QString> shown;
     for (int row = 0; row < layers_->count(); ++row) {
-        if (layers[row].type == "signal") {
-            layers_->setCurrentRow(row);
-            break;
+        if (layers_->item(row)->checkState() == Qt::Checked) {
+            shown.insert(layers_->item(row)->text());
         }
+    }
+    {
+        const QSignalBlocker blocker(layers_);
+        layers_->clear();
+        bool anyShown = false;
+        for (const Korvo::API::layer_info& layer : layers) {
+            const QString name = QString::fromStdString(layer.name);
+            auto* item = new QListWidgetItem(name, layers_);
+            item->setToolTip(QString::fromStdString(layer.context + " " + layer.type + " " +
+                                                    layer.side + " " + layer.polarity));
+            item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+            const bool on = shown.count(name) > 0;
+            anyShown = anyShown || on;
+            item->setCheckState(on ? Qt::Checked : Qt::Unchecked);
+        }
+        // A fresh job shows its first signal layer and its drill layers.
+        if (!anyShown) {
+            bool signalShown = false;
+            for (int row = 0; row < layers_->count(); ++row) {
+                const std::string& type = layers[row].type;
+                if ((type == "signal" && !signalShown) || type == "drill") {
+                    layers_->item(row)->setCheckState(Qt::Checked);
+                    signalShown = signalShown || type == "signal";
+                }
+            }
+        }
+    }
+    redraw();
+}
+
+void DemoWindow::redraw() {
+    std::vector<std::string> displayed;
+    for (int row = 0; row < layers_->count(); ++row) {
+        if (layers_->item(row)->checkState() == Qt::Checked) {
+            displayed.push_back(layers_->item(row)->text().toStdString());
+        }
+    }
+    view_->showStep(context_.job.toStdString(), context_.step.toStdString(), displayed);
+}
+
+void DemoWindow::onMessage(int code, MessageHandler handler) {
+    handlers_.emplace(code, std::move(handler));
+}
+
+void DemoWindow::dispatch(const PluginMetaData& message) {
+    log(describe(message));
+    auto range = handlers_.equal_range(message.code);
+    for (auto it = range.first; it != range.second; ++it) {
+        it->second(message);
     }
 }
 
@@ -213,6 +311,9 @@ QStringList DemoWindow::tour(const QString& folder) {
     };
     show();
     snap(this, QStringLiteral("demo_host"));
+    steps_->setCurrentText(QStringLiteral("panel"));
+    snap(this, QStringLiteral("demo_panel"));
+    steps_->setCurrentText(QStringLiteral("pcb"));
     for (int unit : {0, 1}) {
         setDisplayUnit(unit);
         const QString suffix = unit == 0 ? QStringLiteral("_mil") : QStringLiteral("_mm");

@@ -2,17 +2,21 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <functional>
 #include <map>
 
 #include "DialogCatalogue.h"
+#include "PluginMetaData.h"
 
-class JobView;
+class GraphicView;
 class QComboBox;
 class QListWidget;
 class QPlainTextEdit;
 
-// The demo host: opens the sample job, opens the library's dialogs from its menus, switches the
-// display unit and re-applies texts, and logs every record and plug-in message it receives.
+// The demo host: opens the sample job, shows its steps and layers in a graphic view, opens the
+// library's dialogs from its menus, switches the display unit and re-applies texts, acts on the
+// plug-in messages the dialogs send to the view, the job list and the matrix, and logs every
+// record and message it receives.
 class DemoWindow : public QMainWindow {
     Q_OBJECT
 public:
@@ -24,18 +28,29 @@ public:
     void setDisplayUnit(int unit);
     void changeLanguage();
     void log(const QString& line);
+
+    // What the host does when a plug-in message with `code` arrives (after logging it).
+    using MessageHandler = std::function<void(const PluginMetaData&)>;
+    void onMessage(int code, MessageHandler handler);
+    GraphicView* view() const { return view_; }
+    // Shows the current job and step with the checked layers (after an edit or a refresh).
+    void redraw();
     // Writes a PNG of the window and of every catalogued dialog, in mil and in mm, to `folder`.
     QStringList tour(const QString& folder);
 
 private:
     void buildMenus();
+    void refreshJobs();
     void refreshLayers();
+    void dispatch(const PluginMetaData& message);
 
     demo::DemoContext context_;
-    JobView* view_ = nullptr;
+    GraphicView* view_ = nullptr;
+    QComboBox* jobs_ = nullptr;
     QComboBox* steps_ = nullptr;
     QListWidget* layers_ = nullptr;
     QPlainTextEdit* log_ = nullptr;
     std::map<QString, QPointer<QWidget>> dialogs_;
+    std::multimap<int, MessageHandler> handlers_;
     int subscription_ = -1;
 };
