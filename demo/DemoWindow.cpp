@@ -3,6 +3,7 @@
 #include <QActionGroup>
 #include <QApplication>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QDockWidget>
@@ -147,7 +148,15 @@ void DemoWindow::buildMenus() {
     (Korvo::UIAPI::getUnit(this) == 0 ? mil : mm)->setChecked(true);
 
     QMenu* language = menuBar()->addMenu(tr("&Language"));
-    language->addAction(tr("Re-apply texts (change_language)"), this, [this] { changeLanguage(); });
+    auto* languageGroup = new QActionGroup(this);
+    QAction* english = language->addAction(tr("English"), this, [this] { setLanguage(false); });
+    QAction* chinese =
+        language->addAction(QStringLiteral("中文 (Chinese)"), this, [this] { setLanguage(true); });
+    for (QAction* action : {english, chinese}) {
+        action->setCheckable(true);
+        languageGroup->addAction(action);
+    }
+    english->setChecked(true);
 }
 
 bool DemoWindow::openSampleJob() {
@@ -285,6 +294,21 @@ void DemoWindow::setDisplayUnit(int unit) {
             .arg(QString::fromStdString(Korvo::UIAPI::getUnitStringType(this, 1))));
 }
 
+bool DemoWindow::setLanguage(bool chinese) {
+    QCoreApplication::removeTranslator(&translator_);
+    bool loaded = true;
+    if (chinese) {
+        const QString folder = QCoreApplication::applicationDirPath() + "/translations";
+        loaded = translator_.load(QStringLiteral("widget_common_zh_CN"), folder) &&
+                 QCoreApplication::installTranslator(&translator_);
+        if (!loaded) {
+            log(tr("The Chinese catalogue was not found in %1").arg(folder));
+        }
+    }
+    changeLanguage();
+    return loaded;
+}
+
 void DemoWindow::changeLanguage() {
     for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
         auto it = dialogs_.find(entry.menu);
@@ -336,6 +360,16 @@ QStringList DemoWindow::tour(const QString& folder) {
         }
     }
     setDisplayUnit(0);
+    if (setLanguage(true)) {
+        for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
+            QWidget* dialog = openDialog(entry);
+            dialog->adjustSize();
+            QString name = entry.menu;
+            name.remove(QStringLiteral("...")).replace(' ', '_');
+            snap(dialog, name + QStringLiteral("_zh"));
+        }
+        setLanguage(false);
+    }
     // The log now holds what every dialog sent in both units.
     snap(this, QStringLiteral("demo_host_log"));
     return written;

@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <QTranslator>
 #include <functional>
 #include <map>
 
@@ -26,6 +27,9 @@ public:
     bool openSampleJob();
     QWidget* openDialog(const demo::DialogEntry& entry);
     void setDisplayUnit(int unit);
+    // Installs the Chinese catalogue (or removes it) and re-applies every open dialog's texts;
+    // false when the catalogue is missing.
+    bool setLanguage(bool chinese);
     void changeLanguage();
     void log(const QString& line);
 
@@ -52,5 +56,6 @@ private:
     QPlainTextEdit* log_ = nullptr;
     std::map<QString, QPointer<QWidget>> dialogs_;
     std::multimap<int, MessageHandler> handlers_;
+    QTranslator translator_;
     int subscription_ = -1;
 };

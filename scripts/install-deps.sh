@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
     build-essential cmake pkg-config
-    qtbase5-dev fonts-dejavu-core
+    qtbase5-dev qttools5-dev-tools fonts-dejavu-core fonts-wqy-microhei
     libgoogle-glog-dev libjsoncpp-dev
     libgtest-dev libbenchmark-dev
     clang-format ccache
