@@ -47,6 +47,7 @@ public:
     std::mutex mutex;
     std::map<std::string, EngineJob> jobs;
     std::deque<EngineCall> calls;
+    size_t callBytes = 0;  // text held by `calls`
     EngineHooks hooks;
     std::map<int, StoredSignalCheck> signal_checks;
     int next_check_id = 1;

@@ -13,11 +13,33 @@ EngineStore& EngineStore::instance() {
     return store;
 }
 
+namespace {
+
+size_t textBytes(const EngineCall& call) {
+    size_t bytes = call.operation.size();
+    for (const std::string& argument : call.arguments) {
+        bytes += argument.size();
+    }
+    return bytes;
+}
+
+}  // namespace
+
 void EngineStore::recordLocked(const char* operation, std::vector<std::string> arguments) {
-    if (calls.size() >= kCallLogCapacity) {
+    for (std::string& argument : arguments) {
+        if (argument.size() > kCallArgumentBytes) {
+            const size_t dropped = argument.size() - kCallArgumentBytes;
+            argument.resize(kCallArgumentBytes);
+            argument += "...(" + std::to_string(dropped) + " more bytes)";
+        }
+    }
+    EngineCall call{operation, std::move(arguments)};
+    callBytes += textBytes(call);
+    calls.push_back(std::move(call));
+    while (calls.size() > kCallLogCapacity || (callBytes > kCallLogBytes && calls.size() > 1)) {
+        callBytes -= textBytes(calls.front());
         calls.pop_front();
     }
-    calls.push_back(EngineCall{operation, std::move(arguments)});
 }
 
 EngineJob* EngineStore::job(const std::string& name) {
@@ -60,6 +82,7 @@ void resetEngine() {
     std::lock_guard<std::mutex> guard(store.mutex);
     store.jobs.clear();
     store.calls.clear();
+    store.callBytes = 0;
     store.hooks = EngineHooks{};
     store.signal_checks.clear();
     store.next_check_id = 1;
@@ -80,6 +103,7 @@ void clearEngineCalls() {
     EngineStore& store = EngineStore::instance();
     std::lock_guard<std::mutex> guard(store.mutex);
     store.calls.clear();
+    store.callBytes = 0;
 }
 
 EngineHooks& engineHooks() {

@@ -163,9 +163,13 @@ void resetEngine();
 // Recorded as open_job.
 bool openSampleJob(const std::string& job = "sample_job");
 
-// The calls recorded since the last clear, oldest first. The log keeps the latest
-// kCallLogCapacity calls so that long interactive sessions do not grow without bound.
+// The calls recorded since the last clear, oldest first. The log keeps the latest calls, at most
+// kCallLogCapacity of them and kCallLogBytes of text, so that long interactive sessions do not
+// grow without bound; an argument longer than kCallArgumentBytes (a large step-and-repeat table,
+// say) keeps its beginning and says how much was cut.
 constexpr size_t kCallLogCapacity = 100000;
+constexpr size_t kCallLogBytes = 8 * 1024 * 1024;
+constexpr size_t kCallArgumentBytes = 4096;
 std::vector<EngineCall> engineCalls();
 void clearEngineCalls();
 

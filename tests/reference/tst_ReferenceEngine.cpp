@@ -297,6 +297,32 @@ private slots:
         QVERIFY(!wcref::engineHooks().get_editop_count);
     }
 
+    // A large table is logged by its beginning; a flood of such writes keeps the
+    // log within its byte budget and keeps the newest call.
+    void callLogBoundedInBytes() {
+        wcref::clearEngineCalls();
+        std::vector<step_repeat_op> rows(200);
+        for (step_repeat_op& row : rows)
+            row.step_name = "pcb";
+        wcref::engineHooks().set_step_repeat = [](auto&&...) { return true; };
+        const size_t writes = 2 * wcref::kCallLogBytes / wcref::kCallArgumentBytes;
+        for (size_t k = 0; k < writes; ++k) {
+            set_step_repeat(kJob, k + 1 == writes ? "last" : "panel", rows);
+        }
+        const std::vector<wcref::EngineCall> calls = wcref::engineCalls();
+        size_t bytes = 0;
+        for (const wcref::EngineCall& call : calls) {
+            for (const std::string& argument : call.arguments) {
+                QVERIFY(argument.size() < wcref::kCallArgumentBytes + 32);
+                bytes += argument.size();
+            }
+        }
+        QVERIFY(calls.size() < writes);
+        QVERIFY(bytes <= wcref::kCallLogBytes);
+        QCOMPARE(calls.back().arguments[1], std::string("last"));
+        QVERIFY(QString::fromStdString(calls.back().arguments[2]).endsWith("more bytes)"));
+    }
+
     // How the call log writes the arguments ('*' in an expected argument matches anything).
     void callArguments_data() {
         QTest::addColumn<Call>("call");
