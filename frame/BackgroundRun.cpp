@@ -41,9 +41,12 @@ struct WorkerEnd {
     QString error;
 };
 
+std::atomic<int> exitWaitMs{5000};
+
 // Holds the futures of workers the GUI stopped waiting for. A std::async future blocks in its
 // destructor, so it cannot simply be dropped; it is reaped here once ready and the rest are
-// waited for at process exit (they have all been asked to stop).
+// waited for at process exit (they have all been asked to stop), for a bounded time: an engine
+// call that ignores its stop flag must not keep the host from exiting.
 class Orphanage {
 public:
     static Orphanage& instance() {
@@ -52,10 +55,18 @@ public:
     }
 
     ~Orphanage() {
-        std::lock_guard<std::mutex> guard(lock_);
-        for (std::future<WorkerEnd>& future : futures_) {
-            future.wait();
+        if (waitAll(std::chrono::milliseconds(exitWaitMs.load()))) {
+            return;
         }
+        std::lock_guard<std::mutex> guard(lock_);
+        LOG(ERROR) << futures_.size() << " stopped worker(s) did not end within "
+                   << exitWaitMs.load() << " ms; exiting without them";
+        // Kept reachable and never destroyed: destroying a std::async future would wait again.
+        static auto* abandoned = new std::vector<std::future<WorkerEnd>>();
+        for (std::future<WorkerEnd>& future : futures_) {
+            abandoned->push_back(std::move(future));
+        }
+        futures_.clear();
     }
 
     void adopt(std::future<WorkerEnd> future) {
@@ -264,6 +275,10 @@ RunOutcome BackgroundRun::runWorker(BlockAccess access, std::function<void()> wo
 
 int BackgroundRun::detachedWorkers() {
     return Orphanage::instance().pending();
+}
+
+void BackgroundRun::setExitWait(int timeout_ms) {
+    exitWaitMs = std::max(0, timeout_ms);
 }
 
 bool BackgroundRun::waitForDetachedWorkers(int timeout_ms) {

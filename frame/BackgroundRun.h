@@ -125,6 +125,8 @@ public:
     // a host (or a test) may wait for them earlier.
     static int detachedWorkers();
     static bool waitForDetachedWorkers(int timeout_ms);
+    // How long the process waits for them at exit before it leaves them (5 s by default).
+    static void setExitWait(int timeout_ms);
 
 private:
     struct BlockAccess {

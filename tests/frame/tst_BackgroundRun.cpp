@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QPushButton>
 #include <QScreen>
 #include <QTimer>
@@ -384,7 +385,52 @@ private slots:
         run.finish();
         QVERIFY(run.progressWindow() == nullptr);
     }
+
+    // A worker that never honours its stop flag delays the host's exit by the exit wait only.
+    void exitWaitIsBounded() {
+        QProcess child;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("WC_STUCK_WORKER_CHILD", "1");
+        child.setProcessEnvironment(env);
+        child.start(QCoreApplication::applicationFilePath(), QStringList());
+        const bool ended = child.waitForFinished(60000);
+        if (!ended) {
+            child.kill();
+            child.waitForFinished();
+        }
+        QVERIFY2(ended, "the process waited for its stuck worker");
+        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(child.exitCode(), 0);
+        QVERIFY(child.readAllStandardError().contains("did not end within 200 ms"));
+    }
 };
 
-QTEST_MAIN(tst_BackgroundRun)
+namespace {
+
+// The child process of exitWaitIsBounded: stops a run whose worker ignores the stop flag, so the
+// worker is left running, and returns from main.
+int leaveStuckWorkerAndExit(int argc, char** argv) {
+    QApplication app(argc, argv);
+    BackgroundRun::setExitWait(200);
+    auto* owner = new QWidget;
+    BackgroundRunOptions options;
+    options.parent = owner;
+    QTimer::singleShot(50, [owner] { delete owner; });
+    const wc::RunOutcome outcome = BackgroundRun::once(
+        options, std::make_shared<Block>(), [](Block&) { std::this_thread::sleep_for(1h); });
+    return outcome.worker_returned ? 1 : 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsSet("WC_STUCK_WORKER_CHILD")) {
+        return leaveStuckWorkerAndExit(argc, argv);
+    }
+    QApplication app(argc, argv);
+    QTEST_SET_MAIN_SOURCE_PATH
+    tst_BackgroundRun test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_BackgroundRun.moc"
