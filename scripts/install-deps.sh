@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(
-    build-essential cmake pkg-config
+    build-essential cmake ninja-build pkg-config
     qtbase5-dev qttools5-dev-tools fonts-dejavu-core fonts-wqy-microhei
     libgoogle-glog-dev libjsoncpp-dev
     libgtest-dev libbenchmark-dev
