@@ -1,0 +1,52 @@
+#pragma once
+// The symbol fields of the feature filter: the symbol list they give the filter record, adding
+// a picked symbol to a field, and the test whether the filter is at its default.
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace wc {
+
+// Display text of a symbol in a field -> the engine's name of it.
+using SymbolNameMap = std::map<QString, std::string>;
+
+struct SymbolField {
+    QString text;
+    SymbolNameMap names;
+    // Expands a "*...*" pattern into list entries "name (remark)"; unset while the field has no
+    // symbol list popup.
+    std::function<QStringList(const QString&)> expand;
+};
+
+struct SymbolList {
+    int mode = 0;  // 1 include, 0 exclude (or no symbol filter when `symbols` is empty)
+    std::vector<std::string> symbols;
+};
+
+// The include field wins when it holds anything; each name comes from the field's map, else
+// from `host_convert` when set (the host's unit flag is non-zero), else from the popup's own
+// typed-name conversion.
+SymbolList buildSymbolList(const SymbolField& include, const SymbolField& exclude,
+                           const std::function<QString(const QString&)>& host_convert);
+
+// The field's text after adding `symbol`: the symbol alone in an empty field, else appended
+// after ";" unless the text already contains it, whatever the case.
+QString addSymbolToField(const QString& field, const QString& symbol);
+
+struct FilterFace {
+    int feature_type = 127;
+    QString include_symbols;
+    QString exclude_symbols;
+    int profile = 0;
+    QString include_attributes;
+    QString exclude_attributes;
+};
+
+// Everything passes: all types and polarities, no symbol or attribute text, all profile.
+bool isDefaultFilter(const FilterFace& face);
+
+}  // namespace wc
