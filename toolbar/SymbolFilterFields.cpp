@@ -4,6 +4,10 @@
 
 namespace wc {
 
+QString symbolFieldPattern() {
+    return QStringLiteral("^[a-z0-9_.+-/*]*$");
+}
+
 SymbolList buildSymbolList(const SymbolField& include, const SymbolField& exclude,
                            const std::function<QString(const QString&)>& host_convert) {
     SymbolList list;

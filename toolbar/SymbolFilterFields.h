@@ -11,6 +11,10 @@
 
 namespace wc {
 
+// What the symbol fields accept: lower-case names, digits, "_", "*" for wildcards and the
+// characters from "+" to "/". The ";" between names comes only from picks: kept on purpose.
+QString symbolFieldPattern();
+
 // Display text of a symbol in a field -> the engine's name of it.
 using SymbolNameMap = std::map<QString, std::string>;
 
