@@ -15,6 +15,7 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
+#include "FeatureFilterHost.h"
 #include "JobView.h"
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
@@ -82,6 +83,8 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
 
     subscription_ = wcref::PluginBus::instance().subscribe(
         [this](const PluginMetaData& message) { log(describe(message)); });
+    new demo::FeatureFilterHost(
+        view_, [this] { return context_; }, this);
     buildMenus();
 }
 

@@ -108,10 +108,13 @@ void JobView::paintEvent(QPaintEvent*) {
     for (const auto& outline : instances_) {
         painter.drawPolygon(polygon(outline));
     }
-    const QColor copper(220, 120, 60);
-    painter.setPen(QPen(copper, 1.0));
-    painter.setBrush(copper);
     for (const auto& f : features_) {
+        const QColor copper = colour_ ? colour_(f) : QColor(220, 120, 60);
+        if (!copper.isValid()) {
+            continue;
+        }
+        painter.setPen(QPen(copper, 1.0));
+        painter.setBrush(copper);
         const QSizeF size = symbolSize(f.symbol) * scale_;
         switch (f.type) {
             case Korvo::API::feature_pad: {

@@ -3,6 +3,7 @@
 // step-and-repeat instances of a panel.
 
 #include <QWidget>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,11 @@ public:
     explicit JobView(QWidget* parent = nullptr);
 
     void showLayer(const std::string& job, const std::string& step, const std::string& layer);
+    // Colour of each feature instead of copper; an invalid colour hides the feature.
+    void setFeatureColour(std::function<QColor(const Korvo::API::featureInfo&)> colour) {
+        colour_ = std::move(colour);
+        update();
+    }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -29,6 +35,7 @@ private:
     std::vector<Korvo::API::featureInfo> features_;
     std::vector<std::vector<Korvo::API::point>> instances_;
     Korvo::API::reply_box box_;
+    std::function<QColor(const Korvo::API::featureInfo&)> colour_;
     double scale_ = 1.0;
     QPointF offset_;
 };
