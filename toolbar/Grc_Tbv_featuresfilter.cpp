@@ -697,7 +697,10 @@ void Grc_Tbv_featuresfilter::change_language() {
 
 void Grc_Tbv_featuresfilter::change_unit() {
     WC_GUARDED({
-        // Picked symbols are shown again from their engine names; typed ones are left alone.
+        // Picked symbols are shown again from their engine names, typed ones re-expressed.
+        const auto reexpress = [this](double value) {
+            return Korvo::UIAPI::getUnitData(host_, value);
+        };
         for (const auto& field : {std::make_pair(include_symbols_, &include_names_),
                                   std::make_pair(exclude_symbols_, &exclude_names_)}) {
             wc::SymbolNameMap shown;
@@ -705,6 +708,7 @@ void Grc_Tbv_featuresfilter::change_unit() {
             for (QString& part : parts) {
                 auto known = field.second->find(part);
                 if (known == field.second->end()) {
+                    part = wc::reexpressSymbolNumbers(part, reexpress);
                     continue;
                 }
                 QString again = QString::fromStdString(known->second);

@@ -1,5 +1,7 @@
 #include "SymbolFilterFields.h"
 
+#include <QRegularExpression>
+
 #include "SymbolNameConversion.h"
 
 namespace wc {
@@ -51,6 +53,20 @@ QString addSymbolToField(const QString& field, const QString& symbol) {
         return field;
     }
     return field + QLatin1Char(';') + symbol;
+}
+
+QString reexpressSymbolNumbers(const QString& name, const std::function<double(double)>& convert) {
+    static const QRegularExpression number(QStringLiteral("[0-9]+(?:\\.[0-9]+)?|\\.[0-9]+"));
+    QString out;
+    int last = 0;
+    auto it = number.globalMatch(name);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch match = it.next();
+        out += name.mid(last, match.capturedStart() - last);
+        out += QString::number(convert(match.captured().toDouble()), 'g', 6);
+        last = match.capturedEnd();
+    }
+    return out + name.mid(last);
 }
 
 bool isDefaultFilter(const FilterFace& face) {

@@ -41,6 +41,10 @@ SymbolList buildSymbolList(const SymbolField& include, const SymbolField& exclud
 // after ";" unless the text already contains it, whatever the case.
 QString addSymbolToField(const QString& field, const QString& symbol);
 
+// A typed name after a unit change: each number in it passed through `convert` and printed
+// with at most six significant digits ("r10" in mil is "r0.254" in mm).
+QString reexpressSymbolNumbers(const QString& name, const std::function<double(double)>& convert);
+
 struct FilterFace {
     int feature_type = 127;
     QString include_symbols;

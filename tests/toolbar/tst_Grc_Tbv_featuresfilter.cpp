@@ -12,8 +12,10 @@
 #include "DataRows.h"
 #include "HostSettings.h"
 #include "Korvo_UIAPI.h"
+#include "MessageBoxAnswerer.h"
 #include "PluginBus.h"
 #include "ReferenceEngine.h"
+#include "ScopedEngineHook.h"
 #include "UnitScope.h"
 #include "toolbar/Grc_Tbv_featuresfilter.h"
 #include "toolbar/Widget_Filter_Attributes.h"
@@ -352,6 +354,39 @@ private slots:
         include->setText(QStringLiteral("R10;s20"));
         popup.update_symbol_text(QStringLiteral("r10"), false, true);
         QCOMPARE(include->text(), QStringLiteral("R10;s20"));
+    }
+
+    void unitChangeReexpressesTheFields() {
+        QWidget parent;
+        wctest::UnitScope scope(&parent, 0);
+        Grc_Tbv_featuresfilter popup(&parent);
+        QLineEdit* include = edit(popup, "lineEdit_IncludeSymbols");
+        popup.update_symbol_text(QStringLiteral("r10.5"), false, true);
+        include->setText(include->text() + QStringLiteral(";s20"));
+        scope.change(1);
+        popup.change_unit();
+        QCOMPARE(include->text(), QStringLiteral("r0.2667;s0.508"));
+        Receiver seen;
+        click(popup, "pushButton_Select");
+        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r10.5|s20"));
+    }
+
+    void slotsSurviveAThrowingEngine() {
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::get_all_feature_info,
+                                      [](const std::string&, const std::string&, const std::string&,
+                                         std::vector<Korvo::API::featureInfo>&,
+                                         int) -> bool { throw std::runtime_error("engine gone"); });
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        popup.get_job_info(QStringLiteral("any"), QStringLiteral("pcb"), {QStringLiteral("top")});
+        wctest::MessageBoxAnswerer boxes;
+        popup.send_search_info(QStringLiteral("r10"));
+        QCOMPARE(boxes.count(), 1);
+        QCOMPARE(boxes.last().title, QStringLiteral("Information"));
+        QCOMPARE(boxes.last().text, QStringLiteral("engine gone"));
+        Receiver seen;
+        click(popup, "pushButton_Select");
+        QCOMPARE(seen.codes(), QList<int>{20000018});
     }
 
     void wildcardThroughTheSymbolList() {
