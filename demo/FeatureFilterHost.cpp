@@ -40,8 +40,12 @@ void FeatureFilterHost::receive(const PluginMetaData& message) {
         return;
     }
     if (message.code >= kSelect && message.code <= kTurnOff && message.payload != nullptr) {
-        // The record lives in the popup; it is read here, during the call, and not kept.
-        apply(message.code, *static_cast<const FeatureFilterSettings*>(message.payload));
+        // The record lives in the popup: read during the call, copied for the histogram.
+        last_ = *static_cast<const FeatureFilterSettings*>(message.payload);
+        apply(message.code, last_);
+    } else if (message.code == kHistogramOrClose &&
+               message.values.value(QStringLiteral("type")) == QLatin1String("histogram")) {
+        apply(message.code, last_);
     } else if (message.code == kHistogramOrClose &&
                message.values.value(QStringLiteral("type")) == QLatin1String("close")) {
         highlighted_.clear();
@@ -99,7 +103,8 @@ void FeatureFilterHost::apply(int code, const FeatureFilterSettings& filter) {
     const char* verb = code == kSelect      ? "selected"
                        : code == kUnselect  ? "unselected"
                        : code == kHighlight ? "highlighted"
-                                            : "turned off";
+                       : code == kTurnOff   ? "turned off"
+                                            : "counted";
     QStringList symbols;
     for (const auto& entry : by_symbol) {
         symbols

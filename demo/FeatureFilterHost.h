@@ -11,12 +11,11 @@
 #include <utility>
 
 #include "DialogCatalogue.h"
+#include "FeatureFilterSettings.h"
 #include "Korvo_API_types.h"
 #include "PluginMetaData.h"
 
 class JobView;
-struct FeatureFilterSettings;
-
 namespace demo {
 
 class FeatureFilterHost : public QObject {
@@ -37,6 +36,8 @@ private:
     std::set<FeatureKey> selected_;
     std::set<FeatureKey> highlighted_;
     std::set<FeatureKey> hidden_;
+    // The job list's own copy of the last filter, for the histogram.
+    FeatureFilterSettings last_;
 };
 
 }  // namespace demo
