@@ -578,7 +578,7 @@ void Grc_Tbv_featuresfilter::on_Profile_changed(int index) {
 }
 
 void Grc_Tbv_featuresfilter::on_Advanced_clicked() {
-    // The advanced filter lives in the host; the button is there for the layout it expects.
+    // Does nothing: kept on purpose.
 }
 
 void Grc_Tbv_featuresfilter::on_Select_clicked() {

@@ -36,7 +36,7 @@ public:
     const FeatureFilterSettings& filterSettings() const { return settings_; }
 
 public slots:
-    // Sets the type and polarity buttons from the host's selection mask.
+    // Sets the type and polarity buttons, and the record's mask, from the host's selection mask.
     void update_featuretype_filter();
     // Takes the attribute popup's conditions into the include attribute field.
     void update_attribute_filter();

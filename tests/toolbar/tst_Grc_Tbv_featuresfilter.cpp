@@ -167,6 +167,11 @@ private slots:
             QCOMPARE(edit(popup, name)->validator()->validate(cjk, position), QValidator::Invalid);
         }
 
+        // The toolbar, not the parent, is the handle of the host's services.
+        click(popup, "pushButton_Pad");
+        QCOMPARE(Korvo::UIAPI::getSelectedPara(toolbar), 126);
+        QCOMPARE(Korvo::UIAPI::getSelectedPara(&parent), 127);
+
         popup.change_language();
         QCOMPARE(popup.windowTitle(), QStringLiteral("Features Filter Popup"));
         QCOMPARE(child<QPushButton>(popup, QStringLiteral("pushButton_CloseReset"))->text(),
