@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 #include <set>
 
+#include "FeatureFilterHost.h"
 #include "GraphicView.h"
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
@@ -115,6 +116,7 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
 
     subscription_ = wcref::PluginBus::instance().subscribe(
         [this](const PluginMetaData& message) { dispatch(message); });
+    new demo::FeatureFilterHost(this);
     buildMenus();
 }
 

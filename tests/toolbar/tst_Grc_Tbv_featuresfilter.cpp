@@ -1,0 +1,576 @@
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRegExpValidator>
+#include <QSignalSpy>
+#include <QtTest>
+#include <optional>
+
+#include "DataRows.h"
+#include "HostSettings.h"
+#include "Korvo_UIAPI.h"
+#include "MessageBoxAnswerer.h"
+#include "PluginBus.h"
+#include "ReferenceEngine.h"
+#include "ScopedEngineHook.h"
+#include "UnitScope.h"
+#include "toolbar/Grc_Tbv_featuresfilter.h"
+#include "toolbar/Widget_Filter_Attributes.h"
+#include "toolbar/Widget_Filter_Searchpopup.h"
+#include "toolbar/Widget_listpopup.h"
+
+using wctest::row;
+
+namespace {
+
+template <typename T = QWidget>
+T* child(QObject& parent, const QString& name) {
+    T* found = parent.findChild<T*>(name);
+    if (found == nullptr) {
+        qFatal("no child %s", qPrintable(name));
+    }
+    return found;
+}
+
+QLineEdit* edit(QObject& popup, const char* name) {
+    return child<QLineEdit>(popup, QString::fromLatin1(name));
+}
+
+void click(QObject& popup, const char* name) {
+    child<QPushButton>(popup, QString::fromLatin1(name))->click();
+}
+
+// What a receiver saw of each message, with the record copied while it was readable.
+struct Seen {
+    QString sender;
+    QString receiver;
+    int code = 0;
+    QVariantMap values;
+    const void* payload = nullptr;
+    std::optional<FeatureFilterSettings> record;
+    std::string zoomed_symbol;
+    bool sender_visible = false;
+};
+
+class Receiver {
+public:
+    explicit Receiver(QWidget* popup = nullptr) {
+        id_ = wcref::PluginBus::instance().subscribe([this, popup](const PluginMetaData& m) {
+            Seen seen{m.sender, m.receiver, m.code, m.values, m.payload, std::nullopt, {}, false};
+            if (m.payload != nullptr && m.code >= 20000017 && m.code <= 20000021) {
+                seen.record = *static_cast<const FeatureFilterSettings*>(m.payload);
+            }
+            if (m.payload != nullptr && m.code == 20000065) {
+                seen.zoomed_symbol = static_cast<const Korvo::API::featureInfo*>(m.payload)->symbol;
+            }
+            seen.sender_visible = popup != nullptr && popup->isVisible();
+            messages << seen;
+        });
+    }
+    ~Receiver() { wcref::PluginBus::instance().unsubscribe(id_); }
+
+    QList<int> codes() const {
+        QList<int> list;
+        for (const Seen& seen : messages) {
+            list << seen.code;
+        }
+        return list;
+    }
+    const FeatureFilterSettings& lastRecord() const {
+        if (messages.isEmpty() || !messages.last().record) {
+            qFatal("no filter record was sent last");
+        }
+        return *messages.last().record;
+    }
+
+    QList<Seen> messages;
+
+private:
+    int id_ = 0;
+};
+
+QString symbols(const FeatureFilterSettings& record) {
+    QStringList names;
+    for (const std::string& name : record.symbols) {
+        names << QString::fromStdString(name);
+    }
+    return names.join(QLatin1Char('|'));
+}
+
+QString attributes(const FeatureFilterSettings& record) {
+    QStringList parts;
+    for (const auto& entry : record.attributes) {
+        parts << QString::fromStdString(entry.first + "=" + entry.second);
+    }
+    return parts.join(QLatin1Char(';'));
+}
+
+}  // namespace
+
+// The popup as the toolbar and the job list see it: controls, enabling, messages and their
+// record, the symbol and attribute lists, the "Filter" box and the predefined filters.
+class tst_Grc_Tbv_featuresfilter : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { wcref::resetUnits(); }
+
+    void controlsAsTheToolbarExpects() {
+        QWidget parent;
+        auto* toolbar = reinterpret_cast<Graphic_Toolbar_Move*>(&parent + 1);
+        Grc_Tbv_featuresfilter popup(toolbar, &parent);
+        QCOMPARE(int(popup.windowFlags() & ~Qt::WindowSystemMenuHint), 0x8001003);
+        QCOMPARE(popup.windowTitle(), QStringLiteral("Feature Seleciton filter"));
+        QCOMPARE(popup.minimumWidth(), 500);
+        QCOMPARE(popup.maximumWidth(), 500);
+        const char* types[][2] = {
+            {"pushButton_Pad", "Pad"},           {"pushButton_Line", "Line"},
+            {"pushButton_Arc", "Arc"},           {"pushButton_Surface", "Surf"},
+            {"pushButton_Text", "Text"},         {"pushButton_Negative", "negetive3"},
+            {"pushButton_Positive", "positive3"}};
+        for (const auto& type : types) {
+            auto* button = child<QPushButton>(popup, QString::fromLatin1(type[0]));
+            QVERIFY(button->isCheckable() && button->isChecked());
+            QVERIFY2(button->styleSheet().startsWith(
+                         QStringLiteral("QPushButton{background-image:url(:/Widget_Common/"
+                                        "Resources/%1")
+                             .arg(QString::fromLatin1(type[1]))),
+                     type[0]);
+        }
+        const auto* symbol_validator = qobject_cast<const QRegExpValidator*>(
+            edit(popup, "lineEdit_IncludeSymbols")->validator());
+        QCOMPARE(symbol_validator->regExp().pattern(), QStringLiteral("^[a-z0-9_.+-/*]*$"));
+        QCOMPARE(edit(popup, "lineEdit_ExcludeSymbols")->validator(), symbol_validator);
+        QCOMPARE(child<QPushButton>(popup, QStringLiteral("pushButton_IncludePick"))->toolTip(),
+                 QStringLiteral("Single selection"));
+        QCOMPARE(child<QPushButton>(popup, QStringLiteral("pushButton_ExcludePickAdd"))->toolTip(),
+                 QStringLiteral("Multi selection"));
+        QCOMPARE(child<QCheckBox>(popup, QStringLiteral("checkBox_Length"))->width(), 70);
+        QVERIFY(!edit(popup, "lineEdit_Dcode")->isEnabled());
+        QVERIFY(child<QCheckBox>(popup, QStringLiteral("checkBox_Filter"))->isChecked());
+        auto* profile = child<QComboBox>(popup, QStringLiteral("comboBox_Profile"));
+        QCOMPARE(profile->itemText(2), QStringLiteral("Out Profile"));
+        // Numbers and free names are limited as typed.
+        QTest::keyClicks(edit(popup, "lineEdit_IncludeSymbols"), QStringLiteral("R10;r1x"));
+        QCOMPARE(edit(popup, "lineEdit_IncludeSymbols")->text(), QStringLiteral("10r1x"));
+        QLineEdit* min = edit(popup, "lineEdit_LengthMin");
+        min->setEnabled(true);
+        QTest::keyClicks(min, QStringLiteral("-2.5a"));
+        QCOMPARE(min->text(), QStringLiteral("-2.5"));
+        for (const char* name :
+             {"lineEdit_TextFilter", "lineEdit_IncludeAttributes", "lineEdit_ExcludeAttributes"}) {
+            QString cjk = QString::fromUtf8("a\xE4\xB8\x80z");
+            int position = 0;
+            QCOMPARE(edit(popup, name)->validator()->validate(cjk, position), QValidator::Invalid);
+        }
+
+        // The toolbar, not the parent, is the handle of the host's services.
+        click(popup, "pushButton_Pad");
+        QCOMPARE(Korvo::UIAPI::getSelectedPara(toolbar), 126);
+        QCOMPARE(Korvo::UIAPI::getSelectedPara(&parent), 127);
+
+        popup.change_language();
+        QCOMPARE(popup.windowTitle(), QStringLiteral("Features Filter Popup"));
+        QCOMPARE(child<QPushButton>(popup, QStringLiteral("pushButton_CloseReset"))->text(),
+                 QStringLiteral("Close && Reset"));
+    }
+
+    void lengthAndAngleRows_data() {
+        QTest::addColumn<bool>("lines");
+        QTest::addColumn<bool>("ovals");
+        QTest::addColumn<bool>("length");
+        QTest::addColumn<bool>("angle");
+        QTest::addColumn<bool>("boxes_enabled");
+        QTest::addColumn<bool>("length_fields");
+        QTest::addColumn<bool>("angle_fields");
+        row("no shape", false, false, true, true, false, false, false);
+        row("lines, no row", true, false, false, false, true, false, false);
+        row("ovals, length", false, true, true, false, true, true, false);
+        row("lines, angle", true, false, false, true, true, false, true);
+        row("both shapes, both rows", true, true, true, true, true, true, true);
+    }
+    void lengthAndAngleRows() {
+        QFETCH(bool, lines);
+        QFETCH(bool, ovals);
+        QFETCH(bool, length);
+        QFETCH(bool, angle);
+        QFETCH(bool, boxes_enabled);
+        QFETCH(bool, length_fields);
+        QFETCH(bool, angle_fields);
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        // Rows first, so that the shape boxes decide last.
+        child<QCheckBox>(popup, QStringLiteral("checkBox_Length"))->setChecked(length);
+        child<QCheckBox>(popup, QStringLiteral("checkBox_Angle"))->setChecked(angle);
+        child<QCheckBox>(popup, QStringLiteral("checkBox_Lines"))->setChecked(lines);
+        child<QCheckBox>(popup, QStringLiteral("checkBox_Ovals"))->setChecked(ovals);
+        QCOMPARE(child<QCheckBox>(popup, QStringLiteral("checkBox_Length"))->isEnabled(),
+                 boxes_enabled);
+        QCOMPARE(child<QCheckBox>(popup, QStringLiteral("checkBox_Angle"))->isEnabled(),
+                 boxes_enabled);
+        for (const char* name : {"LengthMin", "LengthMax"}) {
+            QCOMPARE(edit(popup, qPrintable(QStringLiteral("lineEdit_") + name))->isEnabled(),
+                     length_fields);
+            QCOMPARE(child<QLabel>(popup, QStringLiteral("label_") + name)->isEnabled(),
+                     length_fields);
+        }
+        for (const char* name : {"AngleMin", "AngleMax"}) {
+            QCOMPARE(edit(popup, qPrintable(QStringLiteral("lineEdit_") + name))->isEnabled(),
+                     angle_fields);
+            QCOMPARE(child<QLabel>(popup, QStringLiteral("label_") + name)->isEnabled(),
+                     angle_fields);
+        }
+    }
+
+    void buttonMessages_data() {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("receiver");
+        QTest::addColumn<QString>("type");  // the "type" value, "record" for the filter record
+        row("Select", "pushButton_Select", 20000018, "Graphic_JobList.dll", "record");
+        row("Unselect", "pushButton_Unselect", 20000019, "Graphic_JobList.dll", "record");
+        row("Highlight", "pushButton_Highlight", 20000020, "Graphic_JobList.dll", "record");
+        row("Turn Off", "pushButton_TurnOff", 20000021, "Graphic_JobList.dll", "record");
+        row("Histogram", "pushButton_Histogram", 20000031, "Graphic_JobList.dll", "histogram");
+        row("Close", "pushButton_Close", 20000031, "Graphic_JobList.dll", "close");
+        row("pick include", "pushButton_IncludePick", 20000061, "Graphic_View.dll", "");
+        row("pick and add include", "pushButton_IncludePickAdd", 20000062, "Graphic_View.dll", "");
+        row("pick exclude", "pushButton_ExcludePick", 20000063, "Graphic_View.dll", "");
+        row("pick and add exclude", "pushButton_ExcludePickAdd", 20000064, "Graphic_View.dll", "");
+    }
+    void buttonMessages() {
+        QFETCH(QString, button);
+        QFETCH(int, code);
+        QFETCH(QString, receiver);
+        QFETCH(QString, type);
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        popup.show();
+        edit(popup, "lineEdit_IncludeSymbols")->setText(QStringLiteral("r10"));
+        Receiver seen(&popup);
+        child<QPushButton>(popup, button)->click();
+        QCOMPARE(seen.codes(), QList<int>{code});
+        const Seen& message = seen.messages.first();
+        QCOMPARE(message.sender, QStringLiteral("Graphic_Toolbar_Move.dll"));
+        QCOMPARE(message.receiver, receiver);
+        if (type == QLatin1String("record")) {
+            QCOMPARE(message.payload, static_cast<const void*>(&popup.filterSettings()));
+            QVERIFY(message.values.isEmpty());
+            // Unselect sends no symbols; Select and Highlight build them.
+            const bool builds = code == 20000018 || code == 20000020;
+            QCOMPARE(symbols(*message.record), builds ? QStringLiteral("r10") : QString());
+        } else {
+            QVERIFY(message.payload == nullptr);
+            QCOMPARE(message.values.value(QStringLiteral("type")).toString(), type);
+        }
+        // The job list hears of the close while the popup is still open.
+        QCOMPARE(message.sender_visible, true);
+        QCOMPARE(popup.isVisible(), type != QLatin1String("close"));
+    }
+
+    void typeButtonsAndDefaultTest() {
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        QSignalSpy changed(&popup, &Grc_Tbv_featuresfilter::Change_Filter_Attitude_Signal);
+        QSignalSpy reset(&popup, &Grc_Tbv_featuresfilter::Reset_Filter_Attitude_Signal);
+        Receiver seen;
+        click(popup, "pushButton_Line");
+        QCOMPARE(seen.codes(), QList<int>{20000017});
+        QCOMPARE(seen.lastRecord().feature_type, 125);
+        QCOMPARE(Korvo::UIAPI::getSelectedPara(&parent), 125);
+        QCOMPARE(changed.count(), 1);
+        click(popup, "pushButton_Line");
+        QCOMPARE(seen.lastRecord().feature_type, 127);
+        QCOMPARE(reset.count(), 1);
+
+        child<QComboBox>(popup, QStringLiteral("comboBox_Profile"))->setCurrentIndex(2);
+        QCOMPARE(seen.lastRecord().profile, 2);
+        QCOMPARE(changed.count(), 2);
+
+        // The host's mask comes back onto the buttons.
+        Korvo::UIAPI::setSelectedPara(&parent, 97);
+        popup.update_featuretype_filter();
+        QVERIFY(child<QPushButton>(popup, QStringLiteral("pushButton_Pad"))->isChecked());
+        QVERIFY(!child<QPushButton>(popup, QStringLiteral("pushButton_Surface"))->isChecked());
+        QVERIFY(child<QPushButton>(popup, QStringLiteral("pushButton_Positive"))->isChecked());
+
+        click(popup, "pushButton_Reset");
+        QCOMPARE(popup.filterSettings().feature_type, 127);
+        QCOMPARE(popup.filterSettings().profile, 0);
+        QCOMPARE(Korvo::UIAPI::getSelectedPara(&parent), 127);
+        QVERIFY(child<QPushButton>(popup, QStringLiteral("pushButton_Surface"))->isChecked());
+        QCOMPARE(reset.count(), 2);
+    }
+
+    void symbolListsOnSelect_data() {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<QString>("include");
+        QTest::addColumn<QString>("exclude");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QString>("symbols");
+        row("typed in mil, own conversion", 0, "r10.05", "", 1, "r10.50");
+        row("include beats exclude", 0, "r10", "s20", 1, "r10");
+        row("exclude alone", 0, "", "s20;rect20.5x10", 0, "s20|rect20.500x10");
+        row("typed in mm, the host converts", 1, "r0.254", "", 1, "r10");
+    }
+    void symbolListsOnSelect() {
+        QFETCH(int, unit);
+        QFETCH(QString, include);
+        QFETCH(QString, exclude);
+        QFETCH(int, mode);
+        QFETCH(QString, symbols);
+        QWidget parent;
+        wctest::UnitScope scope(&parent, unit);
+        Grc_Tbv_featuresfilter popup(&parent);
+        edit(popup, "lineEdit_IncludeSymbols")->setText(include);
+        edit(popup, "lineEdit_ExcludeSymbols")->setText(exclude);
+        Receiver seen;
+        click(popup, "pushButton_Select");
+        QCOMPARE(seen.lastRecord().symbol_mode, mode);
+        QCOMPARE(::symbols(seen.lastRecord()), symbols);
+    }
+
+    void pickedSymbolsFromTheView() {
+        QWidget parent;
+        wctest::UnitScope scope(&parent, 1);
+        Grc_Tbv_featuresfilter popup(&parent);
+        QLineEdit* include = edit(popup, "lineEdit_IncludeSymbols");
+        Receiver seen;
+        // The view answers in the engine's spelling; the field shows the display unit and the
+        // record gets the picked name back, not a round trip through the conversion.
+        popup.update_symbol_text(QStringLiteral("r10.5"), true, true);
+        QCOMPARE(include->text(), QStringLiteral("r0.2667"));
+        QCOMPARE(seen.codes(), QList<int>{20000017});
+        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r10.5"));
+        popup.update_symbol_text(QStringLiteral("s20"), false, true);
+        QCOMPARE(include->text(), QStringLiteral("r0.2667;s0.508"));
+        click(popup, "pushButton_Select");
+        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r10.5|s20"));
+        // Replacing forgets the earlier picks of that field.
+        popup.update_symbol_text(QStringLiteral("r40"), true, true);
+        include->setText(include->text() + QStringLiteral(";r0.2667"));
+        click(popup, "pushButton_Select");
+        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r40|r10.5"));
+
+        scope.change(0);
+        include->setText(QStringLiteral("R10;s20"));
+        popup.update_symbol_text(QStringLiteral("r10"), false, true);
+        QCOMPARE(include->text(), QStringLiteral("R10;s20"));
+    }
+
+    void unitChangeReexpressesTheFields() {
+        QWidget parent;
+        wctest::UnitScope scope(&parent, 0);
+        Grc_Tbv_featuresfilter popup(&parent);
+        QLineEdit* include = edit(popup, "lineEdit_IncludeSymbols");
+        popup.update_symbol_text(QStringLiteral("r10.5"), false, true);
+        include->setText(include->text() + QStringLiteral(";s20"));
+        scope.change(1);
+        popup.change_unit();
+        QCOMPARE(include->text(), QStringLiteral("r0.2667;s0.508"));
+        Receiver seen;
+        click(popup, "pushButton_Select");
+        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r10.5|s20"));
+    }
+
+    void slotsSurviveAThrowingEngine() {
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::get_all_feature_info,
+                                      [](const std::string&, const std::string&, const std::string&,
+                                         std::vector<Korvo::API::featureInfo>&,
+                                         int) -> bool { throw std::runtime_error("engine gone"); });
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        popup.get_job_info(QStringLiteral("any"), QStringLiteral("pcb"), {QStringLiteral("top")});
+        wctest::MessageBoxAnswerer boxes;
+        popup.send_search_info(QStringLiteral("r10"));
+        QCOMPARE(boxes.count(), 1);
+        QCOMPARE(boxes.last().title, QStringLiteral("Information"));
+        QCOMPARE(boxes.last().text, QStringLiteral("engine gone"));
+        Receiver seen;
+        click(popup, "pushButton_Select");
+        QCOMPARE(seen.codes(), QList<int>{20000018});
+    }
+
+    void wildcardThroughTheSymbolList() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob("filter_job"));
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        popup.show();
+        popup.get_job_info(QStringLiteral("filter_job"), QStringLiteral("pcb"),
+                           {QStringLiteral("top")});
+        QLineEdit* include = edit(popup, "lineEdit_IncludeSymbols");
+        include->setText(QStringLiteral("*6*"));
+        Receiver seen;
+        // Without its list the pattern is a name for the engine.
+        click(popup, "pushButton_Select");
+        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("*6*"));
+        QTest::mouseDClick(include, Qt::LeftButton);
+        auto* list = child<Widget_listpopup>(popup, QStringLiteral("includeSymbolList"));
+        QVERIFY(list->isVisible());
+        QCOMPARE(list->find_input_items(QStringLiteral("*6*")),
+                 QStringList({QStringLiteral("r60 (20)"), QStringLiteral("rect60x80 (24)")}));
+        click(popup, "pushButton_Select");
+        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r60|rect60x80"));
+
+        // Picking from the list fills the field and the record.
+        auto* rows = child<QListWidget>(*list, QStringLiteral("listWidget_Symbols"));
+        rows->findItems(QStringLiteral("r24 (32)"), Qt::MatchExactly).first()->setSelected(true);
+        include->clear();
+        click(*list, "pushButton_Ok");
+        QCOMPARE(include->text(), QStringLiteral("r24"));
+        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r24"));
+        click(popup, "pushButton_Close");
+        QVERIFY(!list->isVisible());
+        wcref::resetEngine();
+    }
+
+    void attributeConditions_data() {
+        QTest::addColumn<QString>("include");
+        QTest::addColumn<QString>("exclude");
+        QTest::addColumn<int>("logic");
+        QTest::addColumn<QString>("map");
+        row("exclude only, name=value", "", ".drill=via", 2, ".drill=via");
+        row("include minus exclude", ".smd;.net=gnd", ".smd", 0, ".net=gnd");
+        row("none", "", "", 0, "");
+    }
+    void attributeConditions() {
+        QFETCH(QString, include);
+        QFETCH(QString, exclude);
+        QFETCH(int, logic);
+        QFETCH(QString, map);
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        edit(popup, "lineEdit_IncludeAttributes")->setText(include);
+        edit(popup, "lineEdit_ExcludeAttributes")->setText(exclude);
+        Receiver seen;
+        click(popup, "pushButton_Highlight");
+        QCOMPARE(seen.lastRecord().attribute_logic, logic);
+        QCOMPARE(attributes(seen.lastRecord()), map);
+    }
+
+    void attributePopupConditions() {
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        int forwarded = 0;
+        connect(&popup, &Grc_Tbv_featuresfilter::send_attributeinfoFilter_list, this,
+                [&forwarded](std::map<std::string, std::string>) { ++forwarded; });
+        click(popup, "pushButton_Attributes");
+        auto* conditions =
+            child<Widget_Filter_Attributes>(popup, QStringLiteral("attributesPopup"));
+        QVERIFY(conditions->isVisible());
+        auto* attributes_button =
+            child<QPushButton>(popup, QStringLiteral("pushButton_Attributes"));
+        child<QComboBox>(*conditions, QStringLiteral("comboBox_Attribute"))
+            ->setCurrentText(QStringLiteral(".drill"));
+        child<QLineEdit>(*conditions, QStringLiteral("lineEdit_Value"))
+            ->setText(QStringLiteral("via"));
+        click(*conditions, "pushButton_Add");
+        QCOMPARE(attributes_button->styleSheet(),
+                 QStringLiteral("background-color:rgb(255, 0, 0)"));
+        QCOMPARE(forwarded, 1);
+        child<QComboBox>(*conditions, QStringLiteral("comboBox_Logic"))->setCurrentIndex(1);
+
+        Receiver seen;
+        click(popup, "pushButton_Select");
+        QCOMPARE(seen.lastRecord().attribute_logic, 1);
+        QCOMPARE(attributes(seen.lastRecord()), QStringLiteral(".drill=via"));
+
+        click(*conditions, "pushButton_Apply");
+        QCOMPARE(edit(popup, "lineEdit_IncludeAttributes")->text(), QStringLiteral(".drill=via"));
+        QVERIFY(!conditions->isVisible());
+
+        click(popup, "pushButton_Reset");
+        QVERIFY(attributes_button->styleSheet().isEmpty());
+        QVERIFY(conditions->get_attributeinfoFilter_list().empty());
+        QVERIFY(edit(popup, "lineEdit_IncludeAttributes")->text().isEmpty());
+    }
+
+    void filterBoxSavesTheLogic() {
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        auto* box = child<QCheckBox>(popup, QStringLiteral("checkBox_Filter"));
+        edit(popup, "lineEdit_ExcludeAttributes")->setText(QStringLiteral(".smd"));
+        click(popup, "pushButton_Select");
+        QCOMPARE(popup.filterSettings().attribute_logic, 2);
+        box->setChecked(false);
+        QCOMPARE(popup.filterSettings().attribute_logic, -1);
+        Receiver seen;
+        click(popup, "pushButton_Select");
+        QCOMPARE(seen.lastRecord().attribute_logic, -1);
+        box->setChecked(true);
+        QCOMPARE(popup.filterSettings().attribute_logic, 2);
+        box->setChecked(false);
+        click(popup, "pushButton_Reset");
+        QVERIFY(box->isChecked());
+        // Reset checks the box without giving the saved logic back.
+        QCOMPARE(popup.filterSettings().attribute_logic, -1);
+    }
+
+    void predefinedUserFilters_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QList<int>>("codes");
+        QTest::addColumn<int>("mask");
+        QTest::addColumn<int>("logic");
+        QTest::addColumn<QString>("map");
+        using Codes = QList<int>;
+        row("tear drops", "Highlight Tear Drops", Codes{20000017, 20000020}, 127, 1, ".tear_drop=");
+        row("smd", "Select Smd Pads", Codes{20000017, 20000018}, 97, 1, ".smd=");
+        row("negative", "Highlight Negative Features", Codes{20000017, 20000020}, 63, 0, "");
+        row("via", "Select Via Holes", Codes{20000017, 20000018}, 127, 1, ".drill=via");
+        row("known, not offered", "Select Gold Connectors", Codes{}, 127, 0, "");
+    }
+    void predefinedUserFilters() {
+        QFETCH(QString, name);
+        QFETCH(QList<int>, codes);
+        QFETCH(int, mask);
+        QFETCH(int, logic);
+        QFETCH(QString, map);
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        popup.show();
+        edit(popup, "lineEdit_IncludeSymbols")->setText(QStringLiteral("r10"));
+        click(popup, "pushButton_Surface");
+        click(popup, "pushButton_UserFilter");
+        auto* list = child<QListWidget>(popup, QStringLiteral("listWidget_UserFilters"));
+        QCOMPARE(list->count(), 13);
+        Receiver seen;
+        popup.on_UserFilter_chosen(name);
+        QCOMPARE(seen.codes(), codes);
+        const FeatureFilterSettings& record = popup.filterSettings();
+        QCOMPARE(record.feature_type, mask);
+        QCOMPARE(Korvo::UIAPI::getSelectedPara(&parent), mask);
+        QCOMPARE(record.attribute_logic, logic);
+        QCOMPARE(attributes(record), map);
+        QVERIFY(record.symbols.empty());
+        QVERIFY(edit(popup, "lineEdit_IncludeSymbols")->text().isEmpty());
+        QCOMPARE(child<QPushButton>(popup, QStringLiteral("pushButton_Pad"))->isChecked(),
+                 (mask & 1) != 0);
+    }
+
+    void searchHitZoomsTheView() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob("search_job"));
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        popup.get_job_info(QStringLiteral("search_job"), QStringLiteral("pcb"),
+                           {QStringLiteral("top"), QStringLiteral("drill")});
+        popup.send_search_info(QStringLiteral("*x80"));
+        auto* search = child<Widget_Filter_Searchpopup>(popup, QStringLiteral("searchPopup"));
+        QVERIFY(search->isVisible());
+        QCOMPARE(int(search->hits().size()), 24);
+        Receiver seen;
+        auto* results = child<QListWidget>(*search, QStringLiteral("listWidget_Results"));
+        emit results->itemActivated(results->item(3));
+        QCOMPARE(seen.codes(), QList<int>{20000065});
+        QCOMPARE(seen.messages.first().receiver, QStringLiteral("Graphic_View.dll"));
+        QCOMPARE(seen.messages.first().zoomed_symbol, std::string("rect60x80"));
+        wcref::resetEngine();
+    }
+};
+
+QTEST_MAIN(tst_Grc_Tbv_featuresfilter)
+#include "tst_Grc_Tbv_featuresfilter.moc"

@@ -1,0 +1,21 @@
+#pragma once
+// The list of predefined user filters behind "User filter ...": one click runs one.
+
+#include <QWidget>
+
+class QListWidget;
+
+class Widget_UserFilterList : public QWidget {
+    Q_OBJECT
+public:
+    explicit Widget_UserFilterList(QWidget* parent);
+
+public slots:
+    void change_language();
+
+signals:
+    void send_user_filter(const QString& name);
+
+private:
+    QListWidget* list_ = nullptr;
+};
