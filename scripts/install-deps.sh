@@ -7,7 +7,7 @@ packages=(
     qtbase5-dev qttools5-dev-tools fonts-dejavu-core fonts-wqy-microhei
     libgoogle-glog-dev libjsoncpp-dev
     libgtest-dev libbenchmark-dev
-    clang-format ccache
+    clang clang-format ccache
 )
 
 missing=()
