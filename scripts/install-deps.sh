@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
     build-essential cmake pkg-config
     qtbase5-dev fonts-dejavu-core
-    libgoogle-glog-dev libjsoncpp-dev
+    libgoogle-glog-dev libjsoncpp-dev libboost-dev
     libgtest-dev libbenchmark-dev
     clang-format ccache
 )
