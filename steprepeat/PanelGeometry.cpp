@@ -204,36 +204,58 @@ struct PackTask {
     double limit = 0.0;
 };
 
+// Boxes of instances a pack already moved; filled one by one, so a cheaper split than the
+// bulk-loaded index of the instances that stay.
+using MovedTree = bgi::rtree<Entry, bgi::quadratic<16>>;
+
+// The far edge of the box in `path` nearest to the moving instance's front, or `stop`.
+template <typename Index>
+double nearestStop(const Index& index, const BBox& path, const BBox& front, double stop) {
+    std::vector<Entry> nearest;
+    index.query(bgi::intersects(path) && bgi::nearest(front, 1), std::back_inserter(nearest));
+    return nearest.empty() ? stop : std::max(stop, nearest.front().first.max_corner().get<0>());
+}
+
 // The free distance an instance can travel towards the edge: up to the limit, or `gap` before
-// the nearest box in its way. The index holds every other instance in the same lane frame.
-long long do_perpcs_align(const Lane& moving, double limit, const Tree& others, double gap,
-                          double floor_u) {
+// the nearest box in its way, among the instances that stay and those already moved.
+long long do_perpcs_align(const Lane& moving, double limit, const Tree& fixed,
+                          const MovedTree& moved, double gap, double floor_u) {
     const double vlo = moving.vlo - gap + kTouch;
     const double vhi = moving.vhi + gap - kTouch;
     double stop = limit;
     if (vhi > vlo) {
         const BBox path(BPoint(floor_u, vlo), BPoint(moving.ulo, vhi));
         const BBox front(BPoint(moving.ulo, vlo), BPoint(moving.ulo, vhi));
-        std::vector<Entry> nearest;
-        others.query(bgi::intersects(path) && bgi::nearest(front, 1), std::back_inserter(nearest));
-        if (!nearest.empty()) {
-            stop = std::max(stop, nearest.front().first.max_corner().get<0>() + gap);
+        const double lowest = std::numeric_limits<double>::lowest();
+        const double blocker = std::max(nearestStop(fixed, path, front, lowest),
+                                        nearestStop(moved, path, front, lowest));
+        if (blocker > lowest) {
+            stop = std::max(stop, blocker + gap);
         }
     }
     const double free = moving.ulo - stop;
     return free > 0 ? static_cast<long long>(std::floor(free)) : 0;
 }
 
-// Packs the tasks of one lane frame in order; boxes of moved instances are updated in `scene`.
+// Packs the tasks of one lane frame, nearest to the edge first, so every instance still to move
+// lies behind the one moving (all share one limit): the boxes in its way are the instances that
+// stay and those already moved. Two at the same distance do not block each other. Boxes of
+// moved instances are updated in `scene`.
 void packLane(Scene& scene, std::vector<PackTask> tasks, PackEdge edge, double gap) {
     std::vector<Lane> lanes(scene.selected_boxes.size());
+    std::vector<char> moving(scene.selected_boxes.size(), 0);
+    for (const PackTask& t : tasks) {
+        moving[t.selected] = 1;
+    }
     std::vector<Entry> entries;
     entries.reserve(scene.selected_boxes.size() + scene.other_boxes.size());
     double floor_u = std::numeric_limits<double>::max();
     for (size_t k = 0; k < scene.selected_boxes.size(); ++k) {
         lanes[k] = toLane(scene.selected_boxes[k], edge);
-        entries.emplace_back(laneBox(lanes[k]), static_cast<int>(k));
         floor_u = std::min(floor_u, lanes[k].ulo);
+        if (!moving[k]) {
+            entries.emplace_back(laneBox(lanes[k]), static_cast<int>(k));
+        }
     }
     for (const reply_box& b : scene.other_boxes) {
         const Lane l = toLane(b, edge);
@@ -244,15 +266,14 @@ void packLane(Scene& scene, std::vector<PackTask> tasks, PackEdge edge, double g
         floor_u = std::min(floor_u, t.limit);
     }
     floor_u -= 1.0;
-    Tree tree(entries);
-    // Nearest to the edge first.
+    const Tree fixed(entries);
+    MovedTree moved;
     std::sort(tasks.begin(), tasks.end(), [&](const PackTask& a, const PackTask& b) {
         return lanes[a.selected].ulo - a.limit < lanes[b.selected].ulo - b.limit;
     });
     for (const PackTask& t : tasks) {
         Lane& lane = lanes[t.selected];
-        tree.remove(Entry(laneBox(lane), t.selected));
-        const long long d = do_perpcs_align(lane, t.limit, tree, gap, floor_u);
+        const long long d = do_perpcs_align(lane, t.limit, fixed, moved, gap, floor_u);
         if (d > 0) {
             lane.ulo -= d;
             lane.uhi -= d;
@@ -263,7 +284,7 @@ void packLane(Scene& scene, std::vector<PackTask> tasks, PackEdge edge, double g
             (horizontal ? b.xmin : b.ymin) += signed_d;
             (horizontal ? b.xmax : b.ymax) += signed_d;
         }
-        tree.insert(Entry(laneBox(lane), t.selected));
+        moved.insert(Entry(laneBox(lane), t.selected));
     }
 }
 

@@ -107,9 +107,10 @@ enum class Axis { Horizontal, Vertical };
 // Rule: instances travel as their boxes, straight towards the edge, nearest to the edge first.
 // Each stops at the panel edge less its margin, or `gap` before the first box in its way (any
 // instance, selected or not, whose box overlaps its path widened by the gap on either side).
-// The distance travelled is truncated to an integer; an instance never moves away from the edge
-// (one already closer than the gap or overlapping another stays). Selected instances whose
-// outlines overlap refuse the whole pack and nothing is written.
+// Selected instances at the same distance from the edge do not block each other. The distance
+// travelled is truncated to an integer; an instance never moves away from the edge (one already
+// closer than the gap to a box in its way stays). Selected instances whose outlines overlap
+// refuse the whole pack and nothing is written.
 Outcome do_align(const Rows& rows, PackEdge edge, const PanelFrame& frame,
                  const OutlinesOverlap& overlap = {});
 

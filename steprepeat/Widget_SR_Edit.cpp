@@ -36,6 +36,7 @@ using wc::panel::Rows;
 namespace {
 
 constexpr double kNanometresPerMil = 25400.0;
+constexpr int kFieldWidth = 110;
 
 // The length fields: object name, label, default in mil.
 struct LengthField {
@@ -61,6 +62,11 @@ QString stepsQuestion(const char* words) {
                "The %1 operation requires at least 1 step(s),while you have 0 step(s) "
                "selected, The operation will be performed on all steps,continue?")
         .arg(QString::fromLatin1(words));
+}
+
+// A button shows "S&R" as written rather than taking the "&" for a shortcut mark.
+QString buttonText(QString text) {
+    return text.replace(QLatin1Char('&'), QStringLiteral("&&"));
 }
 
 std::vector<Korvo::API::point> toPoints(const QVector<QPointF>& points) {
@@ -92,7 +98,7 @@ void Widget_SR_Edit::setJobStep(const std::string& job, const std::string& step)
 }
 
 QPushButton* Widget_SR_Edit::makeButton(const char* name, const char* text, bool checkable) {
-    auto* button = new QPushButton(tr(text), this);
+    auto* button = new QPushButton(buttonText(tr(text)), this);
     button->setObjectName(QString::fromLatin1(name));
     button->setCheckable(checkable);
     if (checkable) {
@@ -113,6 +119,7 @@ QLineEdit* Widget_SR_Edit::makeField(const char* name, double default_mil) {
     auto* field = new QLineEdit(Korvo::UIAPI::getUnitJudgeString(handle_, default_mil, 2), this);
     field->setObjectName(QString::fromLatin1(name));
     field->setValidator(wc::makeFloatValidator(field));
+    field->setMaximumWidth(kFieldWidth);
     lengths_[name] = field;
     return field;
 }
@@ -194,6 +201,7 @@ void Widget_SR_Edit::initSR_Edit() {
     angle_ = new QLineEdit(QStringLiteral("90"), this);
     angle_->setObjectName(QStringLiteral("lineEdit_Angle"));
     angle_->setValidator(integer);
+    angle_->setMaximumWidth(kFieldWidth);
     edit_fields->addWidget(makeLabel("label_Step", "Step:"), 0, 0);
     edit_fields->addWidget(steps_, 0, 1);
     edit_fields->addWidget(makeLabel("label_Angle", "Angle:"), 0, 2);
@@ -223,6 +231,7 @@ void Widget_SR_Edit::initSR_Edit() {
         unit_labels_.push_back(unit);
         edit_fields->addWidget(unit, row, 2);
     }
+    edit_fields->setColumnStretch(4, 1);
     static_cast<QVBoxLayout*>(edits->layout())->addLayout(edit_fields);
 
     // Align, pack and space.
@@ -270,6 +279,7 @@ void Widget_SR_Edit::initSR_Edit() {
     keep_gap_->setChecked(true);
     gaps->addWidget(makeLabel("label_KeepGap", "Keep Gap :"), 0, 6);
     gaps->addWidget(keep_gap_, 0, 7);
+    gaps->setColumnStretch(8, 1);
     static_cast<QVBoxLayout*>(align->layout())->addLayout(gaps);
 
     // The entry of one table row, for Add step and Modify Entry.
@@ -376,7 +386,7 @@ void Widget_SR_Edit::initSR_Edit() {
 
 void Widget_SR_Edit::applyTexts() {
     for (auto& [button, text] : texts_) {
-        button->setText(tr(text));
+        button->setText(buttonText(tr(text)));
     }
     for (auto& [label, text] : label_texts_) {
         label->setText(tr(text));
@@ -1059,7 +1069,8 @@ double Widget_SR_Edit::engineValue(const QLineEdit* field) const {
 }
 
 void Widget_SR_Edit::showEngineValue(QLineEdit* field, double engine) const {
-    field->setText(Korvo::UIAPI::getUnitJudgeString(handle_, engine / kNanometresPerMil, 4));
+    const double shown = Korvo::UIAPI::getUnitJudgeDouble(handle_, engine / kNanometresPerMil);
+    field->setText(QString::number(shown, 'g', 10));
 }
 
 Korvo::API::step_repeat_op Widget_SR_Edit::entryFromFields() const {
@@ -1086,7 +1097,7 @@ void Widget_SR_Edit::runAlign(const char* status, wc::panel::AlignKind kind) {
     align_kind_ = kind;
     align_rows_ = rows_;
     for (QPushButton* b : buttons_) {
-        if (b->text() == tr(status)) {
+        if (b->text() == buttonText(tr(status))) {
             b->setChecked(true);
         }
     }
