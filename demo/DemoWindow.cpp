@@ -19,6 +19,7 @@
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
 #include "PluginBus.h"
+#include "StepRepeatDemo.h"
 
 namespace {
 
@@ -83,6 +84,7 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
     subscription_ = wcref::PluginBus::instance().subscribe(
         [this](const PluginMetaData& message) { log(describe(message)); });
     buildMenus();
+    addDockWidget(Qt::RightDockWidgetArea, demo::makeStepRepeatDock(context_, this));
 }
 
 DemoWindow::~DemoWindow() {
@@ -133,6 +135,7 @@ bool DemoWindow::openSampleJob() {
     }
     steps_->setCurrentText(context_.step);
     refreshLayers();
+    demo::refreshStepRepeatDock();
     log(tr("Opened job \"%1\": %2 steps, %3 layers")
             .arg(kJob)
             .arg(steps.size())

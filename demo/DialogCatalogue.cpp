@@ -3,6 +3,7 @@
 #include <QObject>
 
 #include "Korvo_UIAPI.h"
+#include "StepRepeatDemo.h"
 #include "edit/Widget_Contourize.h"
 #include "edit/contourize_params.h"
 
@@ -49,7 +50,7 @@ DialogEntry contourize() {
 }  // namespace
 
 const std::vector<DialogEntry>& dialogCatalogue() {
-    static const std::vector<DialogEntry> entries = {contourize()};
+    static const std::vector<DialogEntry> entries = {contourize(), stepRepeatEditor()};
     return entries;
 }
 

@@ -7,20 +7,17 @@
 #include <cmath>
 
 #include "Korvo_API.h"
+#include "StepRepeatGeometry.h"
 
 namespace {
 
-// The child step's profile, turned and mirrored as the instance is, placed at (x, y).
+// The child step's profile, turned and mirrored as the engine places the instance, at (x, y).
 std::vector<Korvo::API::point> placedOutline(const std::vector<Korvo::API::point>& outline,
                                              const Korvo::API::step_repeat_op& row, int i, int j) {
-    const double radians = row.angle * M_PI / 180.0;
-    const double c = std::cos(radians);
-    const double s = std::sin(radians);
     std::vector<Korvo::API::point> placed;
     for (const auto& p : outline) {
-        const double x = row.mirror ? -p.x : p.x;
-        placed.push_back({row.x + i * double(row.dx) + x * c - p.y * s,
-                          row.y + j * double(row.dy) + x * s + p.y * c});
+        const Korvo::API::point q = wcref::placePoint(p, row.angle, row.mirror);
+        placed.push_back({row.x + i * double(row.dx) + q.x, row.y + j * double(row.dy) + q.y});
     }
     return placed;
 }
