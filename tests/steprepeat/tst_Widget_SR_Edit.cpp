@@ -5,6 +5,7 @@
 // (500, 500) with pitch (2200, 1700); a column of two "pcb" turned 90 at x 7200..8700,
 // y 500..2500 and 2700..4700.
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -153,12 +154,20 @@ private slots:
         QVERIFY(dialog.findChild<QPushButton*>("pushButton_SingleSelect")->isChecked());
     }
 
+    void yesPacksEverythingAsOneEdit_data() {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<QString>("gap");
+        QTest::newRow("mil") << 0 << "100";
+        QTest::newRow("mm") << 1 << "2.54";
+    }
     // Yes selects every instance; the operation is one write and one edit.
     void yesPacksEverythingAsOneEdit() {
+        QFETCH(int, unit);
+        QFETCH(QString, gap);
         QWidget host;
-        wctest::UnitScope unit(&host, 0);
+        wctest::UnitScope scope(&host, unit);
         Widget_SR_Edit dialog(kJob, kPanel, &host);
-        dialog.findChild<QLineEdit*>("lineEdit_HorizGap")->setText("100");
+        dialog.findChild<QLineEdit*>("lineEdit_HorizGap")->setText(gap);
         const int edits = Korvo::API::get_editop_count(kJob, kPanel);
         wctest::MessageBoxAnswerer answerer(QMessageBox::Yes);
         wctest::PluginSpy spy;
@@ -320,6 +329,31 @@ private slots:
         QCOMPARE(answerer.last().title, QStringLiteral("Information"));
         QCOMPARE(writes(), 0);
         QCOMPARE(text(dialog, "label_Status"), QStringLiteral("Single Select"));
+    }
+
+    // A new size rewrites the profile, the margins and the table as one edit.
+    void panelSizeIsOneEdit() {
+        QWidget host;
+        wctest::UnitScope unit(&host, 0);
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        QVERIFY(Korvo::API::set_panel_margin(kJob, kPanel, 100, 100, 100, 100));
+        dialog.findChild<QLineEdit*>("lineEdit_PanelWidth")->setText("10000");
+        dialog.findChild<QLineEdit*>("lineEdit_PanelHeight")->setText("8000");
+        dialog.findChild<QCheckBox*>("checkBox_KeepSR")->setChecked(false);
+        dialog.findChild<QCheckBox*>("checkBox_KeepMargin")->setChecked(false);
+        const int edits = Korvo::API::get_editop_count(kJob, kPanel);
+        press(dialog, "pushButton_PanelSize");
+        QCOMPARE(Korvo::API::get_editop_count(kJob, kPanel), edits + 1);
+        Korvo::API::reply_box box;
+        QVERIFY(Korvo::API::profile_box(kJob, kPanel, box));
+        QCOMPARE(box.xmax / kMil, 10000.0);
+        QCOMPARE(box.ymax / kMil, 8000.0);
+        // The instances follow the centre: half the growth, 500 mil each way.
+        QCOMPARE(table().front().x / kMil, 1000.0);
+        QCOMPARE(table().back().y / kMil, 3000.0);
+        std::map<std::string, std::string> attributes;
+        Korvo::API::get_step_attributes(kJob, kPanel, attributes);
+        QCOMPARE(attributes[".panel_margin_left"], std::string("0"));
     }
 
     void exceptionIsGuarded() {
