@@ -356,6 +356,46 @@ private slots:
         QCOMPARE(attributes[".panel_margin_left"], std::string("0"));
     }
 
+    void reduceNestingReadsTheChildTables_data() {
+        QTest::addColumn<bool>("highestOnly");
+        QTest::addColumn<QString>("steps");
+        QTest::newRow("all levels") << false << QStringLiteral("pcb pcb");
+        QTest::newRow("highest level only") << true << QStringLiteral("mid mid");
+    }
+    // panel -> "outer" at (1000, 0) -> "mid" twice -> "pcb".
+    void reduceNestingReadsTheChildTables() {
+        QFETCH(bool, highestOnly);
+        QFETCH(QString, steps);
+        QVERIFY(Korvo::API::create_step(kJob, "mid", 0));
+        QVERIFY(Korvo::API::create_step(kJob, "outer", 0));
+        step_repeat_op leaf;
+        leaf.step_name = "pcb";
+        QVERIFY(Korvo::API::set_step_repeat(kJob, "mid", {leaf}));
+        step_repeat_op mids;
+        mids.step_name = "mid";
+        mids.dx = 3000 * kMil;
+        mids.nx = 2;
+        QVERIFY(Korvo::API::set_step_repeat(kJob, "outer", {mids}));
+        step_repeat_op outer;
+        outer.step_name = "outer";
+        outer.x = 1000 * kMil;
+        outer.selection = {0};
+        QVERIFY(Korvo::API::set_step_repeat(kJob, kPanel, {outer}));
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        press(dialog, highestOnly ? "pushButton_ReduceHighestLevel" : "pushButton_ReduceNesting");
+        QStringList names;
+        QList<int> xs;
+        for (const step_repeat_op& r : table()) {
+            for (int i = 0; i < r.nx; ++i) {
+                names << QString::fromStdString(r.step_name);
+                xs << int((r.x + i * r.dx) / kMil);
+            }
+        }
+        QCOMPARE(names.join(' '), steps);
+        QCOMPARE(xs, (QList<int>{1000, 4000}));
+    }
+
     void exceptionIsGuarded() {
         QWidget host;
         Widget_SR_Edit dialog(kJob, kPanel, &host);
