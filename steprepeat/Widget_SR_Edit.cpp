@@ -274,6 +274,7 @@ void Widget_SR_Edit::initSR_Edit() {
         unit_labels_.push_back(unit);
         gaps->addWidget(unit, 0, (k - 2) * 3 + 2);
     }
+    // "Keep Gap :" ticked packs with the typed gaps; unticked packs edge to edge.
     keep_gap_ = new QCheckBox(this);
     keep_gap_->setObjectName(QStringLiteral("checkBox_KeepGap"));
     keep_gap_->setChecked(true);
@@ -332,6 +333,8 @@ void Widget_SR_Edit::initSR_Edit() {
         unit_labels_.push_back(unit);
         panel_layout->addWidget(unit, 1 + k - 8, 2);
     }
+    // A new panel size keeps the instances where they are ("Keep S&R :") or moves them with the
+    // panel's centre, and keeps the margins ("Keep Margin :") or clears them.
     keep_sr_ = new QCheckBox(this);
     keep_sr_->setObjectName(QStringLiteral("checkBox_KeepSR"));
     keep_sr_->setChecked(true);
