@@ -22,6 +22,7 @@
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
 #include "PluginBus.h"
+#include "StepRepeatDemo.h"
 #include "frame/PluginMessages.h"
 
 namespace {
@@ -118,6 +119,7 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
         [this](const PluginMetaData& message) { dispatch(message); });
     new demo::FeatureFilterHost(this);
     buildMenus();
+    new demo::StepRepeatHost(this);
 }
 
 DemoWindow::~DemoWindow() {
@@ -254,6 +256,11 @@ void DemoWindow::redraw() {
         }
     }
     view_->showStep(context_.job.toStdString(), context_.step.toStdString(), displayed);
+    emit stepShown(context_.job, context_.step);
+}
+
+void DemoWindow::showStep(const QString& step) {
+    steps_->setCurrentText(step);
 }
 
 void DemoWindow::onMessage(int code, MessageHandler handler) {

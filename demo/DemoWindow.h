@@ -39,8 +39,15 @@ public:
     GraphicView* view() const { return view_; }
     // Shows the current job and step with the checked layers (after an edit or a refresh).
     void redraw();
+    // Makes `step` of the current job the shown one.
+    void showStep(const QString& step);
+
     // Writes a PNG of the window and of every catalogued dialog, in mil and in mm, to `folder`.
     QStringList tour(const QString& folder);
+
+signals:
+    // After the view was redrawn for a job and step.
+    void stepShown(const QString& job, const QString& step);
 
 private:
     void buildMenus();

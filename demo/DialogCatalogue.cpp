@@ -4,6 +4,7 @@
 
 #include "FeatureFilterEntry.h"
 #include "Korvo_UIAPI.h"
+#include "StepRepeatDemo.h"
 #include "edit/Widget_Contourize.h"
 #include "edit/contourize_params.h"
 
@@ -50,7 +51,8 @@ DialogEntry contourize() {
 }  // namespace
 
 const std::vector<DialogEntry>& dialogCatalogue() {
-    static const std::vector<DialogEntry> entries = {contourize(), featureFilter()};
+    static const std::vector<DialogEntry> entries = {contourize(), featureFilter(),
+                                                     stepRepeatEditor()};
     return entries;
 }
 

@@ -502,6 +502,10 @@ void GraphicView::mouseReleaseEvent(QMouseEvent* event) {
     }
 }
 
+void GraphicView::mouseDoubleClickEvent(QMouseEvent* event) {
+    emit pointDoubleClicked(toEngine(event->pos()));
+}
+
 void GraphicView::resizeEvent(QResizeEvent* event) {
     QGraphicsView::resizeEvent(event);
     if (!userZoomed_) {

@@ -62,12 +62,14 @@ signals:
     void pointPicked(const Korvo::API::point& at, bool shift);
     void rectanglePicked(const Korvo::API::point& first, const Korvo::API::point& second,
                          bool shift);
+    void pointDoubleClicked(const Korvo::API::point& at);
 
 protected:
     void wheelEvent(QWheelEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:

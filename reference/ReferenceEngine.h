@@ -115,6 +115,8 @@ struct EngineHooks {
         copy_layer_features;
     std::function<int(const string&, const string&)> get_editop_count;
     std::function<bool(const string&, const string&, int)> bind_editop_count;
+    std::function<bool(const string&, const string&, strings&)> get_all_step_repeat_steps;
+    std::function<bool(const string&, const string&, int, int, int, int)> set_panel_margin;
 
     std::function<bool(
         const string&, const string&, const string&, Korvo::API::signal_check_params,

@@ -59,6 +59,16 @@ bool clear_select_step_repeat(const std::string& job, const std::string& step);
 // they touch or overlap.
 int distance_of_polygon(const std::vector<point>& first, const std::vector<point>& second,
                         point& on_first, point& on_second);
+// Every step placed in `step`, directly or through nested tables, each once, in the order it is
+// first met (depth first, rows in table order).
+bool get_all_step_repeat_steps(const std::string& job, const std::string& step,
+                               std::vector<std::string>& steps);
+// Distances kept free along the panel edges, engine units. Kept as the step attributes
+// ".panel_margin_left", ".panel_margin_right", ".panel_margin_top" and ".panel_margin_bottom"
+// (decimal text), so get_step_attributes reads them back. Negative margins, or margins that
+// leave no room inside the profile, are refused.
+bool set_panel_margin(const std::string& job, const std::string& step, int left, int right, int top,
+                      int bottom);
 
 // ---- features, selection, edits -------------------------------------------------------------
 bool get_all_feature_info(const std::string& job, const std::string& step, const std::string& layer,

@@ -1,0 +1,437 @@
+// The step-and-repeat editor against the reference engine's sample panel: questions and status
+// texts, writes and undo grouping, picks, messages and refusals.
+//
+// Sample panel (mil): profile 0..9000 x 0..7000; a 3 x 2 array of "pcb" (2000 x 1500) at
+// (500, 500) with pitch (2200, 1700); a column of two "pcb" turned 90 at x 7200..8700,
+// y 500..2500 and 2700..4700.
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QtTest>
+#include <stdexcept>
+
+#include "DataRows.h"
+#include "HostSettings.h"
+#include "Korvo_API.h"
+#include "MessageBoxAnswerer.h"
+#include "PluginSpy.h"
+#include "ReferenceEngine.h"
+#include "ScopedEngineHook.h"
+#include "StepRepeatGeometry.h"
+#include "UnitScope.h"
+#include "frame/PluginMessages.h"
+#include "steprepeat/Widget_SR_Edit.h"
+
+using Korvo::API::step_repeat_op;
+
+namespace {
+
+const std::string kJob = "sample_job";
+const std::string kPanel = "panel";
+constexpr double kMil = 25400.0;
+
+QPointF mil(double x, double y) {
+    return {x * kMil, y * kMil};
+}
+
+std::vector<step_repeat_op> table() {
+    std::vector<step_repeat_op> rows;
+    Korvo::API::get_step_repeat(kJob, kPanel, rows);
+    return rows;
+}
+
+int writes() {
+    int n = 0;
+    for (const wcref::EngineCall& call : wcref::engineCalls()) {
+        n += call.operation == "set_step_repeat";
+    }
+    return n;
+}
+
+// Boxes of every instance of the panel, as the engine places them.
+std::vector<Korvo::API::reply_box> engineBoxes() {
+    const std::vector<step_repeat_op> rows = table();
+    Korvo::API::reply_box child;
+    Korvo::API::profile_box(kJob, "pcb", child);
+    std::vector<Korvo::API::reply_box> boxes;
+    for (const wcref::RepeatInstance& i : wcref::expandRepeatRows(rows)) {
+        boxes.push_back(wcref::instanceBox(child, i));
+    }
+    return boxes;
+}
+
+QString text(QWidget& dialog, const char* name) {
+    return dialog.findChild<QLabel*>(QString::fromLatin1(name))->text();
+}
+
+void press(QWidget& dialog, const QString& name) {
+    auto* button = dialog.findChild<QPushButton*>(name);
+    QVERIFY2(button != nullptr, qPrintable(name));
+    button->click();
+}
+
+QString question(const char* words) {
+    return QStringLiteral(
+               "The %1 operation requires at least 1 step(s),while you have 0 step(s) selected, "
+               "The operation will be performed on all steps,continue?")
+        .arg(QLatin1String(words));
+}
+
+}  // namespace
+
+class tst_Widget_SR_Edit : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob(kJob));
+        wcref::setShiftPressedForTest(0);
+    }
+
+    void questionOnEmptySelection_data() {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<QString>("question");
+        using wctest::row;
+        row("copy", "pushButton_Copy", "Copy Select Step", question("copy steps"));
+        row("move", "pushButton_Move", "Move Select Step", question("move steps"));
+        row("delete", "pushButton_Delete", "Delete Select Step", question("delete steps"));
+        row("rotate", "pushButton_Rotate", "Rotate Select Step", question("rotate steps"));
+        row("replace", "pushButton_Replace", "Replace Select Step", question("replace steps"));
+        row("mirror h", "pushButton_MirrorHorizontal", "Mirror Select Step Horizontally",
+            question("horizontal mirror steps"));
+        row("mirror v", "pushButton_MirrorVertical", "Mirror Select Step Vertically",
+            question("vertical mirror steps"));
+        row("reduce", "pushButton_ReduceNesting", "Reduce S&R nesting", question("Reduce nesting"));
+        row("highest", "pushButton_ReduceHighestLevel", "Reduce S&R highest level only",
+            question("Reduce nesting"));
+        row("align left", "pushButton_AlignLeft", "Align Left", question("Align Steps"));
+        row("centre y", "pushButton_CenterY", "Center on Y Axis", question("Align Steps"));
+        row("pack left", "pushButton_PackLeft", "Pack Left", question("Align Steps"));
+        row("pack both", "pushButton_PackTopBottom", "Pack top and bottom",
+            question("Align Steps"));
+        row("space", "pushButton_SpaceEvenlyH", "Space evenly horizontal", question("Align Steps"));
+        row("grid asks reduce nesting", "pushButton_AlignToGrid", "Align to grid",
+            question("Reduce nesting"));
+        row("centre h", "pushButton_PackCenterH", "Pack to center horisontally",
+            QStringLiteral("Operation will be performed on all steps.Continue?"));
+        row("centre v", "pushButton_PackCenterV", "Pack to center vertically",
+            QStringLiteral("Operation will be performed on all steps.Continue?"));
+    }
+    // No leaves the table as it was and returns to single select.
+    void questionOnEmptySelection() {
+        QFETCH(QString, button);
+        QFETCH(QString, status);
+        QFETCH(QString, question);
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        wctest::PluginSpy spy;
+        QString status_seen;
+        auto* label = dialog.findChild<QLabel*>(QStringLiteral("label_Status"));
+        wctest::MessageBoxAnswerer answerer(QMessageBox::No);
+        // The status is set before the question is asked.
+        QTimer probe;
+        connect(&probe, &QTimer::timeout, [&] {
+            if (status_seen.isEmpty() && QApplication::activeModalWidget() != nullptr) {
+                status_seen = label->text();
+            }
+        });
+        probe.start(0);
+        wcref::clearEngineCalls();
+        press(dialog, button);
+        QCOMPARE(answerer.count(), 1);
+        QCOMPARE(answerer.last().title, QStringLiteral("Information"));
+        QCOMPARE(answerer.last().text, question);
+        QCOMPARE(status_seen, status);
+        QCOMPARE(writes(), 0);
+        QVERIFY(spy.withCode(wc::code::PickReferenceStep).isEmpty());
+        QCOMPARE(label->text(), QStringLiteral("Single Select"));
+        QVERIFY(dialog.findChild<QPushButton*>("pushButton_SingleSelect")->isChecked());
+    }
+
+    void yesPacksEverythingAsOneEdit_data() {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<QString>("gap");
+        QTest::newRow("mil") << 0 << "100";
+        QTest::newRow("mm") << 1 << "2.54";
+    }
+    // Yes selects every instance; the operation is one write and one edit.
+    void yesPacksEverythingAsOneEdit() {
+        QFETCH(int, unit);
+        QFETCH(QString, gap);
+        QWidget host;
+        wctest::UnitScope scope(&host, unit);
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        dialog.findChild<QLineEdit*>("lineEdit_HorizGap")->setText(gap);
+        const int edits = Korvo::API::get_editop_count(kJob, kPanel);
+        wctest::MessageBoxAnswerer answerer(QMessageBox::Yes);
+        wctest::PluginSpy spy;
+        QSignalSpy changed(&dialog, &Widget_SR_Edit::send_SR_Changed);
+        wcref::clearEngineCalls();
+        press(dialog, "pushButton_PackLeft");
+        QCOMPARE(answerer.count(), 1);
+        QCOMPARE(writes(), 1);
+        QCOMPARE(Korvo::API::get_editop_count(kJob, kPanel), edits + 1);
+        QCOMPARE(changed.count(), 1);
+        QVERIFY(!spy.withCode(wc::code::RefreshGraphic).isEmpty());
+        // Columns at 0, 2100 and 4200 mil, gap 100; the turned column follows at 6300.
+        QList<double> lefts;
+        for (const auto& b : engineBoxes()) {
+            lefts << b.xmin / kMil;
+        }
+        std::sort(lefts.begin(), lefts.end());
+        QCOMPARE(lefts, (QList<double>{0, 0, 2100, 2100, 4200, 4200, 6300, 6300}));
+        QCOMPARE(text(dialog, "label_SelectedSteps"), QStringLiteral("Selected Steps : 8"));
+    }
+
+    void selectionPicks_data() {
+        QTest::addColumn<int>("mode");  // 0 single, 1 rectangle, 2 polygon
+        QTest::addColumn<bool>("shift");
+        QTest::addColumn<int>("selected");
+        QTest::newRow("single replaces") << 0 << false << 1;
+        QTest::newRow("single with shift adds") << 0 << true << 2;
+        QTest::newRow("rectangle replaces") << 1 << false << 2;
+        QTest::newRow("rectangle with shift adds") << 1 << true << 3;
+        QTest::newRow("polygon always replaces") << 2 << true << 2;
+    }
+    void selectionPicks() {
+        QFETCH(int, mode);
+        QFETCH(bool, shift);
+        QFETCH(int, selected);
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        // First pick: the turned instance at the lower right.
+        dialog.receive_SR_Select_point({mil(8000, 1500)});
+        QCOMPARE(text(dialog, "label_SelectedSteps"), QStringLiteral("Selected Steps : 1"));
+        wcref::setShiftPressedForTest(shift ? 1 : 0);
+        const char* buttons[3] = {"pushButton_SingleSelect", "pushButton_RectangleSelect",
+                                  "pushButton_PolygonSelect"};
+        press(dialog, buttons[mode]);
+        if (mode == 0) {
+            dialog.receive_SR_Select_point({mil(1500, 1250)});
+        } else if (mode == 1) {
+            // The two lower left instances of the array.
+            dialog.receive_SR_Select_point({mil(0, 0), mil(4000, 2200)});
+        } else {
+            dialog.receive_SR_PolygonSelect_point(
+                {mil(0, 0), mil(4000, 0), mil(4000, 2200), mil(0, 2200)});
+        }
+        QCOMPARE(text(dialog, "label_SelectedSteps"),
+                 QStringLiteral("Selected Steps : %1").arg(selected));
+    }
+
+    void alignToReference() {
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        dialog.receive_SR_Select_point({mil(1500, 1250)});  // array (0, 0)
+        wcref::setShiftPressedForTest(1);
+        dialog.receive_SR_Select_point({mil(5900, 2900)});  // array (2, 1)
+        wctest::PluginSpy spy;
+        press(dialog, "pushButton_AlignLeft");
+        const QList<wctest::SeenMessage> picks = spy.withCode(20000267);
+        QCOMPARE(picks.size(), 1);
+        QCOMPARE(picks.front().sender, QStringLiteral("Graphic_MenuBar_Step.dll"));
+        QCOMPARE(picks.front().receiver, QStringLiteral("Graphic_View.dll"));
+        const int edits = Korvo::API::get_editop_count(kJob, kPanel);
+        dialog.receive_SR_second_Select_point(mil(8000, 3500));  // turned, xmin 7200
+        QCOMPARE(Korvo::API::get_editop_count(kJob, kPanel), edits + 1);
+        int at_reference = 0;
+        for (const auto& b : engineBoxes()) {
+            at_reference += b.xmin == 7200 * kMil;
+        }
+        QCOMPARE(at_reference, 4);  // the two turned ones and the two aligned ones
+    }
+
+    void referencePickOnNothingChangesNothing() {
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        dialog.receive_SR_Select_point({mil(1500, 1250)});
+        press(dialog, "pushButton_CenterX");
+        const std::vector<Korvo::API::reply_box> before = engineBoxes();
+        const int edits = Korvo::API::get_editop_count(kJob, kPanel);
+        wctest::MessageBoxAnswerer answerer;
+        dialog.receive_SR_second_Select_point(mil(100, 6900));
+        QCOMPARE(answerer.texts(), QStringList{"Illegal step specified"});
+        QCOMPARE(Korvo::API::get_editop_count(kJob, kPanel), edits);
+        QCOMPARE(engineBoxes().size(), before.size());
+        for (size_t k = 0; k < before.size(); ++k) {
+            QCOMPARE(engineBoxes()[k].xmin, before[k].xmin);
+        }
+        QCOMPARE(text(dialog, "label_SelectedSteps"), QStringLiteral("Selected Steps : 1"));
+    }
+
+    void refusals_data() {
+        QTest::addColumn<QString>("setup");
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("message");
+        using wctest::row;
+        row("overlap", "overlap", "pushButton_PackLeft", "There are overlapping pcss selected!");
+        row("grid of turned and plain", "all", "pushButton_AlignToGrid",
+            "Steps are not aligned properly /n Different steps or step angle/mirror not match");
+        row("modify none", "none", "pushButton_ModifyEntry",
+            "The Modify Entry operation requires 1 step!");
+        row("modify two rows", "all", "pushButton_ModifyEntry",
+            "The Modify Entry operation requires only 1 step!");
+        row("rotate -1", "all -1", "pushButton_Rotate", "angle must be in range of '0' to '360'!");
+        row("rotate 361", "all 361", "pushButton_Rotate",
+            "angle must be in range of '0' to '360'!");
+        row("rotate 0", "all 0", "pushButton_Rotate", "");
+        row("rotate 360", "all 360", "pushButton_Rotate", "");
+        row("cycle", "cycle", "pushButton_Add", "illegal step & repeat nesting ");
+    }
+    // A refused operation says why and writes nothing.
+    void refusals() {
+        QFETCH(QString, setup);
+        QFETCH(QString, button);
+        QFETCH(QString, message);
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        std::vector<step_repeat_op> rows = table();
+        if (setup == "overlap") {
+            rows[1].x = rows[0].x + 100 * kMil;  // the column now overlaps the array
+        }
+        if (setup.startsWith("all") || setup == "overlap") {
+            for (step_repeat_op& r : rows) {
+                for (int k = 0; k < r.nx * r.ny; ++k) {
+                    r.selection.insert(k);
+                }
+            }
+        }
+        if (setup == "cycle") {
+            // "frame" places the panel; the panel may then not place "frame".
+            QVERIFY(Korvo::API::create_step(kJob, "frame", 0));
+            step_repeat_op holder;
+            holder.step_name = kPanel;
+            QVERIFY(Korvo::API::set_step_repeat(kJob, "frame", {holder}));
+        }
+        QVERIFY(Korvo::API::set_step_repeat(kJob, kPanel, rows));
+        dialog.All_Refresh();
+        if (setup.startsWith("all ")) {
+            dialog.findChild<QLineEdit*>("lineEdit_Angle")->setText(setup.mid(4));
+        }
+        if (setup == "cycle") {
+            dialog.findChild<QComboBox*>("comboBox_Step")->setCurrentText("frame");
+        }
+        wctest::MessageBoxAnswerer answerer(QMessageBox::Yes);
+        wcref::clearEngineCalls();
+        press(dialog, button);
+        if (message.isEmpty()) {
+            QCOMPARE(answerer.count(), 0);
+            QCOMPARE(writes(), 1);
+            return;
+        }
+        QCOMPARE(answerer.texts().value(answerer.count() - 1), message);
+        QCOMPARE(answerer.last().title, QStringLiteral("Information"));
+        QCOMPARE(writes(), 0);
+        QCOMPARE(text(dialog, "label_Status"), QStringLiteral("Single Select"));
+    }
+
+    // A new size rewrites the profile, the margins and the table as one edit.
+    void panelSizeIsOneEdit() {
+        QWidget host;
+        wctest::UnitScope unit(&host, 0);
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        QVERIFY(Korvo::API::set_panel_margin(kJob, kPanel, 100, 100, 100, 100));
+        dialog.findChild<QLineEdit*>("lineEdit_PanelWidth")->setText("10000");
+        dialog.findChild<QLineEdit*>("lineEdit_PanelHeight")->setText("8000");
+        dialog.findChild<QCheckBox*>("checkBox_KeepSR")->setChecked(false);
+        dialog.findChild<QCheckBox*>("checkBox_KeepMargin")->setChecked(false);
+        const int edits = Korvo::API::get_editop_count(kJob, kPanel);
+        press(dialog, "pushButton_PanelSize");
+        QCOMPARE(Korvo::API::get_editop_count(kJob, kPanel), edits + 1);
+        Korvo::API::reply_box box;
+        QVERIFY(Korvo::API::profile_box(kJob, kPanel, box));
+        QCOMPARE(box.xmax / kMil, 10000.0);
+        QCOMPARE(box.ymax / kMil, 8000.0);
+        // The instances follow the centre: half the growth, 500 mil each way.
+        QCOMPARE(table().front().x / kMil, 1000.0);
+        QCOMPARE(table().back().y / kMil, 3000.0);
+        std::map<std::string, std::string> attributes;
+        Korvo::API::get_step_attributes(kJob, kPanel, attributes);
+        QCOMPARE(attributes[".panel_margin_left"], std::string("0"));
+    }
+
+    void reduceNestingReadsTheChildTables_data() {
+        QTest::addColumn<bool>("highestOnly");
+        QTest::addColumn<QString>("steps");
+        QTest::newRow("all levels") << false << QStringLiteral("pcb pcb");
+        QTest::newRow("highest level only") << true << QStringLiteral("mid mid");
+    }
+    // panel -> "outer" at (1000, 0) -> "mid" twice -> "pcb".
+    void reduceNestingReadsTheChildTables() {
+        QFETCH(bool, highestOnly);
+        QFETCH(QString, steps);
+        QVERIFY(Korvo::API::create_step(kJob, "mid", 0));
+        QVERIFY(Korvo::API::create_step(kJob, "outer", 0));
+        step_repeat_op leaf;
+        leaf.step_name = "pcb";
+        QVERIFY(Korvo::API::set_step_repeat(kJob, "mid", {leaf}));
+        step_repeat_op mids;
+        mids.step_name = "mid";
+        mids.dx = 3000 * kMil;
+        mids.nx = 2;
+        QVERIFY(Korvo::API::set_step_repeat(kJob, "outer", {mids}));
+        step_repeat_op outer;
+        outer.step_name = "outer";
+        outer.x = 1000 * kMil;
+        outer.selection = {0};
+        QVERIFY(Korvo::API::set_step_repeat(kJob, kPanel, {outer}));
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        press(dialog, highestOnly ? "pushButton_ReduceHighestLevel" : "pushButton_ReduceNesting");
+        QStringList names;
+        QList<int> xs;
+        for (const step_repeat_op& r : table()) {
+            for (int i = 0; i < r.nx; ++i) {
+                names << QString::fromStdString(r.step_name);
+                xs << int((r.x + i * r.dx) / kMil);
+            }
+        }
+        QCOMPARE(names.join(' '), steps);
+        QCOMPARE(xs, (QList<int>{1000, 4000}));
+    }
+
+    void exceptionIsGuarded() {
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        wctest::MessageBoxAnswerer answerer;
+        {
+            wctest::ScopedEngineHook hook(
+                &wcref::EngineHooks::get_step_repeat,
+                [](const std::string&, const std::string&, std::vector<step_repeat_op>&) -> bool {
+                    throw std::runtime_error("table unreadable");
+                });
+            press(dialog, "pushButton_Delete");
+        }
+        QCOMPARE(answerer.texts(), QStringList{"table unreadable"});
+        dialog.receive_SR_Select_point({mil(1500, 1250)});
+        QCOMPARE(text(dialog, "label_SelectedSteps"), QStringLiteral("Selected Steps : 1"));
+    }
+
+    void marginsAndPlacedSteps() {
+        QWidget host;
+        wctest::UnitScope unit(&host, 0);
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        dialog.findChild<QLineEdit*>("lineEdit_MarginLeft")->setText("250");
+        dialog.findChild<QLineEdit*>("lineEdit_MarginTop")->setText("10");
+        press(dialog, "pushButton_Margins");
+        std::map<std::string, std::string> attributes;
+        Korvo::API::get_step_attributes(kJob, kPanel, attributes);
+        QCOMPARE(attributes[".panel_margin_left"], std::to_string(int(250 * kMil)));
+        QCOMPARE(attributes[".panel_margin_top"], std::to_string(int(10 * kMil)));
+        // Margins wider than the panel are refused.
+        QVERIFY(!Korvo::API::set_panel_margin(kJob, kPanel, 5000 * kMil, 4000 * kMil, 0, 0));
+        QVERIFY(!Korvo::API::set_panel_margin(kJob, kPanel, -1, 0, 0, 0));
+        std::vector<std::string> steps;
+        QVERIFY(Korvo::API::get_all_step_repeat_steps(kJob, kPanel, steps));
+        QCOMPARE(steps, std::vector<std::string>{"pcb"});
+    }
+};
+
+QTEST_MAIN(tst_Widget_SR_Edit)
+#include "tst_Widget_SR_Edit.moc"
