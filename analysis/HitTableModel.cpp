@@ -8,25 +8,18 @@ namespace wc {
 HitTableModel::HitTableModel(QObject* parent) : QAbstractTableModel(parent) {}
 
 void HitTableModel::setHits(const HitSequence* hits, const std::vector<std::uint32_t>* admitted,
-                            QStringList layer_names, double display_per_engine, int decimals) {
+                            QStringList layer_names, double display_per_engine, int decimals,
+                            const QString& unit) {
     beginResetModel();
     hits_ = hits;
     admitted_ = admitted;
     layer_names_ = std::move(layer_names);
     display_per_engine_ = display_per_engine;
     decimals_ = decimals;
+    unit_ = unit;
     count_ = hits == nullptr ? 0 : (admitted != nullptr ? admitted->size() : hits->size());
     applySort();
     endResetModel();
-}
-
-void HitTableModel::setDisplay(double display_per_engine, int decimals) {
-    display_per_engine_ = display_per_engine;
-    decimals_ = decimals;
-    if (count_ > 0) {
-        emit dataChanged(index(0, ValueColumn), index(int(count_) - 1, ValueColumn));
-    }
-    emit headerDataChanged(Qt::Horizontal, ValueColumn, ValueColumn);
 }
 
 std::size_t HitTableModel::positionOfRow(int row) const {
@@ -89,7 +82,7 @@ QVariant HitTableModel::headerData(int section, Qt::Orientation orientation, int
         case IndexColumn:
             return tr("Index");
         case ValueColumn:
-            return tr("Value");
+            return unit_.isEmpty() ? tr("Value") : tr("Value") + QStringLiteral(" (") + unit_ + ')';
         case LayerColumn:
             return tr("Layer");
         default:

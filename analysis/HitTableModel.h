@@ -22,8 +22,8 @@ public:
     // `admitted` lists the sequence positions that pass (navigation position -> sequence
     // position); null admits every hit. Both must outlive the next call.
     void setHits(const HitSequence* hits, const std::vector<std::uint32_t>* admitted,
-                 QStringList layer_names, double display_per_engine, int decimals);
-    void setDisplay(double display_per_engine, int decimals);
+                 QStringList layer_names, double display_per_engine, int decimals,
+                 const QString& unit);
 
     // Navigation position of a table row, and the row of a navigation position (-1 when none).
     std::size_t positionOfRow(int row) const;
@@ -46,6 +46,7 @@ private:
     QStringList layer_names_;
     double display_per_engine_ = 1.0;
     int decimals_ = 3;
+    QString unit_;
     std::size_t count_ = 0;
     int sort_column_ = IndexColumn;
     Qt::SortOrder sort_order_ = Qt::AscendingOrder;

@@ -265,6 +265,8 @@ void Widget_ResultsViewer::initResultsViewer(int mode) {
     m_pCategoriesList->setObjectName(QStringLiteral("m_pCategoriesList"));
     m_pCategoriesList->setStyleSheet(QString::fromLatin1(kSelectedBlue));
     m_pCategoriesList->setUniformItemSizes(true);
+    m_pLayersList->setMinimumHeight(150);
+    m_pCategoriesList->setMinimumHeight(150);
 
     m_pMeasLabel = label("m_pMeasLabel");
     m_pMeasCB = combo("m_pMeasCB", 1);
@@ -310,6 +312,8 @@ void Widget_ResultsViewer::initResultsViewer(int mode) {
                                                       Qt::AscendingOrder);
     m_pHitTable->setSortingEnabled(true);
     m_pHitTable->setMinimumHeight(160);
+    m_pHitTable->setColumnWidth(wc::HitTableModel::IndexColumn, 90);
+    m_pHitTable->setColumnWidth(wc::HitTableModel::ValueColumn, 130);
 
     m_pViewPB = button("m_pViewPB");
     m_pViewPB->setStyleSheet(QString::fromLatin1(kHistogramPicture));
@@ -673,7 +677,8 @@ void Widget_ResultsViewer::refreshAdmitted() {
     }
     const QSignalBlocker blocker(m_pHitTable->selectionModel());
     hit_table_model_->setHits(&hits_, restricted_ ? &admitted_ : nullptr, names, displayPerEngine(),
-                              kValueDecimals);
+                              kValueDecimals,
+                              tr(Korvo::UIAPI::getUnitStringType(handle_, 1).c_str()));
 }
 
 wc::HitRef Widget_ResultsViewer::hitAt(std::size_t position) const {
