@@ -3,11 +3,17 @@
 #include <memory>
 
 #include "DataRows.h"
+#include "UnitScope.h"
 #include "analysis/HitNavigator.h"
 #include "analysis/ResultAdapters.h"
+#include "analysis/ValueHistogram.h"
+#include "analysis/ViewerModes.h"
 
 using namespace Korvo::API;
 using wctest::row;
+
+Q_DECLARE_METATYPE(QList<double>)
+Q_DECLARE_METATYPE(QList<int>)
 
 namespace {
 
@@ -48,6 +54,10 @@ private slots:
     void modelKeepsSharedResultAlive();
     void navigationStaysInBounds_data();
     void navigationStaysInBounds();
+    void valueTextsFollowTheModeAndUnit_data();
+    void valueTextsFollowTheModeAndUnit();
+    void histogramBinsEveryValue_data();
+    void histogramBinsEveryValue();
 };
 
 void tst_ResultsModel::countsAreCumulative_data() {
@@ -193,6 +203,48 @@ void tst_ResultsModel::navigationStaysInBounds() {
         }
     }
     QCOMPARE(int(navigator.index()), index);
+}
+
+void tst_ResultsModel::valueTextsFollowTheModeAndUnit_data() {
+    QTest::addColumn<int>("style");
+    QTest::addColumn<int>("unit");
+    QTest::addColumn<QString>("text");
+    row("length in mil", int(wc::ValueStyle::Length), 0, "3.500 mil");
+    row("length in mm", int(wc::ValueStyle::Length), 1, "0.089 mm");
+    row("MRC difference", int(wc::ValueStyle::Difference), 0, "Difference: 3.500 mil");
+    row("drill table box", int(wc::ValueStyle::Extents), 0, "10.000 x 5.000mil ");
+    row("drill table keeps mil in mm", int(wc::ValueStyle::Extents), 1, "0.254 x 0.127mil ");
+}
+
+void tst_ResultsModel::valueTextsFollowTheModeAndUnit() {
+    QFETCH(int, style);
+    QFETCH(int, unit);
+    QFETCH(QString, text);
+    int handle = 0;
+    wctest::UnitScope scope(&handle, unit);
+    check_info info;
+    info.value = 3.5 * 25400;
+    info.shape.points = {{254000, 0}, {0, 127000}};
+    QCOMPARE(wc::hitValueText(wc::ValueStyle(style), info, &handle), text);
+}
+
+void tst_ResultsModel::histogramBinsEveryValue_data() {
+    QTest::addColumn<QList<double>>("values");
+    QTest::addColumn<QList<int>>("bins");
+    row("no values", QList<double>{}, QList<int>{});
+    row("equal values share one bin", QList<double>{2, 2, 2}, QList<int>{3});
+    row("largest in the last bin", QList<double>{0, 1, 2, 3, 4}, QList<int>{2, 1, 2});
+}
+
+void tst_ResultsModel::histogramBinsEveryValue() {
+    QFETCH(QList<double>, values);
+    QFETCH(QList<int>, bins);
+    const wc::ValueHistogram histogram =
+        wc::histogramOf(std::vector<double>(values.begin(), values.end()), 3);
+    QCOMPARE(int(histogram.bins.size()), bins.size());
+    for (int i = 0; i < bins.size(); ++i) {
+        QCOMPARE(int(histogram.bins[std::size_t(i)]), bins[i]);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_ResultsModel)
