@@ -270,7 +270,8 @@ void Widget_ResultsViewer::initResultsViewer(int mode) {
 
     m_pMeasLabel = label("m_pMeasLabel");
     m_pMeasCB = combo("m_pMeasCB", 1);
-    m_pMeasCB->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_pMeasCB->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_pMeasCB->setMinimumContentsLength(10);
     m_pLevelLabel = label("m_pLevelLabel");
     m_pLevelCB = combo("m_pLevelCB", wc::kSeverityCount);
     for (int level = 0; level < wc::kSeverityCount; ++level) {
@@ -410,7 +411,9 @@ void Widget_ResultsViewer::initResultsViewer(int mode) {
                     return;
                 }
                 VIEWER_GUARDED({
-                    if (navigator_.moveTo(hit_table_model_->positionOfRow(current.row()))) {
+                    // Sorting moves the current row but not the hit: nothing new to show.
+                    const std::size_t position = hit_table_model_->positionOfRow(current.row());
+                    if (position != navigator_.position() && navigator_.moveTo(position)) {
                         getSignalLayerCurrentItemData();
                     }
                 });
@@ -623,26 +626,24 @@ void Widget_ResultsViewer::refreshHits(bool announce) {
 // "Meas:": "All", then every distinct value of the category as the display shows it.
 void Widget_ResultsViewer::refreshMeasureValueList() {
     const double factor = displayPerEngine() * 1000.0;
-    std::vector<long long> keys;
-    keys.reserve(hits_.size());
+    measure_keys_.clear();
+    measure_keys_.reserve(hits_.size());
     for (std::size_t i = 0; i < hits_.size(); ++i) {
-        keys.push_back(std::llround(hits_.at(i).hit->value * factor));
+        measure_keys_.push_back(std::llround(hits_.at(i).hit->value * factor));
     }
-    std::sort(keys.begin(), keys.end());
-    keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
+    std::sort(measure_keys_.begin(), measure_keys_.end());
+    measure_keys_.erase(std::unique(measure_keys_.begin(), measure_keys_.end()),
+                        measure_keys_.end());
+    QStringList entries;
+    entries.reserve(int(measure_keys_.size()) + 1);
+    entries << tr("All");
+    for (long long key : measure_keys_) {
+        entries << QString::number(double(key) / 1000.0, 'f', kValueDecimals);
+    }
+    // One insertion for the whole list: a combo box re-measures itself on every insertion.
     const QSignalBlocker blocker(m_pMeasCB);
     m_pMeasCB->clear();
-    m_pMeasCB->addItem(tr("All"));
-    for (long long key : keys) {
-        m_pMeasCB->addItem(QString::number(double(key) / 1000.0, 'f', kValueDecimals), key);
-    }
-    if (measure_key_) {
-        const int index = m_pMeasCB->findData(*measure_key_);
-        if (index < 0) {
-            measure_key_.reset();
-        }
-        m_pMeasCB->setCurrentIndex(std::max(0, index));
-    }
+    m_pMeasCB->addItems(entries);
 }
 
 // The hits the navigation steps through: the category's admitted hits, narrowed by the "Meas:"
@@ -756,9 +757,9 @@ void Widget_ResultsViewer::on_m_pCategoriesList_itemClicked(QListWidgetItem* ite
 
 void Widget_ResultsViewer::on_Meas_changed(const QString&) {
     VIEWER_GUARDED({
-        const QVariant key = m_pMeasCB->currentData();
-        if (key.isValid()) {
-            measure_key_ = key.toLongLong();
+        const int index = m_pMeasCB->currentIndex();
+        if (index > 0 && index <= int(measure_keys_.size())) {
+            measure_key_ = measure_keys_[std::size_t(index - 1)];
         } else {
             measure_key_.reset();
         }

@@ -227,6 +227,7 @@ private:
     wc::HitSequence hits_;
     std::vector<std::uint32_t> admitted_;  // sequence positions that pass, when restricted
     bool restricted_ = false;
+    std::vector<long long> measure_keys_;   // the "Meas:" entries after "All", ascending
     std::optional<long long> measure_key_;  // the "Meas:" value chosen, in 1/1000 display units
     std::optional<std::vector<std::tuple<int, int>>> filter_items_;
     int current_item_ = -1;
