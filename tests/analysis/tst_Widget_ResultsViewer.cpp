@@ -211,6 +211,7 @@ private slots:
     void navigationAndIndexStayInBounds();
     void oneHitCarriesTheHitInPlace();
     void sortedTableRowShowsThatHit();
+    void filterAndMeasNarrowTheHits();
     void selectionSelectsTheHitsFeatures();
     void closingAlwaysSendsViewerClosed();
     void lentResultIsNotCopied();
@@ -371,6 +372,52 @@ void tst_Widget_ResultsViewer::sortedTableRowShowsThatHit() {
     table->selectRow(2);  // 4.000 mil, the yellow hit, third in navigation order
     QCOMPARE(viewer.currentIndex(), std::size_t(3));
     QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
+}
+
+void tst_Widget_ResultsViewer::filterAndMeasNarrowTheHits() {
+    QWidget host;
+    Widget_ResultsViewer viewer(0, &host, twoLayerResult());
+    chooseLayer(viewer, 1);
+    chooseLevel(viewer, wc::SevYellow);  // Line Width: 3.000, 2.000, 4.000 mil
+
+    AnalysisFilterInfo* asked = nullptr;
+    connect(&viewer, &Widget_ResultsViewer::send_begin_filter,
+            [&asked](AnalysisFilterInfo* info) { asked = info; });
+    QSignalSpy narrowed(&viewer, &Widget_ResultsViewer::filter_analysis_items);
+    QSignalSpy next(&viewer, &Widget_ResultsViewer::send_next_filter);
+    QSignalSpy reset(&viewer, &Widget_ResultsViewer::send_reset_filter);
+    viewer.on_Filter_clicked();
+    QVERIFY(asked != nullptr);
+    QCOMPARE(asked->layer, std::string("top"));
+    QCOMPARE(asked->item, int(sli_line_width));
+    QCOMPARE(asked->level, int(wc::SevYellow));
+
+    // The filter passes hits 0 and 2 of Line Width, and one hit of another item.
+    asked->items = {{sli_line_width, 0}, {sli_pad_size, 1}, {sli_line_width, 2}};
+    DrawingCatcher catcher;
+    viewer.get_begin_filter_result(asked);
+    QCOMPARE(narrowed.count(), 1);
+    QCOMPARE(viewer.currentCount(), std::size_t(2));
+    viewer.on_Right_clicked();
+    QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
+    viewer.on_Right_clicked();
+    QCOMPARE(next.count(), 1);  // past the last filtered hit the filter is asked for more
+    viewer.on_unfilter_analysis_items();
+    QCOMPARE(viewer.currentCount(), std::size_t(3));
+
+    // "Meas:" keeps the hits of one shown value.
+    auto* meas = child<QComboBox>(viewer, "m_pMeasCB");
+    QCOMPARE(meas->count(), 4);  // "All" and three values
+    meas->setCurrentIndex(meas->findText("3.000"));
+    viewer.on_Meas_changed(meas->currentText());
+    QCOMPARE(viewer.currentCount(), std::size_t(1));
+    QCOMPARE(catcher.last().data.value_text, std::string("3.000 mil"));
+
+    viewer.get_begin_filter_result(asked);
+    auto* categories = child<QListWidget>(viewer, "m_pCategoriesList");
+    viewer.on_m_pCategoriesList_itemClicked(categories->item(1));
+    QCOMPARE(reset.count(), 1);  // another category drops the filter
+    QCOMPARE(viewer.currentCount(), std::size_t(2));
 }
 
 void tst_Widget_ResultsViewer::selectionSelectsTheHitsFeatures() {
