@@ -223,6 +223,7 @@ void BM_List_Next(benchmark::State& state) {
 void BM_List_ShowAll100k(benchmark::State& state) {
     Fixture& f = fixture();
     QListWidget list;
+    list.setSelectionMode(QAbstractItemView::ExtendedSelection);
     const auto& record = f.result->at("layer01").at(sli_pad_to_pad_spacing);
     signal_check_result_map one;
     one["layer01"][sli_pad_to_pad_spacing] = record;
