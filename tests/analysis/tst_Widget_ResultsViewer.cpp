@@ -13,10 +13,14 @@
 
 #include "DataRows.h"
 #include "Korvo_API.h"
+#include "LogCapture.h"
+#include "MessageBoxAnswerer.h"
 #include "PluginBus.h"
 #include "PluginSpy.h"
+#include "ScopedEngineHook.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "analysis_drawing_data.h"
+#include "frame/ExceptionGuard.h"
 
 using namespace Korvo::API;
 using wctest::row;
@@ -213,6 +217,8 @@ private slots:
     void sortedTableRowShowsThatHit();
     void filterAndMeasNarrowTheHits();
     void selectionSelectsTheHitsFeatures();
+    void exceptionsAreShownAndLoggedWithTheFile_data();
+    void exceptionsAreShownAndLoggedWithTheFile();
     void closingAlwaysSendsViewerClosed();
     void lentResultIsNotCopied();
 };
@@ -451,6 +457,47 @@ void tst_Widget_ResultsViewer::selectionSelectsTheHitsFeatures() {
     child<QCheckBox>(viewer, "m_pSelectionCB")->setChecked(false);
     QVERIFY(selected().empty());
     close_job("viewer_sel");
+}
+
+void tst_Widget_ResultsViewer::exceptionsAreShownAndLoggedWithTheFile_data() {
+    QTest::addColumn<bool>("nfp");
+    QTest::addColumn<QString>("file");
+    row("signal layer checks", false, "Widget_ResultsViewer.cpp");
+    row("NFP removal", true, "Widget_ResultsViewer_NFP.cpp");
+}
+
+void tst_Widget_ResultsViewer::exceptionsAreShownAndLoggedWithTheFile() {
+    QFETCH(bool, nfp);
+    QFETCH(QString, file);
+    check_info with_feature = hit(1000);
+    with_feature.features = {{3, 7}};
+    auto signal = std::make_shared<signal_check_result_map>();
+    (*signal)["top"][sli_line_width].red = {with_feature};
+    auto removal = std::make_shared<NFP_removal_result_map>();
+    (*removal)[nfp_isolated_removed].red = {with_feature};
+    QWidget host;
+    std::unique_ptr<Widget_ResultsViewer> viewer(
+        nfp ? new Widget_ResultsViewer(0, &host, std::vector<std::string>{"top"}, removal)
+            : new Widget_ResultsViewer(0, &host, signal));
+    viewer->setJobAndStep("job", "pcb");
+
+    wctest::ScopedEngineHook hook(
+        &wcref::EngineHooks::get_matrix,
+        [](const std::string&, std::vector<std::string>&, std::vector<layer_info>&) -> std::string {
+            throw std::runtime_error("matrix unreadable");
+        });
+    wctest::LogCapture log;
+    wctest::MessageBoxAnswerer answerer;
+    child<QCheckBox>(*viewer, "m_pSelectionCB")->setChecked(true);
+    QCOMPARE(answerer.count(), 1);
+    QCOMPARE(answerer.last().title, QString("Information"));
+    QCOMPARE(answerer.last().text, QString("matrix unreadable"));
+    std::string place = wc::exceptionPlaceLine(file.toUtf8().constData(), 0);
+    place.pop_back();  // any line number
+    const auto errors = log.errors();
+    QVERIFY(std::any_of(errors.begin(), errors.end(),
+                        [&place](const std::string& line) { return line.rfind(place, 0) == 0; }));
+    viewer->on_Right_clicked();  // still usable
 }
 
 void tst_Widget_ResultsViewer::closingAlwaysSendsViewerClosed() {
