@@ -22,6 +22,7 @@
 
 #include "HitTableModel.h"
 #include "Korvo_API.h"
+#include "LazyComboBox.h"
 #include "QTpluginsManger4CAM.h"
 #include "Widget_ResultsHistogram.h"
 #include "ZeLineEdit.h"
@@ -269,7 +270,16 @@ void Widget_ResultsViewer::initResultsViewer(int mode) {
     m_pCategoriesList->setMinimumHeight(150);
 
     m_pMeasLabel = label("m_pMeasLabel");
-    m_pMeasCB = combo("m_pMeasCB", 1);
+    auto* measure = new wc::LazyComboBox(this);
+    measure->setObjectName(QStringLiteral("m_pMeasCB"));
+    measure->addItem(QString());
+    measure->setStyleSheet(QString::fromLatin1(kComboItems));
+    measure->setFiller([this] {
+        if (measure_stale_) {
+            refreshMeasureValueList();
+        }
+    });
+    m_pMeasCB = measure;
     m_pMeasCB->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_pMeasCB->setMinimumContentsLength(10);
     m_pLevelLabel = label("m_pLevelLabel");
@@ -607,8 +617,7 @@ void Widget_ResultsViewer::refreshHits(bool announce) {
     hits_ = current_item_ < 0
                 ? wc::HitSequence()
                 : model_.hits(chosenLayers(), current_item_, m_pLevelCB->currentIndex());
-    measure_key_.reset();
-    refreshMeasureValueList();
+    clearMeasureValueList();
     refreshAdmitted();
     if (announce) {
         // The view learns which category is being browsed, with its layers and count.
@@ -623,8 +632,19 @@ void Widget_ResultsViewer::refreshHits(bool announce) {
     showCurrent();
 }
 
-// "Meas:": "All", then every distinct value of the category as the display shows it.
+// "Meas:": "All", then every distinct value of the category as the display shows it. The entries
+// cost a pass over the category's hits, so they are built when the list opens.
+void Widget_ResultsViewer::clearMeasureValueList() {
+    measure_key_.reset();
+    measure_keys_.clear();
+    measure_stale_ = true;
+    const QSignalBlocker blocker(m_pMeasCB);
+    m_pMeasCB->clear();
+    m_pMeasCB->addItem(tr("All"));
+}
+
 void Widget_ResultsViewer::refreshMeasureValueList() {
+    measure_stale_ = false;
     const double factor = displayPerEngine() * 1000.0;
     measure_keys_.clear();
     measure_keys_.reserve(hits_.size());
@@ -889,8 +909,7 @@ void Widget_ResultsViewer::change_unit() {
         // "Meas:" values are display values: a chosen one does not survive the change.
         const bool keep_position = !measure_key_ && navigator_.valid();
         const std::size_t position = navigator_.position();
-        measure_key_.reset();
-        refreshMeasureValueList();
+        clearMeasureValueList();
         refreshAdmitted();
         if (keep_position) {
             navigator_.moveTo(position);

@@ -194,6 +194,7 @@ private:
     void refreshCategories();
     void refreshHits(bool announce);  // announce: tell the view the category was chosen
     void refreshMeasureValueList();
+    void clearMeasureValueList();
     void refreshAdmitted();
 
     std::vector<int> chosenLayers() const;
@@ -228,6 +229,7 @@ private:
     std::vector<std::uint32_t> admitted_;  // sequence positions that pass, when restricted
     bool restricted_ = false;
     std::vector<long long> measure_keys_;   // the "Meas:" entries after "All", ascending
+    bool measure_stale_ = true;             // the entries are built when the list opens
     std::optional<long long> measure_key_;  // the "Meas:" value chosen, in 1/1000 display units
     std::optional<std::vector<std::tuple<int, int>>> filter_items_;
     int current_item_ = -1;

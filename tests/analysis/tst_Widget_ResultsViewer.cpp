@@ -413,7 +413,10 @@ void tst_Widget_ResultsViewer::filterAndMeasNarrowTheHits() {
 
     // "Meas:" keeps the hits of one shown value.
     auto* meas = child<QComboBox>(viewer, "m_pMeasCB");
+    QCOMPARE(meas->count(), 1);  // built when the list opens
+    meas->showPopup();
     QCOMPARE(meas->count(), 4);  // "All" and three values
+    meas->hidePopup();
     meas->setCurrentIndex(meas->findText("3.000"));
     viewer.on_Meas_changed(meas->currentText());
     QCOMPARE(viewer.currentCount(), std::size_t(1));
