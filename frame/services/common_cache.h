@@ -4,6 +4,7 @@
 
 #include <json/value.h>
 #include <map>
+#include <memory>
 #include <string>
 
 #include "Korvo_Analysis_types.h"
@@ -11,36 +12,48 @@
 namespace Korvo {
 namespace Cache {
 
+// Results are held and handed out as shared, immutable maps: a getter never copies a result, and
+// the viewer keeps the result it shows alive after the cache has moved on to a newer one. A
+// getter never answers null; before any set it answers an empty map.
 class common_cache {
 public:
+    template <typename T>
+    using shared = std::shared_ptr<const T>;
+
     static common_cache* instance();
 
-    void setSignalResult(const API::signal_check_result_map& result) { signal_ = result; }
-    API::signal_check_result_map getSignalResult() const { return signal_; }
+    void setSignalResult(API::signal_check_result_map result) { put(signal_, std::move(result)); }
+    void setSignalResult(shared<API::signal_check_result_map> result) { put(signal_, result); }
+    shared<API::signal_check_result_map> getSignalResult() const { return get(signal_); }
 
     using solder_mask_map =
         std::map<std::string,
                  std::map<API::solder_mask_checks_items, API::solder_mask_check_result>>;
-    void setSolderMaskResult(const solder_mask_map& result) { solder_mask_ = result; }
-    solder_mask_map getSolderMaskResult() const { return solder_mask_; }
+    void setSolderMaskResult(solder_mask_map result) { put(solder_mask_, std::move(result)); }
+    void setSolderMaskResult(shared<solder_mask_map> result) { put(solder_mask_, result); }
+    shared<solder_mask_map> getSolderMaskResult() const { return get(solder_mask_); }
 
     using silk_map =
         std::map<std::string,
                  std::map<API::silk_screen_checks_items, API::silk_screen_check_result>>;
-    void setSilkResult(const silk_map& result) { silk_ = result; }
-    silk_map getSilkResult() const { return silk_; }
+    void setSilkResult(silk_map result) { put(silk_, std::move(result)); }
+    void setSilkResult(shared<silk_map> result) { put(silk_, result); }
+    shared<silk_map> getSilkResult() const { return get(silk_); }
 
     using drill_map =
         std::map<std::string, API::check_reply<API::drill_check_item, API::check_info>>;
-    void setDrillResult(const drill_map& result) { drill_ = result; }
-    drill_map getDrillResult() const { return drill_; }
+    void setDrillResult(drill_map result) { put(drill_, std::move(result)); }
+    void setDrillResult(shared<drill_map> result) { put(drill_, result); }
+    shared<drill_map> getDrillResult() const { return get(drill_); }
 
-    void setMrcCheckResult(const API::mrc_check_result& result) { mrc_ = result; }
-    API::mrc_check_result getMrcCheckResult() const { return mrc_; }
+    void setMrcCheckResult(API::mrc_check_result result) { put(mrc_, std::move(result)); }
+    void setMrcCheckResult(shared<API::mrc_check_result> result) { put(mrc_, result); }
+    shared<API::mrc_check_result> getMrcCheckResult() const { return get(mrc_); }
 
     using prepare_map = std::map<API::prepare_check_items, API::prepare_check_result>;
-    void setPrepareCheckResult(const prepare_map& result) { prepare_ = result; }
-    prepare_map getPrepareCheckResult() const { return prepare_; }
+    void setPrepareCheckResult(prepare_map result) { put(prepare_, std::move(result)); }
+    void setPrepareCheckResult(shared<prepare_map> result) { put(prepare_, result); }
+    shared<prepare_map> getPrepareCheckResult() const { return get(prepare_); }
 
     // Whether the last check of any kind ran through without a stop.
     void setOkCheckResult(bool ok) { ok_ = ok; }
@@ -49,12 +62,26 @@ public:
     void clear() { *this = common_cache(); }
 
 private:
-    API::signal_check_result_map signal_;
-    solder_mask_map solder_mask_;
-    silk_map silk_;
-    drill_map drill_;
-    API::mrc_check_result mrc_;
-    prepare_map prepare_;
+    template <typename T>
+    static void put(shared<T>& slot, T&& value) {
+        slot = std::make_shared<const T>(std::move(value));
+    }
+    template <typename T>
+    static void put(shared<T>& slot, const shared<T>& value) {
+        slot = value;
+    }
+    template <typename T>
+    static shared<T> get(const shared<T>& slot) {
+        static const shared<T> empty = std::make_shared<const T>();
+        return slot ? slot : empty;
+    }
+
+    shared<API::signal_check_result_map> signal_;
+    shared<solder_mask_map> solder_mask_;
+    shared<silk_map> silk_;
+    shared<drill_map> drill_;
+    shared<API::mrc_check_result> mrc_;
+    shared<prepare_map> prepare_;
     bool ok_ = false;
 };
 

@@ -1,0 +1,99 @@
+#include "ViewerModes.h"
+
+#include <algorithm>
+
+#include "Korvo_UIAPI.h"
+#include "frame/PluginMessages.h"
+
+namespace wc {
+namespace {
+
+constexpr double kNanometresPerMil = 25400.0;
+const char* const kViewerFile = "Widget_ResultsViewer.cpp";
+const char* const kViewerNfpFile = "Widget_ResultsViewer_NFP.cpp";
+
+}  // namespace
+
+const std::vector<ViewerMode>& viewerModes() {
+    using namespace code;
+    using K = ViewerKind;
+    using V = ValueStyle;
+    // Modes whose all-hits code is not fixed elsewhere use the common "Show All" code.
+    static const std::vector<ViewerMode> modes = {
+        {K::None, 0, "", "", ShowOneHit, ShowAllHits, "", kViewerFile, V::Length},
+        {K::Drill, 1, "Drill Checks", "DrillRanges", ShowOneHit, ShowAllHits, "Drill_check_raise",
+         kViewerFile, V::Length},
+        {K::BoardDrill, 2, "Board-DrillChecks", "BoardDrillRanges", ShowOneHit, ShowAllHits,
+         "BoardDrill_check_raise", kViewerFile, V::Length},
+        {K::DrillTable, 3, "Drill Checks", "DrillRanges", DrillTableOneHit, DrillTableAllHits,
+         "Drill_check_raise", kViewerFile, V::Extents},
+        {K::SilkScreen, 4, " Silk Screen Checks ", "SilkScreenRanges", ShowOneHit, ShowAllHits,
+         "Silk_check_raise", kViewerFile, V::Length},
+        {K::SolderMask, 5, " Solder Mask Check ", "SolderMaskRanges", ShowOneHit, ShowAllHits,
+         "SolderMask_check_raise", kViewerFile, V::Length},
+        {K::SignalLayerChecks, 6, "Signal Layer Checks", "SignalLayerRanges", ShowOneHit,
+         ShowAllHits, "Signal_check_raise", kViewerFile, V::Length},
+        {K::SignalLayerDFM, 7, "Signal Layer Opt", "SignalLayerOptRanges", ShowOneHit, ShowAllHits,
+         "Signal_DFM_raise", kViewerFile, V::Length},
+        {K::SolderMaskOpt, 8, "Solder Mask Opt", "SolderMaskOptRanges", SolderMaskOptOneHit,
+         SolderMaskOptAllHits, "SolderMask_DFM_raise", kViewerFile, V::Length},
+        {K::PowerGroundCheck, 9, "Power Ground Checks", "PowerGroundRanges", PowerGroundOneHit,
+         PowerGroundAllHits, "PowerGround_raise", kViewerFile, V::Length},
+        {K::PowerGroundDFM, 10, " Power Ground Opt ", "PowerGroundOptRanges", ShowOneHit,
+         PowerGroundOptAllHits, "PowerGround_DFM_raise", kViewerFile, V::Length},
+        {K::Prepare, 11, " Prepare Checks ", "PrePareRanges", PrepareOneHit, PrepareAllHits,
+         "Prepare_check_raise", kViewerFile, V::Length},
+        {K::Mrc, 12, " MRC ", "", MrcOneHit, MrcAllHits, "Mrc_check_raise", kViewerFile,
+         V::Difference},
+        {K::SurfaceAnalyzer, 13, "Surface Analyzer", "SurfaceAnalyzerRanges", ShowOneHit,
+         ShowAllHits, "Surface_check_raise", kViewerFile, V::Length},
+        {K::PadSnapping, 14, "Pad Snapping", "PadSnappingRanges", PadSnappingOneHit,
+         PadSnappingAllHits, "PadSnapping_raise", kViewerFile, V::Length},
+        {K::Teardrops, 15, "Advanced Teardrops Creation", "TeardropsRanges", TeardropOneHit,
+         ShowAllHits, "TearDrop_DFM_raise", kViewerNfpFile, V::Length},
+        {K::NFPRemoval, 16, "NFP Removal", "NFPRemoval", NfpOrConductorOneHit, ShowAllHits,
+         "NFP_DFM_raise", kViewerNfpFile, V::Length},
+        {K::AvoidConductor, 17, "Avoid Conductor DFM", "NFPRemoval", NfpOrConductorOneHit,
+         ShowAllHits, "Avoid_Conductor_DFM_raise", kViewerNfpFile, V::Length},
+    };
+    return modes;
+}
+
+const ViewerMode& viewerMode(ViewerKind kind) {
+    const auto& modes = viewerModes();
+    auto found = std::find_if(modes.begin(), modes.end(),
+                              [kind](const ViewerMode& mode) { return mode.kind == kind; });
+    return found == modes.end() ? modes.front() : *found;
+}
+
+QString hitValueText(ValueStyle style, const Korvo::API::check_info& hit, const void* handle) {
+    const QString unit = QString::fromStdString(Korvo::UIAPI::getUnitStringType(handle, 1));
+    const auto length = [handle](double engine) {
+        return Korvo::UIAPI::getUnitJudgeString(handle, engine / kNanometresPerMil, 3);
+    };
+    const double value = Korvo::UIAPI::getMeasureValue(hit);
+    switch (style) {
+        case ValueStyle::Difference:
+            return QStringLiteral("Difference: ") + length(value) + QLatin1Char(' ') + unit;
+        case ValueStyle::Extents: {
+            const auto& points = hit.shape.points;
+            if (points.empty()) {
+                return length(value) + QStringLiteral(" x ") + length(value) +
+                       QStringLiteral("mil ");
+            }
+            auto [min_x, max_x] = std::minmax_element(points.begin(), points.end(),
+                                                      [](auto& a, auto& b) { return a.x < b.x; });
+            auto [min_y, max_y] = std::minmax_element(points.begin(), points.end(),
+                                                      [](auto& a, auto& b) { return a.y < b.y; });
+            // The unit text is fixed to "mil " in this form, whatever the display unit: kept on
+            // purpose, the drill table's readers expect it.
+            return length(max_x->x - min_x->x) + QStringLiteral(" x ") +
+                   length(max_y->y - min_y->y) + QStringLiteral("mil ");
+        }
+        case ValueStyle::Length:
+            break;
+    }
+    return length(value) + QLatin1Char(' ') + unit;
+}
+
+}  // namespace wc

@@ -1,0 +1,58 @@
+#pragma once
+// What differs between the results viewer's modes: one row per kind of result.
+
+#include <QString>
+#include <vector>
+
+#include "Korvo_Analysis_types.h"
+
+namespace wc {
+
+enum class ViewerKind {
+    None,
+    SignalLayerChecks,
+    SignalLayerDFM,
+    SolderMask,
+    SolderMaskOpt,
+    SilkScreen,
+    Drill,
+    DrillTable,  // the second drill result form, categories named by text
+    BoardDrill,
+    PowerGroundCheck,
+    PowerGroundDFM,
+    Prepare,
+    Mrc,
+    SurfaceAnalyzer,
+    PadSnapping,
+    Teardrops,
+    NFPRemoval,
+    AvoidConductor,
+};
+
+// How one hit's value is written in the current-result label and the drawing data.
+enum class ValueStyle {
+    Length,      // "3.500 mil"
+    Difference,  // "Difference: 3.500 mil"
+    Extents,     // the measurement box, "10.000 x 20.000mil "
+};
+
+struct ViewerMode {
+    ViewerKind kind;
+    int number;           // the mode number the viewer keeps
+    const char* caption;  // the name button's text, blanks included
+    const char* range_key;
+    int one_hit_code;
+    int all_hits_code;
+    const char* raise_signal;  // the signal that asks the owning dialog to come to the front
+    const char* source_file;   // file name in the exception log
+    ValueStyle value_style;
+};
+
+const std::vector<ViewerMode>& viewerModes();
+// The row of `kind`; the row of ViewerKind::None for a kind without one.
+const ViewerMode& viewerMode(ViewerKind kind);
+
+// The text of one hit's value. Lengths are engine values shown in the unit of `handle`.
+QString hitValueText(ValueStyle style, const Korvo::API::check_info& hit, const void* handle);
+
+}  // namespace wc

@@ -1,0 +1,273 @@
+#pragma once
+// The one window in which every analysis and optimisation result is browsed: layers, categories
+// with exact counts under the "Sv:" entry, stepping through the admitted hits, a sortable hit
+// table and a histogram. It draws nothing itself: each hit or set of hits shown goes to the
+// graphic view as a message carrying an analysis_drawing_data.
+//
+// Results are taken as wc::SharedResult: pass a std::shared_ptr to the (const) result and the
+// viewer keeps it alive while it shows it, or pass the map itself and it is lent: the calling
+// dialog keeps it alive and unchanged until it refreshes the viewer with a newer one. The viewer
+// never copies a result.
+
+#include <QStringList>
+#include <QWidget>
+#include <cstdint>
+#include <optional>
+#include <tuple>
+#include <vector>
+
+#include "HitNavigator.h"
+#include "Korvo_UIAPI.h"
+#include "ResultAdapters.h"
+#include "SharedResult.h"
+#include "ViewerModes.h"
+#include "analysis_drawing_data.h"
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QListWidget;
+class QListWidgetItem;
+class QPushButton;
+class QTableView;
+class Widget_ResultsHistogram;
+namespace Korvo::UIAPI {
+class ZeLineEdit;
+}
+namespace wc {
+class HitTableModel;
+}
+
+class Widget_ResultsViewer : public QWidget {
+    Q_OBJECT
+public:
+    using Check_Type = Korvo::UIAPI::Check_Type;
+
+    explicit Widget_ResultsViewer(QWidget* parent);
+    // The leading int is the opening dialog's own tag; the viewer keeps it (tag()) and does not
+    // interpret it.
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::SignalLayerResult> result,
+                         Check_Type type = Korvo::UIAPI::Check_Engine);
+    Widget_ResultsViewer(int tag, QWidget* parent,
+                         wc::SharedResult<wc::SignalLayerDFMResult> result);
+    // `job` is where "Selection" selects; `layers` are the layers that were checked.
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::SolderMaskResult> result,
+                         const QString& job, int kind, const QStringList& layers,
+                         Check_Type type = Korvo::UIAPI::Check_Engine);
+    Widget_ResultsViewer(int tag, QWidget* parent,
+                         wc::SharedResult<wc::SolderMaskOptResult> result);
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::SilkScreenResult> result,
+                         Check_Type type = Korvo::UIAPI::Check_Engine);
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::DrillResult> result,
+                         Check_Type type = Korvo::UIAPI::Check_Engine);
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::DrillTableResult> result,
+                         Check_Type type = Korvo::UIAPI::Check_Engine);
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::BoardDrillResult> result,
+                         Check_Type type = Korvo::UIAPI::Check_Engine);
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::PowerGroundResult> result,
+                         Check_Type type = Korvo::UIAPI::Check_Engine);
+    // `job` and `step` are where "Selection" selects.
+    Widget_ResultsViewer(int tag, QWidget* parent,
+                         wc::SharedResult<wc::PowerGroundDFMResult> result, const QString& job,
+                         const QString& step);
+    // `step` names the single entry under "Layers".
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::PrepareResult> result,
+                         const QString& step);
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::MrcResult> result);
+    Widget_ResultsViewer(int tag, QWidget* parent,
+                         wc::SharedResult<wc::SurfaceAnalyzerResult> result,
+                         Check_Type type = Korvo::UIAPI::Check_Engine);
+    Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::PadSnappingResult> result);
+    Widget_ResultsViewer(int tag, QWidget* parent, const std::vector<std::string>& layers,
+                         wc::SharedResult<wc::TeardropsResult> result);
+    Widget_ResultsViewer(int tag, QWidget* parent, const std::vector<std::string>& layers,
+                         wc::SharedResult<wc::NFPRemovalResult> result);
+    Widget_ResultsViewer(int tag, QWidget* parent, const std::vector<std::string>& layers,
+                         wc::SharedResult<wc::AvoidConductorResult> result);
+    ~Widget_ResultsViewer() override;
+
+    // Replace the shown result; each sets the mode, resets the position and rebuilds the lists.
+    void RefreshSignalLayerChecksData(wc::SharedResult<wc::SignalLayerResult> result);
+    void RefreshSignalLayerDFMData(wc::SharedResult<wc::SignalLayerDFMResult> result);
+    // False when the result holds no layer.
+    bool RefreshSolderMaskData(wc::SharedResult<wc::SolderMaskResult> result);
+    void RefreshSolderMaskOptData(wc::SharedResult<wc::SolderMaskOptResult> result);
+    void RefreshSilkScreenData(wc::SharedResult<wc::SilkScreenResult> result);
+    void RefreshDrillData(wc::SharedResult<wc::DrillResult> result);
+    void RefreshDrillData_g(wc::SharedResult<wc::DrillTableResult> result);
+    void RefreshBoardDrillData(wc::SharedResult<wc::BoardDrillResult> result);
+    void RefreshPowerGroundCheckData(wc::SharedResult<wc::PowerGroundResult> result);
+    void RefreshPowerGroundDFMData(wc::SharedResult<wc::PowerGroundDFMResult> result);
+    void RefreshPrepareCheck(wc::SharedResult<wc::PrepareResult> result);
+    void RefreshMrcCheck(wc::SharedResult<wc::MrcResult> result);
+    void RefreshSurfaceAnalyzerData(wc::SharedResult<wc::SurfaceAnalyzerResult> result);
+    void RefreshPadSnappingData(wc::SharedResult<wc::PadSnappingResult> result);
+    void RefreshTeardropsData(const std::vector<std::string>& layers,
+                              wc::SharedResult<wc::TeardropsResult> result);
+    void RefreshNFPRemovalData(const std::vector<std::string>& layers,
+                               wc::SharedResult<wc::NFPRemovalResult> result);
+    void RefreshAVoidConductorData(const std::vector<std::string>& layers,
+                                   wc::SharedResult<wc::AvoidConductorResult> result);
+
+    // The job and step in which "Selection" selects the shown hit's features.
+    void setJobAndStep(const QString& job, const QString& step);
+
+    int mode() const { return mode_->number; }
+    wc::ViewerKind kind() const { return mode_->kind; }
+    int tag() const { return tag_; }
+    Check_Type checkType() const { return check_type_; }
+    const wc::ResultsModel& model() const { return model_; }
+    // What the last message carried.
+    const Korvo::API::analysis_drawing_data& drawingData() const { return drawing_; }
+    // Admitted hits of the current category, and the position among them (from 1; 0 for none).
+    std::size_t currentCount() const { return navigator_.count(); }
+    std::size_t currentIndex() const { return navigator_.index(); }
+
+public slots:
+    void on_Name_clicked();
+    void on_m_pLayersList_itemClicked(QListWidgetItem* item);
+    void on_None_clicked();
+    void on_All_clicked();
+    void on_m_pCategoriesList_itemClicked(QListWidgetItem* item);
+    void on_Meas_changed(const QString& text);
+    void on_First_clicked();
+    void on_Left_clicked();
+    void on_Right_clicked();
+    void on_Last_clicked();
+    void on_Index_pressed();
+    void on_Level_changed(const QString& text);
+    void on_m_pShowAllCB_CheckState_Changed(int state);
+    void on_m_pSelectionCB_CheckState_Changed(int state);
+    void on_Auto_changed(const QString& text);
+    void on_Replace_changed(const QString& text);
+    void on_View_clicked();
+    void on_Filter_clicked();
+    void on_Close_clicked();
+    void on_ToCAD_clicked();
+    void change_unit();
+    void change_language();
+
+    // Filter protocol with the feature filter.
+    void get_begin_filter_result(Korvo::API::AnalysisFilterInfo* info);
+    void get_next_filter_result();
+    void get_prev_filter_result();
+    void reset_filter_result();
+    void on_filter_analysis_items(const std::vector<std::tuple<int, int>>& items);
+    void on_unfilter_analysis_items();
+
+signals:
+    void Signal_check_raise();
+    void Signal_DFM_raise();
+    void SolderMask_check_raise();
+    void SolderMask_DFM_raise();
+    void Silk_check_raise();
+    void Drill_check_raise();
+    void BoardDrill_check_raise();
+    void PowerGround_raise();
+    void PowerGround_DFM_raise();
+    void Prepare_check_raise();
+    void Mrc_check_raise();
+    void Surface_check_raise();
+    void PadSnapping_raise();
+    void TearDrop_DFM_raise();
+    void NFP_DFM_raise();
+    void Avoid_Conductor_DFM_raise();
+
+    void send_begin_filter(Korvo::API::AnalysisFilterInfo* info);
+    void send_next_filter();
+    void send_prev_filter();
+    void send_reset_filter();
+    // (item, hit position) pairs the viewer now steps through, and the end of that restriction.
+    void filter_analysis_items(const std::vector<std::tuple<int, int>>& items);
+    void unfilter_analysis_items();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void initResultsViewer(int mode);
+    void setTexts();
+    void showResult(wc::ViewerKind kind, wc::ResultsModel model);
+
+    // Lists, from the outside in: layers, categories, then the admitted hits of the category.
+    void refreshSingalLayerList();  // the layer list; the name is written so on purpose
+    void refreshCategories();
+    void refreshHits(bool announce);  // announce: tell the view the category was chosen
+    void refreshMeasureValueList();
+    void clearMeasureValueList();
+    void refreshAdmitted();
+
+    std::vector<int> chosenLayers() const;
+    wc::HitRef hitAt(std::size_t position) const;
+    void change_current_result_label();
+    void showCurrent();  // the category's hits after a change of layer, category or entry
+    void showAgain();    // the same hit or hits, after a change of zoom or layer policy
+    // The one-hit and all-hits operations of every mode; the row of the mode gives the codes.
+    void getSignalLayerCurrentItemData();
+    void getSignalLayerCurrentItemAllData();
+    void getSignalLayerFilterResult(const Korvo::API::AnalysisFilterInfo& info);
+    void fillDrawingFrame(int index);
+    void addShape(const wc::HitRef& hit);
+    void send(int code);
+    void selectFeatures(const wc::HitRef& hit);
+    void clearSelectedFeatures();
+    void getResultHistogramData();
+    double displayPerEngine() const;
+    QString layerListName(int layer) const;
+    std::string itemName(int item) const;
+    void applyLevelStyle();
+
+    template <typename Body>
+    bool guardedSlot(int line, Body&& body);
+
+    const void* handle_;
+    int tag_ = 0;
+    Check_Type check_type_ = Korvo::UIAPI::Check_Engine;
+    const wc::ViewerMode* mode_;
+    wc::ResultsModel model_;
+    wc::HitSequence hits_;
+    std::vector<std::uint32_t> admitted_;  // sequence positions that pass, when restricted
+    bool restricted_ = false;
+    std::vector<long long> measure_keys_;   // the "Meas:" entries after "All", ascending
+    bool measure_stale_ = true;             // the entries are built when the list opens
+    std::optional<long long> measure_key_;  // the "Meas:" value chosen, in 1/1000 display units
+    std::optional<std::vector<std::tuple<int, int>>> filter_items_;
+    int current_item_ = -1;
+    wc::HitNavigator navigator_;
+    Korvo::API::analysis_drawing_data drawing_;
+    Korvo::API::AnalysisFilterInfo filter_info_;
+    QString job_;
+    QString step_;
+    std::vector<std::string> selected_layers_;  // layers whose features "Selection" selected
+
+    QPushButton* m_pNamePB = nullptr;
+    QLabel* m_pLayersLabel = nullptr;
+    QPushButton* m_pNonePB = nullptr;
+    QPushButton* m_pAllPB = nullptr;
+    QListWidget* m_pLayersList = nullptr;
+    QLabel* m_pCategoriesLabel = nullptr;
+    QListWidget* m_pCategoriesList = nullptr;
+    QLabel* m_pMeasLabel = nullptr;
+    QComboBox* m_pMeasCB = nullptr;
+    QLabel* m_pLevelLabel = nullptr;
+    QComboBox* m_pLevelCB = nullptr;
+    QPushButton* m_pFirstPB = nullptr;
+    QPushButton* m_pLeftPB = nullptr;
+    QPushButton* m_pRightPB = nullptr;
+    QPushButton* m_pLastPB = nullptr;
+    QLabel* m_pIndexLabel = nullptr;
+    Korvo::UIAPI::ZeLineEdit* m_pIndexLE = nullptr;
+    QLabel* m_pCurrentResultLabel = nullptr;
+    QCheckBox* m_pShowAllCB = nullptr;
+    QCheckBox* m_pSelectionCB = nullptr;
+    QComboBox* m_pAutoCB = nullptr;
+    QComboBox* m_pReplaceCB = nullptr;
+    QTableView* m_pHitTable = nullptr;
+    wc::HitTableModel* hit_table_model_ = nullptr;
+    QPushButton* m_pViewPB = nullptr;
+    QPushButton* m_pFilterPB = nullptr;
+    QPushButton* m_pToCADPB = nullptr;
+    QPushButton* m_pClosePB = nullptr;
+    Widget_ResultsHistogram* histogram_ = nullptr;
+    bool syncing_table_ = false;
+};

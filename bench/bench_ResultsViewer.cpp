@@ -1,0 +1,306 @@
+// The results viewer against what peers do (a QListWidget with one item per hit), on a result of
+// 1,000,000 hits over 20 layers x 71 categories, one category of layer01 holding 100,000 hits.
+// Run with --benchmark_repetitions=5 and read the medians.
+
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QListWidget>
+#include <QTableView>
+#include <cstdlib>
+#include <memory>
+
+#include "Korvo_UIAPI.h"
+#include "analysis/Widget_ResultsViewer.h"
+
+using namespace Korvo::API;
+
+namespace {
+
+constexpr int kLayers = 20;
+constexpr int kCategories = 71;
+constexpr std::size_t kHits = 1000000;
+constexpr std::size_t kBigCategory = 100000;
+
+std::size_t heapInUse() {
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+std::vector<check_info> makeHits(std::size_t count, std::size_t seed) {
+    std::vector<check_info> hits(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t k = (seed + i) * 2654435761u;
+        check_info& hit = hits[i];
+        hit.value = 25400.0 * (1.0 + double(k % 500) / 100.0);  // 1 to 6 mil in 0.01 steps
+        const double x = double(k % 100000) * 1000.0;
+        const double y = double((k / 100000) % 100000) * 1000.0;
+        hit.shape.kind = check_points::line;
+        hit.shape.points = {{x, y}, {x + hit.value, y}};
+        hit.features = {{int32_t(k % 14), int32_t(k % 5000)}, {int32_t(k % 14), int32_t(k % 4999)}};
+    }
+    return hits;
+}
+
+// One record: 10 % red, 20 % yellow, 50 % green, 20 % other.
+signal_check_result makeRecord(signal_layers_checks_items item, std::size_t count,
+                               std::size_t seed) {
+    signal_check_result record;
+    record.item = item;
+    const std::size_t red = count / 10;
+    const std::size_t yellow = count / 5;
+    const std::size_t other = count / 5;
+    record.red = makeHits(red, seed);
+    record.yellow = makeHits(yellow, seed + red);
+    record.other = makeHits(other, seed + red + yellow);
+    record.green = makeHits(count - red - yellow - other, seed + red + yellow + other);
+    return record;
+}
+
+std::shared_ptr<const signal_check_result_map> makeResult() {
+    auto result = std::make_shared<signal_check_result_map>();
+    const std::size_t rest = (kHits - kBigCategory) / (kLayers * kCategories - 1);
+    std::size_t made = 0;
+    for (int layer = 0; layer < kLayers; ++layer) {
+        char name[16];
+        std::snprintf(name, sizeof name, "layer%02d", layer + 1);
+        for (int item = 0; item < kCategories; ++item) {
+            const bool big = layer == 0 && item == 0;
+            std::size_t count = big ? kBigCategory : rest;
+            if (layer == kLayers - 1 && item == kCategories - 1) {
+                count = kHits - made;  // the remainder, so the total is exact
+            }
+            const auto key = static_cast<signal_layers_checks_items>(item);
+            (*result)[name][key] = makeRecord(key, count, made);
+            made += count;
+        }
+    }
+    return result;
+}
+
+// Built once: its size is reported by BM_Memory.
+struct Fixture {
+    std::size_t result_bytes = 0;
+    std::shared_ptr<const signal_check_result_map> result;
+    QWidget host;
+
+    Fixture() {
+        const std::size_t before = heapInUse();
+        result = makeResult();
+        result_bytes = heapInUse() - before;
+    }
+};
+
+Fixture& fixture() {
+    static Fixture f;
+    return f;
+}
+
+// What peers do: one list item per hit, with its value as text.
+void fillList(QListWidget& list, const signal_check_result_map& result, int level) {
+    list.clear();
+    for (const auto& [layer, items] : result) {
+        for (const auto& [item, record] : items) {
+            const std::vector<check_info>* lists[] = {&record.red, &record.yellow, &record.green,
+                                                      &record.other};
+            for (int l = 0; l <= level; ++l) {
+                for (const check_info& hit : *lists[l]) {
+                    // Data set before the item joins the list: setting it afterwards makes
+                    // every insertion look the item up again.
+                    auto* row = new QListWidgetItem(QString::number(hit.value / 25400.0, 'f', 3));
+                    row->setData(Qt::UserRole,
+                                 QVariant::fromValue<qulonglong>(reinterpret_cast<quintptr>(&hit)));
+                    list.addItem(row);
+                }
+            }
+        }
+    }
+}
+
+// ---- the viewer -----------------------------------------------------------------------------
+
+void BM_Viewer_Refresh(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(&f.host);
+    for (auto _ : state) {
+        viewer.RefreshSignalLayerChecksData(f.result);
+    }
+    state.counters["hits"] = double(viewer.model().total());
+}
+
+void BM_Viewer_SeverityChange(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    auto* level = viewer.findChild<QComboBox*>("m_pLevelCB");
+    int entry = 0;
+    for (auto _ : state) {
+        level->setCurrentIndex(entry);
+        viewer.on_Level_changed(level->currentText());
+        entry = (entry + 1) % 4;
+    }
+}
+
+void BM_Viewer_Next(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    for (auto _ : state) {
+        if (viewer.currentIndex() == viewer.currentCount()) {
+            viewer.on_First_clicked();
+        } else {
+            viewer.on_Right_clicked();
+        }
+    }
+}
+
+// Show All over the 100,000 hits of layer01's first category (at "All").
+void BM_Viewer_ShowAll100k(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    auto* level = viewer.findChild<QComboBox*>("m_pLevelCB");
+    level->setCurrentIndex(wc::SevAll);
+    viewer.on_Level_changed(level->currentText());
+    viewer.findChild<QCheckBox*>("m_pShowAllCB")->setChecked(true);
+    for (auto _ : state) {
+        viewer.on_m_pShowAllCB_CheckState_Changed(Qt::Checked);
+        benchmark::DoNotOptimize(viewer.drawingData().shapes.data());
+    }
+    state.counters["shapes"] = double(viewer.drawingData().shapes.size());
+}
+
+void BM_Viewer_SortTable100k(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    auto* level = viewer.findChild<QComboBox*>("m_pLevelCB");
+    level->setCurrentIndex(wc::SevAll);
+    viewer.on_Level_changed(level->currentText());
+    auto* table = viewer.findChild<QTableView*>("m_pHitTable");
+    bool ascending = false;
+    for (auto _ : state) {
+        table->sortByColumn(1, ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+        ascending = !ascending;
+    }
+    state.counters["rows"] = double(table->model()->rowCount());
+}
+
+// ---- the baseline: a QListWidget with one item per hit --------------------------------------
+
+void BM_List_Refresh(benchmark::State& state) {
+    Fixture& f = fixture();
+    QListWidget list;
+    for (auto _ : state) {
+        fillList(list, *f.result, 3);
+    }
+    state.counters["hits"] = double(list.count());
+}
+
+void BM_List_SeverityChange(benchmark::State& state) {
+    Fixture& f = fixture();
+    QListWidget list;
+    int entry = 0;
+    for (auto _ : state) {
+        fillList(list, *f.result, entry);
+        entry = (entry + 1) % 4;
+    }
+}
+
+void BM_List_Next(benchmark::State& state) {
+    Fixture& f = fixture();
+    QListWidget list;
+    fillList(list, *f.result, 3);
+    int row = 0;
+    for (auto _ : state) {
+        row = (row + 1) % list.count();
+        list.setCurrentRow(row);
+        auto* hit = reinterpret_cast<const check_info*>(
+            list.item(row)->data(Qt::UserRole).value<qulonglong>());
+        benchmark::DoNotOptimize(hit->shape.points.data());
+    }
+}
+
+void BM_List_ShowAll100k(benchmark::State& state) {
+    Fixture& f = fixture();
+    QListWidget list;
+    list.setSelectionMode(QAbstractItemView::ExtendedSelection);
+    const auto& record = f.result->at("layer01").at(sli_pad_to_pad_spacing);
+    signal_check_result_map one;
+    one["layer01"][sli_pad_to_pad_spacing] = record;
+    fillList(list, one, 3);
+    std::vector<std::vector<point>> shapes;
+    for (auto _ : state) {
+        list.selectAll();
+        shapes.clear();
+        for (QListWidgetItem* item : list.selectedItems()) {
+            const auto* hit =
+                reinterpret_cast<const check_info*>(item->data(Qt::UserRole).value<qulonglong>());
+            shapes.push_back(hit->shape.points);
+        }
+        list.clearSelection();
+    }
+    state.counters["shapes"] = double(shapes.size());
+}
+
+void BM_List_Sort100k(benchmark::State& state) {
+    Fixture& f = fixture();
+    QListWidget list;
+    signal_check_result_map one;
+    one["layer01"][sli_pad_to_pad_spacing] = f.result->at("layer01").at(sli_pad_to_pad_spacing);
+    fillList(list, one, 3);
+    bool ascending = false;
+    for (auto _ : state) {
+        list.sortItems(ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+        ascending = !ascending;
+    }
+}
+
+// ---- memory ---------------------------------------------------------------------------------
+
+void BM_Memory(benchmark::State& state) {
+    Fixture& f = fixture();
+    std::size_t viewer_bytes = 0;
+    std::size_t list_bytes = 0;
+    for (auto _ : state) {
+        const std::size_t before = heapInUse();
+        auto viewer = std::make_unique<Widget_ResultsViewer>(0, &f.host, f.result);
+        viewer_bytes = heapInUse() - before;
+        viewer.reset();
+        const std::size_t list_before = heapInUse();
+        auto list = std::make_unique<QListWidget>();
+        fillList(*list, *f.result, 3);
+        list_bytes = heapInUse() - list_before;
+    }
+    state.counters["result_MB"] = double(f.result_bytes) / 1e6;
+    state.counters["viewer_MB"] = double(viewer_bytes) / 1e6;
+    state.counters["viewer_pct"] = 100.0 * double(viewer_bytes) / double(f.result_bytes);
+    state.counters["list_MB"] = double(list_bytes) / 1e6;
+}
+
+BENCHMARK(BM_Viewer_Refresh)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_List_Refresh)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_Viewer_SeverityChange)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_List_SeverityChange)->Unit(benchmark::kMillisecond)->Iterations(4);
+BENCHMARK(BM_Viewer_Next)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_List_Next)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Viewer_ShowAll100k)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_List_ShowAll100k)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Viewer_SortTable100k)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_List_Sort100k)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Memory)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (std::getenv("QT_QPA_PLATFORM") == nullptr) {
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    }
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
