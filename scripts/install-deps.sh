@@ -8,6 +8,7 @@ packages=(
     libgoogle-glog-dev libjsoncpp-dev
     libgtest-dev libbenchmark-dev
     clang-format ccache
+    gerbv libboost-dev
 )
 
 missing=()
