@@ -4,6 +4,7 @@
 
 #include <glog/logging.h>
 
+#include <QFileInfo>
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -11,6 +12,7 @@
 
 #include "EngineCallText.h"
 #include "EngineStore.h"
+#include "JobFromFolder.h"
 #include "Korvo_API.h"
 #include "SampleJob.h"
 #include "StepRepeatGeometry.h"
@@ -160,8 +162,11 @@ bool open_job(const std::string& job, const std::string& path) {
         return hook(job, path);
     }
     if (path != "" && path != ":sample") {
-        LOG(ERROR) << "the reference engine opens only its sample job (path \"\" or \":sample\"), "
-                   << "not " << path;
+        if (!job.empty() && QFileInfo(QString::fromStdString(path)).isDir()) {
+            return wcref::JobFromFolder::open(job, path);
+        }
+        LOG(ERROR) << "the reference engine opens its sample job (path \"\" or \":sample\") "
+                   << "or a folder of Gerber and drill files, not " << path;
         return false;
     }
     if (job.empty()) {

@@ -1,10 +1,10 @@
 // The long operations of the reference engine (analyses, DFM operations, exports) and its
 // in-memory result database.
 //
-// The analyses and DFM operations check their job, step and layers, report progress from 0 to
-// 100 over longOperationDuration(), stop early when asked, and return success with EMPTY
-// results: the reference engine does not compute design-rule checks or optimisations. The
-// exports write an honest text listing of the features.
+// The signal layer check computes real hits (SignalChecks.h). The DFM operations check their
+// job, step and layers, report progress from 0 to 100 over longOperationDuration(), stop early
+// when asked, and return success with EMPTY results: the reference engine does not compute
+// optimisations. The exports write an honest text listing of the features.
 
 #include <glog/logging.h>
 
@@ -19,6 +19,7 @@
 #include "EngineCallText.h"
 #include "EngineStore.h"
 #include "Korvo_API.h"
+#include "SignalChecks.h"
 
 namespace ct = wcref::calltext;
 using wcref::EngineHooks;
@@ -77,6 +78,49 @@ bool reportProgress(Korvo::COMMON::progress_state* progress) {
         std::this_thread::sleep_for(
             std::min<clock::duration>(end - now, std::chrono::milliseconds(20)));
     }
+}
+
+// Copies what the signal layer check reads, so that it runs without the store's lock: the
+// layer, the drill layers whose span covers it, the rout layers, the profile, the selections
+// and the screen box.
+bool checkInput(const std::string& job, const std::string& step, const std::string& layer,
+                wcref::SignalCheckInput& input) {
+    std::lock_guard<std::mutex> guard(store().mutex);
+    wcref::EngineJob* j = store().job(job);
+    wcref::EngineStep* s = store().step(job, step);
+    if (j == nullptr || s == nullptr || store().layer(job, step, layer) == nullptr) {
+        return false;
+    }
+    const auto rowOf = [j](const std::string& name) {
+        const Korvo::API::layer_info* info = j->layer(name);
+        return info != nullptr ? info->row : 0;
+    };
+    const auto copy = [s](const Korvo::API::layer_info& info) {
+        wcref::CheckLayer out;
+        out.row = info.row;
+        const wcref::EngineLayerData& data = s->layers[info.name];
+        out.features = data.features;
+        out.selected = data.selected;
+        return out;
+    };
+    const int row = rowOf(layer);
+    for (const Korvo::API::layer_info& info : j->matrix) {
+        if (info.name == layer) {
+            input.copper = copy(info);
+        } else if (info.type == "drill") {
+            const int first = info.drill_start.empty() ? 0 : rowOf(info.drill_start);
+            const int last = info.drill_end.empty() ? 1 << 30 : rowOf(info.drill_end);
+            if (row >= std::min(first, last) && row <= std::max(first, last)) {
+                input.drills.push_back(copy(info));
+            }
+        } else if (info.type == "rout") {
+            input.routs.push_back(copy(info));
+        }
+    }
+    input.profile = s->profile;
+    input.has_screen_box = store().has_screen_box;
+    input.screen_box = store().screen_box;
+    return true;
 }
 
 const char* featureKind(Korvo::API::feature_type type) {
@@ -185,8 +229,8 @@ namespace API {
 
 // ---- analyses -------------------------------------------------------------------------------
 
-// Returns success with EMPTY results: the reference engine does not compute signal layer
-// checks. False for an unknown job, step or layer.
+// Computes the check on the layer's geometry (SignalChecks.h). A stopped run succeeds with the
+// hits found so far. False for an unknown job, step or layer.
 bool signal_layers_checks(const std::string& job, const std::string& step, const std::string& layer,
                           signal_check_params params, std::vector<signal_layers_checks_list> tests,
                           std::map<signal_layers_checks_items, signal_check_range> ranges,
@@ -204,11 +248,11 @@ bool signal_layers_checks(const std::string& job, const std::string& step, const
         return hook(job, step, layer, std::move(params), std::move(tests), std::move(ranges),
                     result, progress, scope);
     }
-    if (!layersExist(job, step, {layer})) {
+    wcref::SignalCheckInput input;
+    if (!checkInput(job, step, layer, input)) {
         return false;
     }
-    result.clear();
-    reportProgress(progress);
+    wcref::SignalChecks::run(input, params, tests, ranges, result, progress, scope);
     return true;
 }
 

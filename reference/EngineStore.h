@@ -52,6 +52,8 @@ public:
     std::map<int, StoredSignalCheck> signal_checks;
     int next_check_id = 1;
     std::chrono::milliseconds long_operation_duration{kDefaultLongOperationMs};
+    bool has_screen_box = false;
+    Korvo::API::reply_box screen_box;
 
     static constexpr int kDefaultLongOperationMs = 10;
 };

@@ -87,6 +87,14 @@ void resetEngine() {
     store.signal_checks.clear();
     store.next_check_id = 1;
     store.long_operation_duration = std::chrono::milliseconds(EngineStore::kDefaultLongOperationMs);
+    store.has_screen_box = false;
+}
+
+void setScreenBox(const Korvo::API::reply_box& box) {
+    EngineStore& store = EngineStore::instance();
+    std::lock_guard<std::mutex> guard(store.mutex);
+    store.has_screen_box = true;
+    store.screen_box = box;
 }
 
 bool openSampleJob(const std::string& job) {

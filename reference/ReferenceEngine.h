@@ -2,10 +2,12 @@
 // Control of the reference engine behind Korvo::API, for tests, benchmarks and the demo.
 //
 // The reference engine keeps jobs in memory. `open_job(job, path)` with path "" or ":sample"
-// opens the bundled sample job (steps "pcb" and "panel") under any job name; other paths are
-// refused. It answers every operation on that data honestly; the analyses and DFM operations
-// report progress and return success with empty results (see EngineApi.cpp), because the
-// reference engine does not compute geometry checks.
+// opens the bundled sample job (steps "pcb" and "panel") under any job name; a path naming a
+// folder of Gerber and Excellon files opens a job built from them (JobFromFolder.h); other
+// paths are refused. file_identify and file_translate read fabrication files through libgerbv
+// (GerberImport.h). The signal layer check computes real hits (SignalChecks.h); the other
+// analyses and the DFM operations report progress and return success with empty results (see
+// EngineLongOperations.cpp).
 //
 // Every engine operation can be replaced for one test through engineHooks(): when the member of
 // that name is set, the operation records its call and returns the hook's answer instead of its
@@ -155,6 +157,12 @@ struct EngineHooks {
                        const string&, progress<void>)>
         layer_export;
     std::function<bool(const string&, const string&, const string&, progress<void>)> Export_step;
+    std::function<bool(const string&, string&, Korvo::API::file_Parameters&, string&)>
+        file_identify;
+    std::function<bool(const string&, const string&, const string&, const string&,
+                       const Korvo::API::file_Parameters&, std::time_t&, std::time_t&,
+                       std::map<int, int>&)>
+        file_translate;
 };
 
 // Drops every job, hook, recorded call and stored analysis result, and restores the default
@@ -182,6 +190,10 @@ EngineHooks& engineHooks();
 // from 0 to 100; a few milliseconds by default.
 void setLongOperationDuration(std::chrono::milliseconds duration);
 std::chrono::milliseconds longOperationDuration();
+
+// The area the graphic view shows, used by runs with scope 1 ("on screen only"); until it is
+// set, such runs check the whole step.
+void setScreenBox(const Korvo::API::reply_box& box);
 
 // Chooses the layers get_graphics reports for `job`; unknown layer names are refused.
 bool setDisplayedLayers(const std::string& job, const std::vector<std::string>& layers);

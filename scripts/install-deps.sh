@@ -8,6 +8,7 @@ packages=(
     libgoogle-glog-dev libjsoncpp-dev libboost-dev
     libgtest-dev libbenchmark-dev
     clang clang-format ccache
+    gerbv
 )
 
 missing=()

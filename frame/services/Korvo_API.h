@@ -3,6 +3,7 @@
 // boundary as an exception. Long operations take the progress block as their last argument (a
 // null pointer is allowed) and poll its stop flag.
 
+#include <ctime>
 #include <map>
 #include <string>
 #include <vector>
@@ -127,6 +128,19 @@ bool teardrop_create_DFM_op(const std::string& job, const std::string& step,
 bool NFP_removal_DFM_op(const std::string& job, const std::string& step,
                         const std::vector<std::string>& layers, NFP_removal_DFM_op_params params,
                         NFP_removal_result_map& results, COMMON::progress_value<void>* progress);
+
+// ---- input ----------------------------------------------------------------------------------
+// Tells the format of a fabrication file: `format` is "gerber274x" or "excellon" and
+// `parameters` what the file declares; false with a reason in `message` otherwise.
+bool file_identify(const std::string& path, std::string& format, file_Parameters& parameters,
+                   std::string& message);
+// Loads one identified file as `layer` of the job's step (the layer joins the matrix as a
+// "document" layer when it is new; its features in that step are replaced). `started` and
+// `finished` bracket the work; `tool_counts` maps each aperture or tool number to the count of
+// features made with it.
+bool file_translate(const std::string& job, const std::string& step, const std::string& layer,
+                    const std::string& path, const file_Parameters& parameters,
+                    std::time_t& started, std::time_t& finished, std::map<int, int>& tool_counts);
 
 // ---- output ---------------------------------------------------------------------------------
 enum export_type : int { export_gerber = 0, export_drill = 1, export_dxf = 2 };

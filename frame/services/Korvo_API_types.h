@@ -73,6 +73,8 @@ struct featureInfo {
     point center;
     bool clockwise = true;
     std::vector<point> contour;
+    // Inner outlines of a surface (each inside `contour`); empty for other features.
+    std::vector<std::vector<point>> holes;
     double angle = 0.0;
     bool mirror = false;
     std::string text;
@@ -91,6 +93,16 @@ struct step_repeat_op {
     int32_t angle = 0;
     bool mirror = false;
     std::set<int> selection;  // instance positions i + j * nx that are selected
+};
+
+// What file_identify found in an input file and file_translate reads it with.
+struct file_Parameters {
+    std::string format;      // "gerber274x" or "excellon"
+    std::string units;       // "inch" or "mm", as the file declares them
+    int integer_digits = 0;  // coordinate format; 0 when the file does not say
+    int decimal_digits = 0;
+    std::string zeros;        // "leading" or "trailing" (omitted zeros), "none"
+    std::string coordinates;  // "absolute" or "incremental"
 };
 
 struct step_header_info {

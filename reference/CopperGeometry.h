@@ -1,0 +1,91 @@
+#pragma once
+// The copper a feature covers, as the reference engine measures it.
+//
+// Round things stay exact: a round pad is a disc, a line or a slot drawn with a round or oval
+// symbol is a capsule (a segment widened by a radius, round ends), so distances between them
+// are exact. Everything else becomes Boost.Geometry polygons: square and rectangular pads,
+// lines drawn with square or rectangular symbols (the hull of the symbol at both ends),
+// surfaces with their holes, and pads whose outline is kept (macro and polygon apertures).
+// Arcs are flattened into capsules along chords, widened by the chords' sagitta so that they
+// cover the true arc: an arc's edge lies at most kMaxChordError outside the true edge, never
+// inside it, so nothing that touches an arc loses contact and no violation is missed.
+//
+// Symbol names in the engine's spelling, sizes in mil: "r<d>" round, "s<w>" square,
+// "rect<w>x<h>" rectangle, "oval<w>x<h>" obround. A pad with an unknown symbol name and no
+// outline covers nothing and is skipped by the checks.
+
+#include <boost/geometry.hpp>
+#include <boost/geometry/geometries/box.hpp>
+#include <boost/geometry/geometries/point_xy.hpp>
+#include <boost/geometry/geometries/polygon.hpp>
+#include <string>
+#include <vector>
+
+#include "Korvo_API_types.h"
+
+namespace wcref {
+
+namespace bg = boost::geometry;
+using GeoPoint = bg::model::d2::point_xy<double>;
+using GeoPolygon = bg::model::polygon<GeoPoint>;  // clockwise, closed
+using GeoBox = bg::model::box<GeoPoint>;
+
+// Largest distance between a chord and the arc it replaces, in nanometres (0.02 mil). With the
+// widening, a distance measured to an arc is short by at most three times this (0.06 mil).
+constexpr double kMaxChordError = 500.0;
+
+// Nanometres per mil.
+constexpr double kNmPerMil = 25400.0;
+
+struct SymbolSize {
+    enum Kind { none, round, square, rectangle, oval };
+    Kind kind = none;
+    double width = 0.0;  // nanometres
+    double height = 0.0;
+};
+
+// A segment widened by `radius` with round ends; a disc when a == b.
+struct Capsule {
+    Korvo::API::point a;
+    Korvo::API::point b;
+    double radius = 0.0;
+};
+
+struct CopperShape {
+    std::vector<Capsule> capsules;
+    std::vector<GeoPolygon> polygons;
+    GeoBox box{GeoPoint(0, 0), GeoPoint(0, 0)};
+    bool empty() const { return capsules.empty() && polygons.empty(); }
+};
+
+class CopperGeometry {
+public:
+    // The size a symbol name stands for; kind none when it is not a standard symbol.
+    static SymbolSize parseSymbol(const std::string& name);
+    // The engine's name for a standard symbol of this size (sizes in nanometres).
+    static std::string symbolName(SymbolSize::Kind kind, double width, double height);
+    // Mil with at most six decimals (a fortieth of a nanometre), trailing zeros dropped:
+    // 13 -> "13", 1 mm -> "39.370079".
+    static std::string milText(double nanometres);
+
+    // Points from `start` to `end` along the arc about `centre` (a full circle when they
+    // coincide), each chord within kMaxChordError of the arc of radius `radius_extra` larger.
+    static std::vector<Korvo::API::point> arcPoints(const Korvo::API::point& start,
+                                                    const Korvo::API::point& end,
+                                                    const Korvo::API::point& centre, bool clockwise,
+                                                    double radius_extra = 0.0);
+
+    static CopperShape copperOf(const Korvo::API::featureInfo& feature);
+
+    // Shortest distance between two shapes and the two points that realise it; 0 when they
+    // touch or overlap (the points then lie on the contact).
+    static double distance(const CopperShape& a, const CopperShape& b, Korvo::API::point& on_a,
+                           Korvo::API::point& on_b);
+
+    // Closest points of segments p1-q1 and p2-q2; returns their distance.
+    static double segmentDistance(const Korvo::API::point& p1, const Korvo::API::point& q1,
+                                  const Korvo::API::point& p2, const Korvo::API::point& q2,
+                                  Korvo::API::point& c1, Korvo::API::point& c2);
+};
+
+}  // namespace wcref

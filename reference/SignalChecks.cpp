@@ -1,0 +1,492 @@
+#include "SignalChecks.h"
+
+#include <glog/logging.h>
+
+#include <algorithm>
+#include <boost/geometry/index/rtree.hpp>
+#include <chrono>
+#include <cmath>
+#include <numeric>
+
+#include "CopperGeometry.h"
+#include "StepRepeatGeometry.h"
+
+namespace wcref {
+
+namespace bgi = boost::geometry::index;
+using namespace Korvo::API;
+
+namespace {
+
+// Features closer than this touch: engine lengths are whole nanometres.
+constexpr double kTouch = 0.5;
+
+enum Kind { kPad, kLine, kArc, kSurface };
+
+struct Piece {
+    size_t feature = 0;  // index into the layer's features
+    Kind kind = kPad;
+    bool smd = false;
+    bool in_scope = true;
+    CopperShape shape;
+};
+
+using Entry = std::pair<GeoBox, unsigned>;
+using Tree = bgi::rtree<Entry, bgi::quadratic<16>>;
+
+GeoBox grown(const GeoBox& box, double by) {
+    return GeoBox(GeoPoint(box.min_corner().x() - by, box.min_corner().y() - by),
+                  GeoPoint(box.max_corner().x() + by, box.max_corner().y() + by));
+}
+
+class UnionFind {
+public:
+    explicit UnionFind(size_t n) : parent_(n) { std::iota(parent_.begin(), parent_.end(), 0); }
+    size_t find(size_t x) {
+        while (parent_[x] != x) {
+            parent_[x] = parent_[parent_[x]];
+            x = parent_[x];
+        }
+        return x;
+    }
+    void join(size_t a, size_t b) { parent_[find(a)] = find(b); }
+
+private:
+    std::vector<size_t> parent_;
+};
+
+// Reports progress and polls the stop flag at most every 20 ms of work.
+class Poller {
+public:
+    explicit Poller(Korvo::COMMON::progress_state* progress) : progress_(progress) {}
+    // `done` in 0..100; true when the caller asked to stop.
+    bool stop(double done) {
+        if (progress_ == nullptr || (++calls_ & 31) != 0) {
+            return stopped_;
+        }
+        const auto now = std::chrono::steady_clock::now();
+        if (now - last_ >= std::chrono::milliseconds(20)) {
+            last_ = now;
+            progress_->set_value(std::min(99.0, done));
+            stopped_ = progress_->is_stop_requested();
+        }
+        return stopped_;
+    }
+    bool stopped() const { return stopped_; }
+    bool startStopped() {
+        stopped_ = progress_ != nullptr && progress_->is_stop_requested();
+        return stopped_;
+    }
+
+private:
+    Korvo::COMMON::progress_state* progress_;
+    unsigned calls_ = 0;
+    bool stopped_ = false;
+    std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
+};
+
+check_info distanceHit(double value, const point& a, const point& b,
+                       std::vector<feature_ref> features) {
+    check_info hit;
+    hit.value = value;
+    hit.shape.kind = check_points::line;
+    hit.shape.points = {a, b};
+    hit.features = std::move(features);
+    return hit;
+}
+
+check_info boxHit(double value, const GeoBox& box, std::vector<feature_ref> features) {
+    check_info hit;
+    hit.value = value;
+    hit.shape.kind = check_points::box;
+    hit.shape.points = {{box.min_corner().x(), box.min_corner().y()},
+                        {box.max_corner().x(), box.max_corner().y()}};
+    hit.features = std::move(features);
+    return hit;
+}
+
+signal_layers_checks_items spacingItem(const Piece& a, const Piece& b, bool smd_items) {
+    if (smd_items && (a.smd || b.smd)) {
+        const Piece& other = a.smd ? b : a;
+        if (other.kind == kPad) {
+            return other.smd ? sli_smd_to_smd_spacing : sli_smd_to_pad_spacing;
+        }
+        return sli_smd_to_line_spacing;
+    }
+    Kind x = std::min(a.kind, b.kind);
+    Kind y = std::max(a.kind, b.kind);
+    static const signal_layers_checks_items table[4][4] = {
+        {sli_pad_to_pad_spacing, sli_pad_to_line_spacing, sli_pad_to_arc_spacing,
+         sli_pad_to_surface_spacing},
+        {sli_pad_to_line_spacing, sli_line_to_line_spacing, sli_line_to_arc_spacing,
+         sli_line_to_surface_spacing},
+        {sli_pad_to_arc_spacing, sli_line_to_arc_spacing, sli_arc_to_arc_spacing,
+         sli_line_to_surface_spacing},
+        {sli_pad_to_surface_spacing, sli_line_to_surface_spacing, sli_line_to_surface_spacing,
+         sli_surface_to_surface_spacing},
+    };
+    return table[x][y];
+}
+
+bool insideArea(const GeoBox& box, const SignalCheckInput& input, int scope) {
+    const point centre{(box.min_corner().x() + box.max_corner().x()) / 2,
+                       (box.min_corner().y() + box.max_corner().y()) / 2};
+    if (scope == 1) {
+        return !input.has_screen_box || boxContains(input.screen_box, centre);
+    }
+    if (scope == 2) {
+        return input.profile.size() < 3 || pointInPolygon(centre, input.profile);
+    }
+    return true;
+}
+
+// The copper a rout feature cuts: surfaces by their edge.
+CopperShape routShape(const featureInfo& f) {
+    if (f.type != feature_surface) {
+        return CopperGeometry::copperOf(f);
+    }
+    CopperShape shape;
+    const auto ring = [&shape](const std::vector<point>& r) {
+        for (size_t k = 0; k < r.size(); ++k) {
+            shape.capsules.push_back({r[k], r[(k + 1) % r.size()], 0.0});
+        }
+    };
+    ring(f.contour);
+    for (const auto& hole : f.holes) {
+        ring(hole);
+    }
+    CopperShape solid = CopperGeometry::copperOf(f);
+    shape.box = solid.box;
+    return shape;
+}
+
+// How deep a line's end reaches into a pad: the end's depth inside the pad plus half the width
+// (negative when it stops short). `edge` receives the pad edge point nearest the end.
+double padOverlap(const point& end, double half_width, const CopperShape& pad, point& edge) {
+    if (!pad.capsules.empty()) {
+        const Capsule& c = pad.capsules.front();
+        point on_axis;
+        point same;
+        const double d = CopperGeometry::segmentDistance(c.a, c.b, end, end, on_axis, same);
+        if (d > 0) {
+            edge = {on_axis.x + (end.x - on_axis.x) / d * c.radius,
+                    on_axis.y + (end.y - on_axis.y) / d * c.radius};
+        } else {
+            edge = {on_axis.x + c.radius, on_axis.y};
+        }
+        return c.radius - d + half_width;
+    }
+    if (pad.polygons.empty()) {
+        return -1;
+    }
+    const GeoPolygon& polygon = pad.polygons.front();
+    double best = std::numeric_limits<double>::infinity();
+    const auto& ring = polygon.outer();
+    for (size_t k = 0; k + 1 < ring.size(); ++k) {
+        point on_edge;
+        point same;
+        const double d = CopperGeometry::segmentDistance({ring[k].x(), ring[k].y()},
+                                                         {ring[k + 1].x(), ring[k + 1].y()}, end,
+                                                         end, on_edge, same);
+        if (d < best) {
+            best = d;
+            edge = on_edge;
+        }
+    }
+    const bool inside = bg::covered_by(GeoPoint(end.x, end.y), polygon);
+    return (inside ? best : -best) + half_width;
+}
+
+}  // namespace
+
+void SignalChecks::grade(signal_layers_checks_items item, check_info hit,
+                         const SignalRanges& ranges, SignalResult& result) {
+    signal_check_result& record = result[item];
+    record.item = item;
+    const auto range = ranges.find(item);
+    if (range == ranges.end()) {
+        record.other.push_back(std::move(hit));
+        return;
+    }
+    const signal_check_range& r = range->second;
+    if (r.red == 0 && r.yellow == 0 && r.green == 0) {
+        record.red.push_back(std::move(hit));
+    } else if (hit.value < r.red) {
+        record.red.push_back(std::move(hit));
+    } else if (hit.value < r.yellow) {
+        record.yellow.push_back(std::move(hit));
+    } else if (hit.value < r.green) {
+        record.green.push_back(std::move(hit));
+    } else {
+        record.other.push_back(std::move(hit));
+    }
+}
+
+bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params& params,
+                       const std::vector<signal_layers_checks_list>& tests,
+                       const SignalRanges& ranges, SignalResult& result,
+                       Korvo::COMMON::progress_state* progress, int scope) {
+    result.clear();
+    const std::set<signal_layers_checks_list> on(tests.begin(), tests.end());
+    const bool spacing = on.count(sl_spacing) != 0 && params.spacing > 0;
+    const bool smd = on.count(sl_smd) != 0 && params.spacing > 0;
+    const bool sliver = on.count(sl_sliver) != 0 && params.sliver_min > 0;
+    Poller poll(progress);
+    if (poll.startStopped()) {
+        return false;
+    }
+
+    // Copper pieces and their index.
+    const std::vector<featureInfo>& features = input.copper.features;
+    std::vector<Piece> pieces;
+    pieces.reserve(features.size());
+    for (size_t k = 0; k < features.size(); ++k) {
+        if (poll.stop(10.0 * k / features.size())) {
+            return false;
+        }
+        const featureInfo& f = features[k];
+        if (!f.positive || f.type == feature_text) {
+            continue;
+        }
+        Piece piece;
+        piece.feature = k;
+        piece.kind = f.type == feature_pad    ? kPad
+                     : f.type == feature_line ? kLine
+                     : f.type == feature_arc  ? kArc
+                                              : kSurface;
+        piece.smd = f.type == feature_pad && f.attributes.count(".smd") != 0;
+        piece.shape = CopperGeometry::copperOf(f);
+        if (piece.shape.empty()) {
+            continue;
+        }
+        piece.in_scope = scope == 3 ? input.copper.selected.count(f.id) != 0
+                                    : insideArea(piece.shape.box, input, scope);
+        pieces.push_back(std::move(piece));
+    }
+    std::vector<Entry> entries;
+    entries.reserve(pieces.size());
+    for (unsigned k = 0; k < pieces.size(); ++k) {
+        entries.emplace_back(pieces[k].shape.box, k);
+    }
+    const Tree tree(entries.begin(), entries.end());
+    const auto ref = [&](const Piece& p) {
+        return feature_ref{input.copper.row, features[p.feature].id};
+    };
+
+    // Islands, and the close pairs the gap tests need once the islands are known.
+    struct Near {
+        unsigned a;
+        unsigned b;
+        double d;
+        point pa;
+        point pb;
+    };
+    const double reach =
+        std::max({spacing || smd ? params.spacing : 0.0, sliver ? params.sliver_min : 0.0, kTouch});
+    UnionFind islands(pieces.size());
+    std::vector<Near> near;
+    std::vector<Entry> found;
+    for (unsigned i = 0; i < pieces.size(); ++i) {
+        if (poll.stop(10.0 + 30.0 * i / pieces.size())) {
+            return false;
+        }
+        found.clear();
+        tree.query(bgi::intersects(grown(pieces[i].shape.box, reach)), std::back_inserter(found));
+        for (const Entry& e : found) {
+            const unsigned j = e.second;
+            if (j <= i) {
+                continue;
+            }
+            point pa;
+            point pb;
+            const double d = CopperGeometry::distance(pieces[i].shape, pieces[j].shape, pa, pb);
+            if (d <= kTouch) {
+                islands.join(i, j);
+            } else if (d < reach) {
+                near.push_back({i, j, d, pa, pb});
+            }
+        }
+    }
+
+    for (size_t k = 0; k < near.size(); ++k) {
+        if (poll.stop(40.0 + 10.0 * k / near.size())) {
+            return false;
+        }
+        const Near& n = near[k];
+        const Piece& a = pieces[n.a];
+        const Piece& b = pieces[n.b];
+        if (!a.in_scope && !b.in_scope) {
+            continue;
+        }
+        const bool same = islands.find(n.a) == islands.find(n.b);
+        if (same) {
+            if (sliver && n.d < params.sliver_min) {
+                grade(sli_copper_sliver, distanceHit(n.d, n.pa, n.pb, {ref(a), ref(b)}), ranges,
+                      result);
+            }
+            continue;
+        }
+        if (n.d >= params.spacing) {
+            continue;
+        }
+        const bool smd_pair = a.smd || b.smd;
+        if ((smd && smd_pair) || (spacing && !(smd && smd_pair))) {
+            grade(spacingItem(a, b, smd), distanceHit(n.d, n.pa, n.pb, {ref(a), ref(b)}), ranges,
+                  result);
+        }
+    }
+
+    // Sizes.
+    if (on.count(sl_size) != 0) {
+        for (size_t k = 0; k < pieces.size(); ++k) {
+            if (poll.stop(50.0 + 10.0 * k / pieces.size())) {
+                return false;
+            }
+            const Piece& p = pieces[k];
+            const featureInfo& f = features[p.feature];
+            const SymbolSize size = CopperGeometry::parseSymbol(f.symbol);
+            if (!p.in_scope || size.kind == SymbolSize::none || p.kind == kSurface) {
+                continue;
+            }
+            signal_layers_checks_items item = sli_pad_size;
+            double value = std::min(size.width, size.height);
+            if (p.kind == kLine || p.kind == kArc) {
+                item = p.kind == kLine ? sli_line_width : sli_arc_width;
+                value = size.width;
+            } else if (p.smd) {
+                item = sli_smd_width;
+            }
+            const auto range = ranges.find(item);
+            if (range != ranges.end() && value < range->second.green) {
+                grade(item, boxHit(value, p.shape.box, {ref(p)}), ranges, result);
+            }
+        }
+    }
+
+    // Drills and routs against the copper.
+    const auto against = [&](const CheckLayer& layer, double limit, bool drill, double from,
+                             double to) {
+        for (size_t k = 0; k < layer.features.size(); ++k) {
+            if (poll.stop(from + (to - from) * k / std::max<size_t>(1, layer.features.size()))) {
+                return false;
+            }
+            const featureInfo& f = layer.features[k];
+            const CopperShape shape = drill ? CopperGeometry::copperOf(f) : routShape(f);
+            if (shape.empty()) {
+                continue;
+            }
+            const bool hole_in_scope =
+                scope == 3 ? layer.selected.count(f.id) != 0 : insideArea(shape.box, input, scope);
+            found.clear();
+            tree.query(bgi::intersects(grown(shape.box, std::max(limit, kTouch))),
+                       std::back_inserter(found));
+            std::set<size_t> touched;
+            std::vector<Near> close;
+            bool padded = false;
+            for (const Entry& e : found) {
+                point pa;
+                point pb;
+                const double d = CopperGeometry::distance(shape, pieces[e.second].shape, pa, pb);
+                if (d <= kTouch) {
+                    touched.insert(islands.find(e.second));
+                    if (pieces[e.second].kind == kPad || pieces[e.second].kind == kSurface) {
+                        CopperShape centre;
+                        centre.capsules.push_back({f.start, f.start, 0.0});
+                        padded = padded || CopperGeometry::distance(centre, pieces[e.second].shape,
+                                                                    pa, pb) <= kTouch;
+                    }
+                } else if (d < limit) {
+                    close.push_back({e.second, 0, d, pa, pb});
+                }
+            }
+            const std::string kind =
+                f.attributes.count(".drill") ? f.attributes.at(".drill") : std::string();
+            for (const Near& n : close) {
+                const Piece& p = pieces[n.a];
+                if ((drill && touched.count(islands.find(n.a)) != 0) ||
+                    (!hole_in_scope && !p.in_scope)) {
+                    continue;
+                }
+                signal_layers_checks_items item;
+                if (drill) {
+                    item = kind == "via"          ? sli_via_to_copper
+                           : kind == "non_plated" ? sli_npth_to_copper
+                                                  : sli_pth_to_copper;
+                } else {
+                    item = p.kind == kPad       ? (p.smd ? sli_rout_to_smd : sli_rout_to_pad)
+                           : p.kind == kSurface ? sli_rout_to_surface
+                                                : sli_rout_to_line;
+                }
+                grade(item, distanceHit(n.d, n.pa, n.pb, {feature_ref{layer.row, f.id}, ref(p)}),
+                      ranges, result);
+            }
+            if (drill && params.check_missing_pads_for_drills && kind != "non_plated" &&
+                f.type == feature_pad && !padded && hole_in_scope) {
+                const SymbolSize size = CopperGeometry::parseSymbol(f.symbol);
+                grade(kind == "via" ? sli_missing_pad_for_via : sli_missing_pad_for_pth,
+                      boxHit(size.width, shape.box, {feature_ref{layer.row, f.id}}), ranges,
+                      result);
+            }
+        }
+        return true;
+    };
+    if (on.count(sl_drill) != 0) {
+        for (size_t k = 0; k < input.drills.size(); ++k) {
+            const double from = 60.0 + 15.0 * k / input.drills.size();
+            if (!against(input.drills[k], params.drill_to_copper, true, from,
+                         from + 15.0 / input.drills.size())) {
+                return false;
+            }
+        }
+    }
+    if (on.count(sl_rout) != 0 && params.rout_to_copper > 0) {
+        for (size_t k = 0; k < input.routs.size(); ++k) {
+            const double from = 75.0 + 10.0 * k / input.routs.size();
+            if (!against(input.routs[k], params.rout_to_copper, false, from,
+                         from + 10.0 / input.routs.size())) {
+                return false;
+            }
+        }
+    }
+
+    // Pad connections: each end of a round line or arc that lands on a pad of its island.
+    if (on.count(sl_pad_connection) != 0 && params.min_pad_overlap > 0) {
+        for (size_t k = 0; k < pieces.size(); ++k) {
+            if (poll.stop(85.0 + 15.0 * k / pieces.size())) {
+                return false;
+            }
+            const Piece& line = pieces[k];
+            const featureInfo& f = features[line.feature];
+            if ((line.kind != kLine && line.kind != kArc) || line.shape.capsules.empty()) {
+                continue;
+            }
+            const double half = line.shape.capsules.front().radius;
+            for (const point& end : {f.start, f.end}) {
+                found.clear();
+                tree.query(bgi::intersects(GeoBox(GeoPoint(end.x - half, end.y - half),
+                                                  GeoPoint(end.x + half, end.y + half))),
+                           std::back_inserter(found));
+                for (const Entry& e : found) {
+                    const Piece& pad = pieces[e.second];
+                    if (pad.kind != kPad || (!line.in_scope && !pad.in_scope) ||
+                        islands.find(e.second) != islands.find(k)) {
+                        continue;
+                    }
+                    point edge;
+                    const double overlap = padOverlap(end, half, pad.shape, edge);
+                    if (overlap > kTouch && overlap < params.min_pad_overlap) {
+                        grade(sli_pad_connection_overlap,
+                              distanceHit(overlap, end, edge, {ref(line), ref(pad)}), ranges,
+                              result);
+                    }
+                }
+            }
+        }
+    }
+    if (progress != nullptr) {
+        progress->set_value(100.0);
+    }
+    return true;
+}
+
+}  // namespace wcref

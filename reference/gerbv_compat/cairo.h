@@ -1,0 +1,4 @@
+#pragma once
+extern "C" {
+typedef struct _cairo cairo_t;
+}

@@ -1,0 +1,275 @@
+// Import of Gerber and Excellon files through libgerbv, and jobs built from a folder of them,
+// on the example boards of the gerbv package and on small files written here.
+
+#include <QtTest>
+
+#include "DataRows.h"
+#include "JobFromFolder.h"
+#include "Korvo_API.h"
+#include "ReferenceEngine.h"
+
+using namespace Korvo::API;
+
+namespace {
+
+const QString kExamples = "/usr/share/doc/gerbv/examples/";
+constexpr double kMil = 25400.0;
+
+// Files of the examples that are not layers: pictures, documents, aperture tables, the
+// design tool's own files, pick-and-place lists, and an RS-274D file whose apertures live in
+// a separate wheel file.
+const QStringList kNotLayers = {"pdf", "png", "jpg", "ps",  "txt",    "gap",
+                                "apt", "pcb", "csv", "xy",  "ldp",    "rep",
+                                "rul", "apr", "drl", "drr", "l1.off", "README"};
+
+bool isLayerFile(const QFileInfo& file) {
+    const QString suffix = file.suffix().toLower();
+    if (file.fileName().startsWith("README") || file.fileName() == "l1.off") {
+        return false;
+    }
+    // The protel board's .TXT is its drill file; the other .txt are notes.
+    if (file.fileName() == "SE_SG_IF_V2.TXT") {
+        return true;
+    }
+    return !kNotLayers.contains(suffix);
+}
+
+std::vector<featureInfo> translate(const QString& path, bool* ok = nullptr) {
+    std::string format;
+    file_Parameters parameters;
+    std::string message;
+    std::time_t started = 0;
+    std::time_t finished = 0;
+    std::map<int, int> counts;
+    const bool identified = file_identify(path.toStdString(), format, parameters, message);
+    const bool done = identified && file_translate("import", "pcb", "layer", path.toStdString(),
+                                                   parameters, started, finished, counts);
+    if (ok != nullptr) {
+        *ok = done;
+    }
+    std::vector<featureInfo> features;
+    get_all_feature_info("import", "pcb", "layer", features, FT_All);
+    return features;
+}
+
+int countSymbol(const std::vector<featureInfo>& features, const std::string& symbol) {
+    return static_cast<int>(
+        std::count_if(features.begin(), features.end(),
+                      [&](const featureInfo& f) { return f.symbol == symbol; }));
+}
+
+}  // namespace
+
+class tst_GerberImport : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob("import"));
+    }
+
+    void everyExampleLoads() {
+        QDirIterator it(kExamples, QDir::Files, QDirIterator::Subdirectories);
+        int loaded = 0;
+        while (it.hasNext()) {
+            const QFileInfo file(it.next());
+            if (!isLayerFile(file)) {
+                continue;
+            }
+            bool ok = false;
+            const std::vector<featureInfo> features = translate(file.filePath(), &ok);
+            QVERIFY2(ok, qPrintable(file.filePath()));
+            // One drill file of the examples is empty on purpose.
+            QVERIFY2(!features.empty() || file.fileName().contains("unplated-drill"),
+                     qPrintable(file.filePath()));
+            ++loaded;
+        }
+        QVERIFY(loaded >= 60);
+    }
+
+    void knownFiles_data() {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<QString>("units");
+        QTest::addColumn<int>("features");
+        QTest::addColumn<QString>("symbol");
+        QTest::addColumn<int>("with_symbol");
+        // Counts are the file's flashes and draws; per symbol, the uses of its aperture.
+        wctest::row("protel top copper", "protel-pnp/SE_SG_IF_V2.GTL", "gerber274x", "inch", 9722,
+                    "r80", 11);
+        wctest::row("protel drills", "protel-pnp/SE_SG_IF_V2.TXT", "excellon", "inch", 427, "r12",
+                    106);
+        // T02 (1 mm) plunges twice; its routed moves in G00/G01 mode are not read by libgerbv.
+        wctest::row("metric drills", "amacro-ref/jj1.drl", "excellon", "mm", 3, "r39.370079", 2);
+        wctest::row("square apertures", "dan/top.gbx", "gerber274x", "inch", 457, "s40", 52);
+        wctest::row("step and repeat 2 x 3", "dan/top_sr.gbx", "gerber274x", "inch", 6 * 457, "r8",
+                    6 * 182);
+    }
+    void knownFiles() {
+        QFETCH(QString, file);
+        QFETCH(QString, format);
+        QFETCH(QString, units);
+        QFETCH(int, features);
+        QFETCH(QString, symbol);
+        QFETCH(int, with_symbol);
+        std::string found;
+        file_Parameters parameters;
+        std::string message;
+        QVERIFY(file_identify((kExamples + file).toStdString(), found, parameters, message));
+        QCOMPARE(QString::fromStdString(found), format);
+        QCOMPARE(QString::fromStdString(parameters.units), units);
+        const std::vector<featureInfo> loaded = translate(kExamples + file);
+        QCOMPARE(int(loaded.size()), features);
+        QCOMPARE(countSymbol(loaded, symbol.toStdString()), with_symbol);
+    }
+
+    void macroPadsKeepTheirOutline() {
+        const std::vector<featureInfo> loaded = translate(kExamples + "am-test/am-test.gbx");
+        int macros = 0;
+        for (const featureInfo& f : loaded) {
+            if (f.type == feature_pad && f.symbol.rfind("macro_", 0) == 0) {
+                ++macros;
+                QVERIFY2(f.contour.size() >= 3, f.symbol.c_str());
+            }
+        }
+        QCOMPARE(macros, 9);
+        QVERIFY(countSymbol(loaded, "macro_outline_d15") == 1);
+    }
+
+    // The same square region with a hole and a clear-polarity pad, in inch and in mm, lands on
+    // the same nanometres.
+    void regionsHolesPolarityUnits_data() {
+        QTest::addColumn<QString>("text");
+        wctest::row("inch",
+                    "%FSLAX24Y24*%%MOIN*%%ADD10C,0.0100*%G36*X0Y0D02*X10000Y0D01*"
+                    "X10000Y10000D01*X0Y10000D01*X0Y0D01*X2500Y2500D02*X7500Y2500D01*"
+                    "X7500Y7500D01*X2500Y7500D01*X2500Y2500D01*G37*%LPC*%D10*"
+                    "X5000Y5000D03*M02*");
+        wctest::row("mm",
+                    "%FSLAX34Y34*%%MOMM*%%ADD10C,0.2540*%G36*X0Y0D02*X254000Y0D01*"
+                    "X254000Y254000D01*X0Y254000D01*X0Y0D01*X63500Y63500D02*"
+                    "X190500Y63500D01*X190500Y190500D01*X63500Y190500D01*"
+                    "X63500Y63500D01*G37*%LPC*%D10*X127000Y127000D03*M02*");
+    }
+    void regionsHolesPolarityUnits() {
+        QFETCH(QString, text);
+        QTemporaryDir dir;
+        const QString path = dir.filePath("board.gbr");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text.replace("*", "*\n").toLatin1());
+        file.close();
+        const std::vector<featureInfo> loaded = translate(path);
+        QCOMPARE(int(loaded.size()), 2);
+        const featureInfo& surface = loaded[0];
+        QCOMPARE(surface.type, feature_surface);
+        QCOMPARE(int(surface.contour.size()), 4);
+        QCOMPARE(int(surface.holes.size()), 1);
+        QCOMPARE(surface.holes[0][0].x, 250 * kMil);
+        QCOMPARE(surface.contour[2].x, 1000 * kMil);
+        const featureInfo& pad = loaded[1];
+        QVERIFY(!pad.positive);
+        QCOMPARE(pad.symbol, std::string("r10"));
+        QCOMPARE(pad.start.x, 500 * kMil);
+    }
+
+    void badFilesAreRefused_data() {
+        QTest::addColumn<QByteArray>("content");
+        wctest::row("empty", QByteArray());
+        wctest::row("text", QByteArray("hello\nthis is not a board\n"));
+        wctest::row("binary", QByteArray(2000, '\x9c'));
+        wctest::row("garbage coordinates",
+                    QByteArray("%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.010*%\nD10*\nX0Y0D02*\n"
+                               "X1000Y1000D01*\nX2000Y!!!garbage*\nM02*\n"));
+        wctest::row("truncated", QByteArray("%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.010*%\nD10*\n"
+                                            "X0Y0D02*\nX1000Y1000D01*\n"));
+        wctest::row("undefined aperture",
+                    QByteArray("%FSLAX24Y24*%\n%MOIN*%\n%ADD10C,0.010*%\nD99*\nX0Y0D03*\nM02*\n"));
+    }
+    void badFilesAreRefused() {
+        QFETCH(QByteArray, content);
+        QTemporaryDir dir;
+        const QString path = dir.filePath("bad.gbr");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+        std::vector<featureInfo> before;
+        QVERIFY(get_all_feature_info("import", "pcb", "top", before, FT_All));
+        std::string format;
+        file_Parameters parameters;
+        std::string message;
+        std::time_t t0 = 0;
+        std::time_t t1 = 0;
+        std::map<int, int> counts;
+        // Translation refuses the file even when identification is skipped.
+        QVERIFY(!file_translate("import", "pcb", "top", path.toStdString(), parameters, t0, t1,
+                                counts));
+        QVERIFY(!file_identify(path.toStdString(), format, parameters, message));
+        QVERIFY(!message.empty());
+        std::vector<featureInfo> after;
+        QVERIFY(get_all_feature_info("import", "pcb", "top", after, FT_All));
+        QCOMPARE(after.size(), before.size());
+    }
+
+    void layerGuesses_data() {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<bool>("drill");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("side");
+        wctest::row("protel top", "B.GTL", false, "signal", "top");
+        wctest::row("protel bottom", "B.GBL", false, "signal", "bottom");
+        wctest::row("protel inner", "B.G2", false, "signal", "inner");
+        wctest::row("plane", "bpB.GP1", false, "power_ground", "inner");
+        wctest::row("kicad front", "board-F_Cu.gbr", false, "signal", "top");
+        wctest::row("kicad inner", "board-In1_Cu.gbr", false, "signal", "inner");
+        wctest::row("top mask", "B.GTS", false, "solder_mask", "top");
+        wctest::row("bottom silk", "B.GBO", false, "silk_screen", "bottom");
+        wctest::row("outline", "board-Edge_Cuts.gbr", false, "rout", "none");
+        wctest::row("excellon under any name", "B.TXT", true, "drill", "none");
+        wctest::row("unknown", "B.GD1", false, "document", "none");
+    }
+    void layerGuesses() {
+        QFETCH(QString, file);
+        QFETCH(bool, drill);
+        QFETCH(QString, type);
+        QFETCH(QString, side);
+        const layer_info row = wcref::JobFromFolder::guessLayer(file.toStdString(), drill);
+        QCOMPARE(QString::fromStdString(row.type), type);
+        QCOMPARE(QString::fromStdString(row.side), side);
+        QCOMPARE(QString::fromStdString(row.context), type == "document" ? "misc" : "board");
+    }
+
+    void jobFromFolder() {
+        QVERIFY(open_job("protel", (kExamples + "protel-pnp").toStdString()));
+        std::vector<std::string> steps;
+        std::vector<layer_info> layers;
+        QCOMPARE(get_matrix("protel", steps, layers), std::string("OK"));
+        QStringList order;
+        for (const layer_info& l : layers) {
+            order << QString::fromStdString(l.type + ":" + l.side);
+        }
+        QCOMPARE(order.join(' '),
+                 QString("silk_screen:top solder_mask:top signal:top signal:bottom "
+                         "solder_mask:bottom silk_screen:bottom drill:none rout:none "
+                         "document:none document:none document:none"));
+        const layer_info& drill = layers[6];
+        QCOMPARE(drill.drill_start, std::string("se_sg_if_v2.gtl"));
+        QCOMPARE(drill.drill_end, std::string("se_sg_if_v2.gbl"));
+        reply_box box;
+        QVERIFY(profile_box("protel", "pcb", box));
+        QVERIFY(box.xmax - box.xmin > 3000 * kMil && box.ymax - box.ymin > 3000 * kMil);
+        // Outer pads without a hole are SMD pads; drilled ones are not.
+        std::vector<featureInfo> top;
+        QVERIFY(get_all_feature_info("protel", "pcb", "se_sg_if_v2.gtl", top, FT_Pad));
+        const auto smd = std::count_if(top.begin(), top.end(), [](const featureInfo& f) {
+            return f.attributes.count(".smd") != 0;
+        });
+        QVERIFY(smd > 100 && smd < int(top.size()));
+        QVERIFY(!open_job("nothing", QDir::tempPath().toStdString() + "/no-such-folder"));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_GerberImport)
+#include "tst_GerberImport.moc"
