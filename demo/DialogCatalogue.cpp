@@ -3,6 +3,7 @@
 #include <QObject>
 
 #include "Korvo_UIAPI.h"
+#include "analysis/Widget_SignalLayerChecks.h"
 #include "edit/Widget_Contourize.h"
 #include "edit/contourize_params.h"
 
@@ -46,10 +47,34 @@ DialogEntry contourize() {
     return entry;
 }
 
+DialogEntry signalLayerChecks() {
+    DialogEntry entry;
+    entry.menu = QStringLiteral("Signal Layer Checks...");
+    entry.group = QStringLiteral("Analysis");
+    entry.create = [](const DemoContext& context) -> QWidget* {
+        auto* dialog = new Widget_SignalLayerChecks(context.job, context.step, context.host,
+                                                    Korvo::UIAPI::Check_Engine);
+        // The reference result database is always at hand.
+        dialog->on_db_connected(true);
+        return dialog;
+    };
+    entry.changeUnit = [](QWidget* w) {
+        static_cast<Widget_SignalLayerChecks*>(w)->change_units();
+    };
+    entry.changeLanguage = [](QWidget* w) {
+        static_cast<Widget_SignalLayerChecks*>(w)->change_language();
+    };
+    // "Run globally" on the sample job; the status line tells what came back.
+    entry.apply = [](QWidget* w) {
+        static_cast<Widget_SignalLayerChecks*>(w)->on_RunGlobally_clicked();
+    };
+    return entry;
+}
+
 }  // namespace
 
 const std::vector<DialogEntry>& dialogCatalogue() {
-    static const std::vector<DialogEntry> entries = {contourize()};
+    static const std::vector<DialogEntry> entries = {contourize(), signalLayerChecks()};
     return entries;
 }
 
