@@ -8,6 +8,7 @@ packages=(
     libgoogle-glog-dev libjsoncpp-dev
     libgtest-dev libbenchmark-dev
     clang-format ccache
+    postgresql libqt5sql5-sqlite libqt5sql5-psql
 )
 
 missing=()
