@@ -79,6 +79,8 @@ public slots:
     void change_viewbtn_stylesheet(int);
     void change_language();
     void change_units();
+    // The name the host uses for the other dialogs.
+    void change_unit() { change_units(); }
 
 signals:
     void Signal_check_raise();

@@ -41,7 +41,7 @@ CheckResultBrowser::CheckResultBrowser(QWidget* parent) : QWidget(parent, Qt::Wi
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(table_);
     layout->addLayout(buttons);
-    resize(640, 320);
+    resize(760, 320);
 
     connect(load_, &QPushButton::clicked, this, &CheckResultBrowser::loadChosen);
     connect(load_result_, &QPushButton::clicked, this, &CheckResultBrowser::loadChosenResult);
@@ -68,6 +68,7 @@ void CheckResultBrowser::refresh() {
         }
         ++row;
     }
+    table_->resizeColumnsToContents();
     if (row > 0 && table_->currentRow() < 0) {
         table_->selectRow(row - 1);
     }
