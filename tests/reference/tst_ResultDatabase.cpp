@@ -1,5 +1,8 @@
+#include <QPushButton>
+#include <QTableWidget>
 #include <QtTest>
 
+#include "CheckResultBrowser.h"
 #include "Common.h"
 #include "Korvo_API.h"
 #include "ReferenceEngine.h"
@@ -7,6 +10,20 @@
 #include "TemporaryWorkingDirectory.h"
 
 using namespace Korvo::API;
+
+// What the result browser sent.
+class BrowserRecorder : public QObject {
+    Q_OBJECT
+public slots:
+    void id(QString& text) { ids.append(text); }
+    void key(QString& text) { keys.append(text); }
+    void row(int index) { rows.append(index); }
+
+public:
+    QStringList ids;
+    QStringList keys;
+    QList<int> rows;
+};
 
 // The result database through Qt SQL. By default an SQLite file below a temporary database path;
 // with WIDGET_COMMON_PG_HOST (and _PORT, _USER, _DB) set, the same cases run against that
@@ -113,6 +130,32 @@ private slots:
         QCOMPARE(master.at(first.id).at(4), std::string("layers top;bottom"));
     }
 
+    void browserHandsBackTheChosenCheck() {
+        dms_signal_check_params params;
+        params.job = "sample_job";
+        const int first = insertSignalLayerAnalysisResult(params, {}).id;
+        const int second = insertSignalLayerAnalysisResult(params, {}).id;
+        QWidget owner;
+        QWidget* browser = Quorin::DBS_API::createCheckResultBrowser(&owner);
+        QCOMPARE(browser->parentWidget(), &owner);
+        // The signals carry non-const references, which QSignalSpy cannot record.
+        QObject::connect(browser, SIGNAL(send_check_id_text(QString&)), &recorder_,
+                         SLOT(id(QString&)));
+        QObject::connect(browser, SIGNAL(send_tq_check_id_text(QString&)), &recorder_,
+                         SLOT(key(QString&)));
+        QObject::connect(browser, SIGNAL(send_load_index(int)), &recorder_, SLOT(row(int)));
+        browser->show();  // lists the stored checks, the newest chosen
+        auto* table = browser->findChild<QTableWidget*>("tableWidget_Checks");
+        QCOMPARE(table->rowCount(), 2);
+        browser->findChild<QPushButton*>("pushButton_Load")->click();
+        QCOMPARE(recorder_.ids, QStringList{QString::number(second)});
+        table->selectRow(0);
+        browser->findChild<QPushButton*>("pushButton_LoadResult")->click();
+        QCOMPARE(recorder_.keys, QStringList{"tq" + QString::number(first)});
+        emit table->cellDoubleClicked(1, 0);
+        QCOMPARE(recorder_.rows, QList<int>{1});
+    }
+
     void unreachableServerIsAnAnswer() {
         wcref::ResultDatabaseSettings nowhere;
         nowhere.driver = "QPSQL";
@@ -129,6 +172,7 @@ private slots:
 private:
     std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
     wcref::ResultDatabaseSettings chosen_;
+    BrowserRecorder recorder_;
 };
 
 QTEST_MAIN(tst_ResultDatabase)

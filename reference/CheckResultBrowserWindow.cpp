@@ -1,4 +1,4 @@
-#include "CheckResultBrowser.h"
+#include "CheckResultBrowserWindow.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -6,11 +6,12 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "CheckResultBrowser.h"
 #include "Korvo_API.h"
 
 namespace wcref {
 
-CheckResultBrowser::CheckResultBrowser(QWidget* parent) : QWidget(parent, Qt::Window) {
+CheckResultBrowserWindow::CheckResultBrowserWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
     setObjectName(QStringLiteral("checkResultBrowser"));
     setWindowTitle(tr("Stored checks"));
     table_ = new QTableWidget(0, 6, this);
@@ -43,20 +44,20 @@ CheckResultBrowser::CheckResultBrowser(QWidget* parent) : QWidget(parent, Qt::Wi
     layout->addLayout(buttons);
     resize(760, 320);
 
-    connect(load_, &QPushButton::clicked, this, &CheckResultBrowser::loadChosen);
-    connect(load_result_, &QPushButton::clicked, this, &CheckResultBrowser::loadChosenResult);
-    connect(refresh, &QPushButton::clicked, this, &CheckResultBrowser::refresh);
+    connect(load_, &QPushButton::clicked, this, &CheckResultBrowserWindow::loadChosen);
+    connect(load_result_, &QPushButton::clicked, this, &CheckResultBrowserWindow::loadChosenResult);
+    connect(refresh, &QPushButton::clicked, this, &CheckResultBrowserWindow::refresh);
     connect(close, &QPushButton::clicked, this, &QWidget::close);
     connect(table_, &QTableWidget::cellDoubleClicked, this,
             [this](int row, int) { emit send_load_index(row); });
 }
 
-void CheckResultBrowser::showEvent(QShowEvent* event) {
+void CheckResultBrowserWindow::showEvent(QShowEvent* event) {
     refresh();
     QWidget::showEvent(event);
 }
 
-void CheckResultBrowser::refresh() {
+void CheckResultBrowserWindow::refresh() {
     const auto master = Korvo::API::getCheckResultMaster();
     table_->setRowCount(static_cast<int>(master.size()));
     int row = 0;
@@ -74,12 +75,12 @@ void CheckResultBrowser::refresh() {
     }
 }
 
-int CheckResultBrowser::chosenRow() const {
+int CheckResultBrowserWindow::chosenRow() const {
     const int row = table_->currentRow();
     return row >= 0 && table_->item(row, 0) != nullptr ? row : -1;
 }
 
-void CheckResultBrowser::loadChosen() {
+void CheckResultBrowserWindow::loadChosen() {
     const int row = chosenRow();
     if (row < 0) {
         return;
@@ -88,7 +89,7 @@ void CheckResultBrowser::loadChosen() {
     emit send_check_id_text(id);
 }
 
-void CheckResultBrowser::loadChosenResult() {
+void CheckResultBrowserWindow::loadChosenResult() {
     const int row = chosenRow();
     if (row < 0) {
         return;
@@ -103,7 +104,7 @@ namespace Quorin {
 namespace DBS_API {
 
 QWidget* createCheckResultBrowser(QWidget* parent) {
-    return new wcref::CheckResultBrowser(parent);
+    return new wcref::CheckResultBrowserWindow(parent);
 }
 
 }  // namespace DBS_API

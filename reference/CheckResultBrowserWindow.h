@@ -10,10 +10,10 @@ class QPushButton;
 
 namespace wcref {
 
-class CheckResultBrowser : public QWidget {
+class CheckResultBrowserWindow : public QWidget {
     Q_OBJECT
 public:
-    explicit CheckResultBrowser(QWidget* parent);
+    explicit CheckResultBrowserWindow(QWidget* parent);
 
     QTableWidget* table() const { return table_; }
 
