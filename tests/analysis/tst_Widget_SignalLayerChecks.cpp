@@ -173,6 +173,26 @@ private slots:
         QCOMPARE(p.threshold_enabled, std::vector<bool>(17, true));
     }
 
+    void recordShownBack() {
+        signal_check_params p;
+        p.spacing = 254000;       // 10 mil
+        p.sliver_min = 100000;    // 3.93700787... mil, six significant digits
+        p.apply_to = "anything";  // not "All": "Selected"
+        p.use_compensated_rout = true;
+        p.check_missing_pads_for_drills = false;
+        wc::SignalCheckForm form = formWithTests({sl_spacing, sl_drill});
+        form.compensated_rout = 2;
+        wc::showSignalCheckParams(p, {sl_smd, signal_layers_checks_list(10), sl_pad_connection},
+                                  form);
+        QCOMPARE(form.distances[wc::DistSpacing], "10");
+        QCOMPARE(form.distances[wc::DistSliverMin], "3.93701");
+        QCOMPARE(form.apply_to, 1);
+        QCOMPARE(form.compensated_rout, 0);
+        QCOMPARE(form.missing_pads, 1);
+        QCOMPARE(wc::checkedSignalTests(form),
+                 (std::vector<signal_layers_checks_list>{sl_smd, sl_pad_connection}));
+    }
+
     void summary_data() {
         QTest::addColumn<int>("red");
         QTest::addColumn<int>("yellow");
