@@ -8,8 +8,10 @@
 #include "StepRepeatDemo.h"
 #include "analysis/Widget_Ranges.h"
 #include "analysis/Widget_ResultsViewer.h"
+#include "analysis/Widget_SignalLayerChecks.h"
 #include "edit/Widget_Contourize.h"
 #include "edit/contourize_params.h"
+#include "frame/RangeMap.h"
 
 namespace demo {
 namespace {
@@ -51,8 +53,8 @@ DialogEntry contourize() {
     return entry;
 }
 
-// The reference engine computes no checks, so the viewer is shown a small result generated over
-// the pads and lines of the sample job's copper layers: every hit refers to a real feature.
+// What the viewer shows when the host opens it on its own: the reference engine's signal layer
+// check of every signal layer of the shown step, at the dialog's default distances.
 std::shared_ptr<const Korvo::API::signal_check_result_map> sampleSignalResult(
     const DemoContext& context) {
     using namespace Korvo::API;
@@ -60,30 +62,22 @@ std::shared_ptr<const Korvo::API::signal_check_result_map> sampleSignalResult(
     std::vector<std::string> steps;
     std::vector<layer_info> layers;
     get_matrix(context.job.toStdString(), steps, layers);
-    const signal_layers_checks_items items[] = {sli_pad_to_pad_spacing, sli_line_width,
-                                                sli_smd_to_smd_spacing, sli_pad_size};
+    const auto ranges = wc::buildRangeMap<signal_layers_checks_items, signal_check_range>(
+        "SignalLayerRanges", wc::toCheckRange);
+    signal_check_params params;
+    params.spacing = 8 * 25400.0;
+    params.drill_to_copper = 8 * 25400.0;
+    params.rout_to_copper = 8 * 25400.0;
+    params.sliver_min = 4 * 25400.0;
+    params.min_pad_overlap = 2 * 25400.0;
+    params.apply_to = "All";
+    const std::vector<signal_layers_checks_list> tests = {
+        sl_spacing, sl_drill, sl_rout, sl_size, sl_sliver, sl_smd, sl_pad_connection};
     for (const layer_info& layer : layers) {
-        if (layer.type != "signal") {
-            continue;
-        }
-        std::vector<featureInfo> features;
-        get_all_feature_info(context.job.toStdString(), context.step.toStdString(), layer.name,
-                             features, FT_Pad | FT_Line);
-        for (std::size_t i = 0; i < features.size(); ++i) {
-            const featureInfo& f = features[i];
-            check_info hit;
-            hit.value = 25400.0 * (2.0 + double((i * 37) % 50) / 10.0);  // 2 to 7 mil
-            hit.shape.kind = check_points::box;
-            hit.shape.points = {{f.start.x - 10 * 25400.0, f.start.y - 10 * 25400.0},
-                                {f.start.x + 10 * 25400.0, f.start.y + 10 * 25400.0}};
-            hit.features = {{layer.row, f.id}};
-            signal_check_result& record = (*result)[layer.name][items[i % 4]];
-            record.item = items[i % 4];
-            auto& list = i % 7 == 0   ? record.red
-                         : i % 3 == 0 ? record.yellow
-                         : i % 5 == 0 ? record.other
-                                      : record.green;
-            list.push_back(hit);
+        if (layer.type == "signal" && layer.context == "board") {
+            params.layers = layer.name;
+            signal_layers_checks(context.job.toStdString(), context.step.toStdString(), layer.name,
+                                 params, tests, ranges, (*result)[layer.name], nullptr, 0);
         }
     }
     return result;
@@ -119,11 +113,36 @@ DialogEntry ranges() {
     return entry;
 }
 
+DialogEntry signalLayerChecks() {
+    DialogEntry entry;
+    entry.menu = QStringLiteral("Signal Layer Checks...");
+    entry.group = QStringLiteral("Analysis");
+    entry.create = [](const DemoContext& context) -> QWidget* {
+        auto* dialog = new Widget_SignalLayerChecks(context.job, context.step, context.host,
+                                                    Korvo::UIAPI::Check_Engine);
+        // The reference result database is always at hand.
+        dialog->on_db_connected(true);
+        return dialog;
+    };
+    entry.changeUnit = [](QWidget* w) {
+        static_cast<Widget_SignalLayerChecks*>(w)->change_units();
+    };
+    entry.changeLanguage = [](QWidget* w) {
+        static_cast<Widget_SignalLayerChecks*>(w)->change_language();
+    };
+    // "Run globally" on the sample job; the status line tells what came back.
+    entry.apply = [](QWidget* w) {
+        static_cast<Widget_SignalLayerChecks*>(w)->on_RunGlobally_clicked();
+    };
+    return entry;
+}
+
 }  // namespace
 
 const std::vector<DialogEntry>& dialogCatalogue() {
-    static const std::vector<DialogEntry> entries = {
-        contourize(), resultsViewer(), ranges(), featureFilter(), stepRepeatEditor()};
+    static const std::vector<DialogEntry> entries = {contourize(),    signalLayerChecks(),
+                                                     resultsViewer(), ranges(),
+                                                     featureFilter(), stepRepeatEditor()};
     return entries;
 }
 

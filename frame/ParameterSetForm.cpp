@@ -62,6 +62,23 @@ QString rangesShapeProblem(const QJsonObject& object) {
     return QString();
 }
 
+void applyRangesList(const QString& key, const QJsonObject& object) {
+    std::vector<Korvo::UIAPI::Ranges_Level_Change> changes;
+    for (const QJsonValue& value : object.value(kRangesList).toArray()) {
+        const QJsonObject entry = value.toObject();
+        const std::string range = entry.value(QStringLiteral("name")).toString().toStdString();
+        for (const char* level : kLevels) {
+            const QJsonValue level_value = entry.value(QLatin1String(level));
+            if (level_value.isDouble()) {
+                changes.push_back({range, level, level_value.toDouble()});
+            }
+        }
+    }
+    if (!changes.empty()) {
+        Korvo::UIAPI::changeRangesValues(key.toStdString(), changes);
+    }
+}
+
 bool saveParameterSet(QWidget* dialog, const QString& key, const QString& name,
                       const QList<QObject*>& widgets) {
     const QString problem = ParameterSetStore::nameProblem(name);
@@ -107,17 +124,7 @@ bool loadParameterSet(QWidget* dialog, const QString& key, const QString& name,
         return false;
     }
     Korvo::UIAPI::writeJsonToList(object, widgets);
-    const std::string range_key = key.toStdString();
-    for (const QJsonValue& value : object.value(kRangesList).toArray()) {
-        const QJsonObject entry = value.toObject();
-        const std::string range = entry.value(QStringLiteral("name")).toString().toStdString();
-        for (const char* level : kLevels) {
-            const QJsonValue level_value = entry.value(QLatin1String(level));
-            if (level_value.isDouble()) {
-                Korvo::UIAPI::changeRangesValue(range_key, range, level, level_value.toDouble());
-            }
-        }
-    }
+    applyRangesList(key, object);
     LOG(INFO) << "parameter set " << name.toStdString() << " loaded";
     return true;
 }

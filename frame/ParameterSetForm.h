@@ -18,6 +18,10 @@ QJsonObject withRanges(const QString& key, QJsonObject object);
 // of objects each naming its range and giving numeric levels.
 QString rangesShapeProblem(const QJsonObject& object);
 
+// Puts the levels of `object`'s "rangesList" into the range store of `key`, all in one batch
+// (the store writes its file once). Entries that do not match the shape above are skipped.
+void applyRangesList(const QString& key, const QJsonObject& object);
+
 // Refuses a bad name or an existing set with a warning on top of `dialog`; otherwise writes
 // the values of `widgets` and the ranges of `key`. True when the set was written.
 bool saveParameterSet(QWidget* dialog, const QString& key, const QString& name,

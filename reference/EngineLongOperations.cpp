@@ -1,5 +1,5 @@
-// The long operations of the reference engine (analyses, DFM operations, exports) and its
-// in-memory result database.
+// The long operations of the reference engine (analyses, DFM operations, exports) and the
+// storage calls of the result database (ResultDatabase.h).
 //
 // The signal layer check computes real hits (SignalChecks.h). The DFM operations check their
 // job, step and layers, report progress from 0 to 100 over longOperationDuration(), stop early
@@ -19,6 +19,7 @@
 #include "EngineCallText.h"
 #include "EngineStore.h"
 #include "Korvo_API.h"
+#include "ResultDatabase.h"
 #include "SignalChecks.h"
 
 namespace ct = wcref::calltext;
@@ -264,17 +265,7 @@ Quorin::DBS_API::CreateSesult insertSignalLayerAnalysisResult(
                           &EngineHooks::insertSignalLayerAnalysisResult)) {
         return hook(params, result);
     }
-    std::lock_guard<std::mutex> guard(store().mutex);
-    const int id = store().next_check_id++;
-    wcref::StoredSignalCheck& stored = store().signal_checks[id];
-    stored.params = params;
-    stored.result = result;
-    stored.time = QDateTime::currentDateTime().toString("yyyy.MM.dd hh:mm:ss").toStdString();
-    Quorin::DBS_API::CreateSesult answer;
-    answer.success = true;
-    answer.id = id;
-    answer.message = "stored as " + std::to_string(id);
-    return answer;
+    return wcref::resultdb::insertSignalCheck(params, result);
 }
 
 bool getSignalLayerAnalysisResult(int id, dms_signal_check_params& params,
@@ -283,15 +274,7 @@ bool getSignalLayerAnalysisResult(int id, dms_signal_check_params& params,
                           &EngineHooks::getSignalLayerAnalysisResult)) {
         return hook(id, params, result);
     }
-    std::lock_guard<std::mutex> guard(store().mutex);
-    auto found = store().signal_checks.find(id);
-    if (found == store().signal_checks.end()) {
-        LOG(ERROR) << "no stored signal layer check with id " << id;
-        return false;
-    }
-    params = found->second.params;
-    result = found->second.result;
-    return true;
+    return wcref::resultdb::loadSignalCheck(id, &params, result);
 }
 
 // Keys are "tq" followed by the id of a stored check.
@@ -305,28 +288,18 @@ bool getTqSignalLayerAnalysisResult(const std::string& key, signal_check_result_
         key.find_first_not_of("0123456789", 2) == std::string::npos && key.size() < 12) {
         id = std::stoi(key.substr(2));
     }
-    std::lock_guard<std::mutex> guard(store().mutex);
-    auto found = store().signal_checks.find(id);
-    if (found == store().signal_checks.end()) {
+    if (id < 0) {
         LOG(ERROR) << "no stored signal layer check under key " << key;
         return false;
     }
-    result = found->second.result;
-    return true;
+    return wcref::resultdb::loadSignalCheck(id, nullptr, result);
 }
 
 std::map<int, std::vector<std::string>> getCheckResultMaster() {
     if (auto hook = enter("getCheckResultMaster", {}, &EngineHooks::getCheckResultMaster)) {
         return hook();
     }
-    std::lock_guard<std::mutex> guard(store().mutex);
-    std::map<int, std::vector<std::string>> master;
-    for (const auto& entry : store().signal_checks) {
-        const dms_signal_check_params& p = entry.second.params;
-        master[entry.first] = {"SignalLayer", p.job, p.step, entry.second.time,
-                               "layers " + p.params.layers};
-    }
-    return master;
+    return wcref::resultdb::master();
 }
 
 // ---- DFM optimisations ----------------------------------------------------------------------

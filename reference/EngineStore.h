@@ -1,7 +1,7 @@
 #pragma once
-// The state behind the reference engine: jobs, hooks, the call log, the stored analysis results
-// and the duration of long operations, all under one mutex. Engine operations run on the GUI
-// thread and, for the long ones, on one worker thread at a time.
+// The state behind the reference engine: jobs, hooks, the call log and the duration of long
+// operations, all under one mutex (stored results live in ResultDatabase). Engine operations run on
+// the GUI thread and, for the long ones, on one worker thread at a time.
 
 #include <chrono>
 #include <deque>
@@ -14,12 +14,6 @@
 #include "ReferenceEngine.h"
 
 namespace wcref {
-
-struct StoredSignalCheck {
-    Korvo::API::dms_signal_check_params params;
-    Korvo::API::signal_check_result_map result;
-    std::string time;
-};
 
 class EngineStore {
 public:
@@ -49,8 +43,6 @@ public:
     std::deque<EngineCall> calls;
     size_t callBytes = 0;  // text held by `calls`
     EngineHooks hooks;
-    std::map<int, StoredSignalCheck> signal_checks;
-    int next_check_id = 1;
     std::chrono::milliseconds long_operation_duration{kDefaultLongOperationMs};
     bool has_screen_box = false;
     Korvo::API::reply_box screen_box;

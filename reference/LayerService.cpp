@@ -13,6 +13,14 @@ namespace UIAPI {
 // engine call in the call log.
 std::vector<std::string> getAnalyzeAndDFMLayers(const std::string& job,
                                                 const std::string& expression) {
+    std::vector<std::string> missing;
+    return getAnalyzeAndDFMLayers(job, expression, missing);
+}
+
+std::vector<std::string> getAnalyzeAndDFMLayers(const std::string& job,
+                                                const std::string& expression,
+                                                std::vector<std::string>& missing) {
+    missing.clear();
     const wcref::LayerExpression parsed = wcref::parseLayerExpression(expression);
     if (!parsed.ok) {
         LOG(ERROR) << "layer expression \"" << expression << "\": " << parsed.error;
@@ -33,6 +41,7 @@ std::vector<std::string> getAnalyzeAndDFMLayers(const std::string& job,
     for (const std::string& name : unknown) {
         LOG(ERROR) << "layer " << name << " does not exist in job " << job;
     }
+    missing = std::move(unknown);
     return layers;
 }
 

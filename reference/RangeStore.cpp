@@ -139,7 +139,8 @@ void RangeStore::ensureLoaded() {
     table_ = std::move(table);
 }
 
-bool RangeStore::save() const {
+bool RangeStore::save() {
+    ++saves_;
     const Table defaults = defaultTable();
     QJsonObject ranges;
     for (const auto& [key, records] : table_) {
@@ -219,10 +220,8 @@ std::string RangeStore::nameOfItem(const std::string& key, int item) {
     return it->second[item].name;
 }
 
-bool RangeStore::change(const std::string& key, const std::string& name, const std::string& level,
-                        double value) {
-    std::lock_guard<std::mutex> guard(lock_);
-    ensureLoaded();
+bool RangeStore::applyLocked(const std::string& key, const std::string& name,
+                             const std::string& level, double value) {
     auto it = table_.find(key);
     const int row = it == table_.end() ? -1 : rowOfName(it->second, name);
     if (row < 0) {
@@ -236,9 +235,36 @@ bool RangeStore::change(const std::string& key, const std::string& name, const s
         return false;
     }
     *field = value;
+    return true;
+}
+
+bool RangeStore::change(const std::string& key, const std::string& name, const std::string& level,
+                        double value) {
+    std::lock_guard<std::mutex> guard(lock_);
+    ensureLoaded();
+    if (!applyLocked(key, name, level, value)) {
+        return false;
+    }
     // The change holds for this session even when the file cannot be written; save() logs why.
     save();
     return true;
+}
+
+bool RangeStore::changeMany(const std::string& key,
+                            const std::vector<Korvo::UIAPI::Ranges_Level_Change>& changes) {
+    std::lock_guard<std::mutex> guard(lock_);
+    ensureLoaded();
+    bool all = true;
+    bool any = false;
+    for (const Korvo::UIAPI::Ranges_Level_Change& change : changes) {
+        const bool applied = applyLocked(key, change.name, change.level, change.value);
+        all = all && applied;
+        any = any || applied;
+    }
+    if (any) {
+        save();
+    }
+    return all;
 }
 
 void RangeStore::invalidate() {

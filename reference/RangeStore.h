@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <string>
@@ -39,6 +40,11 @@ public:
     std::string nameOfItem(const std::string& key, int item);
     bool change(const std::string& key, const std::string& name, const std::string& level,
                 double value);
+    // Applies every change, then writes the file once; false when any change was refused.
+    bool changeMany(const std::string& key,
+                    const std::vector<Korvo::UIAPI::Ranges_Level_Change>& changes);
+    // How many times the file was written since the process started (for tests and benchmarks).
+    int saves() const { return saves_; }
     // Drops what was read; the next call reads the file again.
     void invalidate();
 
@@ -49,12 +55,15 @@ private:
     void ensureLoaded();
     static Table defaultTable();
     static bool parse(const QByteArray& bytes, Table& table, QString& error);
-    bool save() const;
+    bool save();
+    bool applyLocked(const std::string& key, const std::string& name, const std::string& level,
+                     double value);
 
     std::mutex lock_;
     bool loaded_ = false;
     QString loaded_from_;
     Table table_;
+    std::atomic<int> saves_{0};
 };
 
 }  // namespace wcref

@@ -4,6 +4,7 @@
 
 #include "EngineCallText.h"
 #include "EngineStore.h"
+#include "ResultDatabase.h"
 #include "SampleJob.h"
 
 namespace wcref {
@@ -78,14 +79,13 @@ EngineLayerData* EngineStore::layer(const std::string& job_name, const std::stri
 }
 
 void resetEngine() {
+    clearResultDatabase();
     EngineStore& store = EngineStore::instance();
     std::lock_guard<std::mutex> guard(store.mutex);
     store.jobs.clear();
     store.calls.clear();
     store.callBytes = 0;
     store.hooks = EngineHooks{};
-    store.signal_checks.clear();
-    store.next_check_id = 1;
     store.long_operation_duration = std::chrono::milliseconds(EngineStore::kDefaultLongOperationMs);
     store.has_screen_box = false;
 }

@@ -224,6 +224,10 @@ bool changeRangesValue(const std::string& key, const std::string& name, const st
     return wcref::RangeStore::instance().change(key, name, level, value);
 }
 
+bool changeRangesValues(const std::string& key, const std::vector<Ranges_Level_Change>& changes) {
+    return wcref::RangeStore::instance().changeMany(key, changes);
+}
+
 double getMeasureValue(const API::check_info& hit) {
     return hit.value;
 }

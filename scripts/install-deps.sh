@@ -8,7 +8,7 @@ packages=(
     libgoogle-glog-dev libjsoncpp-dev libboost-dev
     libgtest-dev libbenchmark-dev
     clang clang-format ccache
-    gerbv
+    gerbv postgresql libqt5sql5-sqlite libqt5sql5-psql
 )
 
 missing=()

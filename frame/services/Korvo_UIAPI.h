@@ -86,6 +86,15 @@ std::string getRangesName(const std::string& key, int item);
 // `level` is "RedLv", "YellowLv" or "GreenLv"; false for an unknown key, name or level.
 bool changeRangesValue(const std::string& key, const std::string& name, const std::string& level,
                        double value);
+// One level change of a batch.
+struct Ranges_Level_Change {
+    std::string name;
+    std::string level;  // "RedLv", "YellowLv" or "GreenLv"
+    double value = 0.0;
+};
+// Applies every change and makes them persistent together (one write, however many changes);
+// false when any change was refused (the others are kept).
+bool changeRangesValues(const std::string& key, const std::vector<Ranges_Level_Change>& changes);
 
 double getMeasureValue(const API::check_info& hit);
 
@@ -109,6 +118,11 @@ QStringList getERFList(const QString& key);
 // ".type=signal|mixed&side=top|bottom&context=board". Empty for a malformed expression.
 std::vector<std::string> getAnalyzeAndDFMLayers(const std::string& job,
                                                 const std::string& expression);
+// The same; the names of a name list that the job lacks are put in `missing` (emptied first),
+// so that a dialog can report them.
+std::vector<std::string> getAnalyzeAndDFMLayers(const std::string& job,
+                                                const std::string& expression,
+                                                std::vector<std::string>& missing);
 std::string getServerIP();
 int getServerPort();
 int getTimeout();

@@ -8,6 +8,7 @@
 #include "HostSettings.h"
 #include "Korvo_DFM_types.h"
 #include "Korvo_UIAPI.h"
+#include "RangeStore.h"
 #include "TemporaryWorkingDirectory.h"
 
 using namespace Korvo::UIAPI;
@@ -168,6 +169,24 @@ private slots:
         wcref::reloadRanges();
         QVERIFY(sameLevels(getRanges(kSignal), signal_defaults_));
         QVERIFY(!QString::fromUtf8(readFile(rangeFile())).contains("SignalLayerRanges"));
+    }
+
+    void batchWritesTheFileOnce() {
+        // A whole table, as a template load puts it back: 3 levels of every row.
+        std::vector<Ranges_Level_Change> changes;
+        for (const Analysis_Ranges_Record& record : signal_defaults_) {
+            changes.push_back({record.name, "RedLv", record.RedLv + 1});
+            changes.push_back({record.name, "YellowLv", record.YellowLv + 1});
+            changes.push_back({record.name, "GreenLv", record.GreenLv + 1});
+        }
+        changes.push_back({"no such range", "RedLv", 1.0});
+        const int saves = wcref::RangeStore::instance().saves();
+        QVERIFY(!changeRangesValues(kSignal, changes));  // one refused, the rest kept
+        QCOMPARE(wcref::RangeStore::instance().saves(), saves + 1);
+        wcref::reloadRanges();
+        const auto stored = getRanges(kSignal);
+        QCOMPARE(stored.back().GreenLv, signal_defaults_.back().GreenLv + 1);
+        QCOMPARE(stored.front().RedLv, signal_defaults_.front().RedLv + 1);
     }
 
     void applicationDirSwitchRereads() {

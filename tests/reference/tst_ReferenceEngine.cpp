@@ -9,6 +9,7 @@
 
 #include "Korvo_API.h"
 #include "ReferenceEngine.h"
+#include "TemporaryWorkingDirectory.h"
 
 using namespace Korvo::API;
 using Progress = Korvo::COMMON::progress_value<void>;
@@ -444,6 +445,8 @@ private slots:
     }
 
     void resultDatabase() {
+        // A database of its own: other test programs clear the shared one when they reset.
+        wctest::TemporaryWorkingDirectory working;
         dms_signal_check_params params;
         params.job = kJob;
         params.step = "pcb";

@@ -1,0 +1,151 @@
+#pragma once
+// Design-rule checks of the signal layers of one step: distances and tests, a run per layer on
+// the engine (or whole on the check-list service), the result per layer with its summary, named
+// templates, and the result database.
+
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+#include <memory>
+
+#include "DBS_API.h"
+#include "Korvo_Analysis_types.h"
+#include "Korvo_UIAPI.h"
+#include "analysis/SignalCheckForm.h"
+#include "frame/FieldTable.h"
+
+class Widget_Ranges;
+class Widget_ResultsViewer;
+
+class QButtonGroup;
+class QCheckBox;
+class QGroupBox;
+class QInputDialog;
+class QLabel;
+class QPushButton;
+class QRadioButton;
+
+namespace wc {
+class RunControls;
+}
+
+class Widget_SignalLayerChecks : public QWidget {
+    Q_OBJECT
+public:
+    Widget_SignalLayerChecks(const QString& job, const QString& step, QWidget* parent,
+                             Korvo::UIAPI::Check_Type type);
+    ~Widget_SignalLayerChecks() override;
+
+    void changeJobAndStep(const QString& new_job, const QString& new_step);
+    void setAffectedLayers(const QStringList& layers);
+    void setErfValues(const QString& name);
+    // The host shows the last result of the shared cache.
+    void viewSetShowResult();
+    void Widget_raise();
+    void closeDialog();
+
+    // The form as plain values, and back.
+    wc::SignalCheckForm form() const;
+    void setForm(const wc::SignalCheckForm& form);
+    const Korvo::API::signal_check_result_map& result() const { return result_; }
+    // Layers of the last result that carry results (setLayerWithinCheckInfo).
+    const QStringList& layersWithinCheck() const { return layers_within_check_; }
+    int rememberedScope() const;
+
+    // getSignalLayerParams on the current form.
+    QString getSignalLayerParams() const;
+    int getTestListCnt() const;
+    bool isErfFileExist(const QString& name) const;
+
+public slots:
+    void on_Layer_clicked();
+    void on_Ranges_clicked();
+    void on_RunGlobally_clicked();
+    void on_RunScreen_clicked();
+    void on_RunProfile_clicked();
+    void on_SaveToDb_clicked();
+    void on_LoadFromDb_clicked();
+    void on_ViewResult_clicked();
+    void on_Close_clicked();
+    void on_m_pERFPB_clicked();
+    void on_m_pSaveAsPB_clicked();
+    // The name given to "Save as": writes the template (asks before replacing one).
+    void get_ERF_Name(QString name);
+    // A name picked in the "ERF:" list: loads the template.
+    void get_ERF_text(QString name);
+    void get_analysis_result_from_db(QString& id);
+    void get_tq_analysis_result_from_db(QString& id);
+    void refresh_load_result(int index);
+    void on_check_result_2_db_end(const Quorin::DBS_API::CreateSesult& answer);
+    void on_db_connected(bool connected);
+    void change_viewbtn_stylesheet();
+    void change_viewbtn_stylesheet(int);
+    void change_language();
+    void change_units();
+    // The name the host uses for the other dialogs.
+    void change_unit() { change_units(); }
+
+signals:
+    void Signal_check_raise();
+    void unit_changed();
+    // The template name the user typed in "Save as".
+    void send_Sel_Template_Name(QString name);
+
+private:
+    void initSignalLayerChecks();
+    QGroupBox* makeChoiceGroup(const QString& name, const char* title,
+                               const std::vector<const char*>& choices, QButtonGroup*& group);
+    void signalLayerChecks(int scope);
+    void runPerLayer(const std::vector<std::string>& layers,
+                     const Korvo::API::signal_check_params& params,
+                     const std::vector<Korvo::API::signal_layers_checks_list>& tests, int scope);
+    void runOnService(const Korvo::API::signal_check_params& params,
+                      const std::vector<Korvo::API::signal_layers_checks_list>& tests, int scope);
+    std::vector<std::string> checkLayer();
+    bool islineEditsValid() const;
+    void setSignalCheckParams(Korvo::API::signal_check_params& params) const;
+    void setLayerWithinCheckInfo();
+    void setColor();
+    void params2ui(const Korvo::API::signal_check_params& params,
+                   const std::vector<Korvo::API::signal_layers_checks_list>& tests);
+    bool writeConfigJson(const QString& name);
+    void readConfigJson();
+    void signalLayerCheckResult2DB();
+    void showLoadedResult(const Korvo::API::signal_check_result_map& result);
+    void showResultsViewer(bool open);
+    void openRangeEditor();
+    void publishResult();
+    void information(const QString& text);
+
+    const void* handle_;
+    QString job_;
+    QString step_;
+    Korvo::UIAPI::Check_Type type_;
+    bool db_connected_ = false;
+    Korvo::API::signal_check_result_map result_;
+    // The last result as the cache and the viewer share it: one immutable copy per run.
+    std::shared_ptr<const Korvo::API::signal_check_result_map> published_;
+    QPointer<Widget_ResultsViewer> viewer_;
+    QPointer<Widget_Ranges> ranges_;
+    Korvo::API::signal_check_params last_params_;
+    std::vector<Korvo::API::signal_layers_checks_list> last_tests_;
+    int processed_layers_ = 0;
+    QStringList layers_within_check_;
+
+    wc::RunControls* controls_ = nullptr;
+    std::unique_ptr<wc::FieldTable<Korvo::API::signal_check_params>> distances_;
+    QCheckBox* tests_[wc::kSignalTestCount] = {};
+    QGroupBox* test_group_ = nullptr;
+    QButtonGroup* apply_to_ = nullptr;
+    QButtonGroup* missing_pads_ = nullptr;
+    QButtonGroup* compensated_rout_ = nullptr;
+    QButtonGroup* sm_spacing_ = nullptr;
+    QList<QGroupBox*> choice_groups_;
+    QLabel* summary_ = nullptr;
+    QPushButton* save_db_ = nullptr;
+    QPushButton* load_db_ = nullptr;
+    QPushButton* close_ = nullptr;
+    QInputDialog* name_dialog_ = nullptr;
+    QWidget* browser_ = nullptr;
+};

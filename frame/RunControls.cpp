@@ -1,0 +1,243 @@
+#include "RunControls.h"
+
+#include <glog/logging.h>
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPixmap>
+#include <QPushButton>
+#include <QWidget>
+
+#include "Korvo_API.h"
+#include "Korvo_UIAPI.h"
+#include "ListPopup.h"
+#include "RecordedCalls.h"
+#include "Translate.h"
+
+namespace wc {
+namespace {
+
+const char* const kRunPictures[] = {"Run globally1.jpg", "Run on features on screen only1.jpg",
+                                    "Run on features inside profile1.jpg"};
+const char* const kRunTips[] = {"Run globally", "Run on features on screen only",
+                                "Run on features inside profile"};
+const char* const kRunNames[] = {"pushButton_RunGlobally", "pushButton_RunScreen",
+                                 "pushButton_RunProfile"};
+
+QString resource(const char* picture) {
+    return QStringLiteral(":/Widget_Common/Resources/") + QString::fromUtf8(picture);
+}
+
+QPushButton* pictureButton(QWidget* dialog, const char* picture, const QString& name) {
+    auto* button = new QPushButton(dialog);
+    button->setObjectName(name);
+    const QSize size = QPixmap(resource(picture)).size();
+    button->setFixedSize(size.isValid() ? size : QSize(32, 32));
+    return button;
+}
+
+}  // namespace
+
+int runScope(int button_scope, bool selected_only) {
+    return selected_only ? ScopeSelected : button_scope;
+}
+
+QString layersProcessedText(int count, CountWording wording) {
+    if (count <= 0) {
+        return QStringLiteral("No layers were processed");
+    }
+    if (count == 1) {
+        // Two blanks in the viewer's wording: kept on purpose.
+        return wording == CountWording::Viewer ? QStringLiteral("1 layer  was processed")
+                                               : QStringLiteral("1 layer was processed");
+    }
+    return QString::number(count) + QStringLiteral(" layers were processed");
+}
+
+LayerResolution resolveLayers(const QString& job, const QString& expression) {
+    LayerResolution resolution;
+    if (expression.trimmed().isEmpty()) {
+        return resolution;
+    }
+    std::vector<std::string> missing;
+    resolution.layers =
+        Korvo::UIAPI::getAnalyzeAndDFMLayers(job.toStdString(), expression.toStdString(), missing);
+    for (const std::string& name : missing) {
+        resolution.missing.append(QString::fromStdString(name));
+    }
+    return resolution;
+}
+
+RunControls::RunControls(QWidget* dialog, RunControlsOptions options)
+    : QObject(dialog), dialog_(dialog), options_(std::move(options)) {
+    setObjectName(QStringLiteral("runControls"));
+    layer_button_ = new QPushButton(translateFor(dialog, QStringLiteral("Layer:")), dialog);
+    layer_button_->setObjectName(QStringLiteral("pushButton_Layer"));
+    layer_edit_ = new QLineEdit(options_.layer_text, dialog);
+    layer_edit_->setObjectName(QStringLiteral("lineEdit_Layer"));
+
+    erf_button_ = new QPushButton(translateFor(dialog, QStringLiteral("ERF:")), dialog);
+    erf_button_->setObjectName(QStringLiteral("pushButton_ERF"));
+    erf_edit_ = new QLineEdit(options_.erf_text, dialog);
+    erf_edit_->setObjectName(QStringLiteral("lineEdit_ERF"));
+    erf_edit_->setReadOnly(options_.read_only_erf);
+    save_as_button_ = new QPushButton(translateFor(dialog, QStringLiteral("Save as")), dialog);
+    save_as_button_->setObjectName(QStringLiteral("pushButton_SaveAs"));
+
+    ranges_button_ = new QPushButton(translateFor(dialog, QStringLiteral("Ranges...")), dialog);
+    ranges_button_->setObjectName(QStringLiteral("pushButton_Ranges"));
+
+    for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
+        QPushButton* button =
+            pictureButton(dialog, kRunPictures[scope], QString::fromLatin1(kRunNames[scope]));
+        button->setToolTip(translateFor(dialog, QString::fromLatin1(kRunTips[scope])));
+        run_buttons_[scope] = button;
+    }
+    resetCheckedStyle();
+    view_button_ = pictureButton(dialog, "viewgreen.jpg", QStringLiteral("pushButton_View"));
+    view_button_->setToolTip(translateFor(dialog, QStringLiteral("View results")));
+    setViewState(ViewState::Stale);
+
+    time_label_ = new QLabel(translateFor(dialog, QStringLiteral("No results")), dialog);
+    time_label_->setObjectName(QStringLiteral("label_Time"));
+    status_label_ = new QLabel(dialog);
+    status_label_->setObjectName(QStringLiteral("label_Status"));
+
+    connect(layer_button_, &QPushButton::clicked, this, &RunControls::showLayerPopup);
+    connect(erf_button_, &QPushButton::clicked, this, &RunControls::showErfPopup);
+}
+
+QHBoxLayout* RunControls::makeLayerRow() const {
+    auto* row = new QHBoxLayout;
+    row->addWidget(layer_button_);
+    row->addWidget(layer_edit_, 1);
+    return row;
+}
+
+QHBoxLayout* RunControls::makeErfRow() const {
+    auto* row = new QHBoxLayout;
+    row->addWidget(erf_button_);
+    row->addWidget(erf_edit_, 1);
+    row->addWidget(save_as_button_);
+    return row;
+}
+
+QHBoxLayout* RunControls::makeRunRow() const {
+    auto* row = new QHBoxLayout;
+    for (QPushButton* button : run_buttons_) {
+        row->addWidget(button);
+    }
+    row->addStretch();
+    row->addWidget(view_button_);
+    return row;
+}
+
+QString RunControls::runStyle(int scope, bool pressed) {
+    return QStringLiteral("QPushButton{background-image:url(") + resource(kRunPictures[scope]) +
+           (pressed ? QStringLiteral(");border: 2px solid red;}") : QStringLiteral(");}"));
+}
+
+QString RunControls::viewStyle(ViewState state) {
+    switch (state) {
+        case ViewState::Fresh:
+            return QStringLiteral(
+                "QPushButton{background-image:url(:/Widget_Common/Resources/viewgreen.jpg)}");
+        case ViewState::Stopped:
+            return QStringLiteral(
+                "QPushButton{background-image:url(:/Widget_Common/Resources/viewred.jpg)}");
+        case ViewState::Stale:
+            break;
+    }
+    return QString();
+}
+
+void RunControls::resetCheckedStyle() {
+    for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
+        run_buttons_[scope]->setStyleSheet(runStyle(scope, false));
+    }
+}
+
+void RunControls::pressRun(int scope) {
+    resetCheckedStyle();
+    run_buttons_[scope]->setStyleSheet(runStyle(scope, true));
+    if (scope != ScopeGlobal) {
+        remembered_scope_ = scope;
+    }
+}
+
+LayerResolution RunControls::resolveLayerField() const {
+    return resolveLayers(job_, layer_edit_->text());
+}
+
+void RunControls::setViewState(ViewState state) {
+    view_state_ = state;
+    view_button_->setStyleSheet(viewStyle(state));
+}
+
+void RunControls::markStale() {
+    setViewState(ViewState::Stale);
+}
+
+void RunControls::setStatus(const QString& text) {
+    status_label_->setText(text);
+}
+
+void RunControls::showTime(const QDateTime& start, qint64 elapsed_ms) {
+    time_label_->setText(start.toString(QStringLiteral("yyyy.MM.dd hh:mm:ss.zzz")) +
+                         QStringLiteral(" - ") +
+                         Korvo::UIAPI::formatTime(static_cast<int>(elapsed_ms)));
+}
+
+ListPopup* RunControls::layerPopup() {
+    if (layer_popup_ == nullptr) {
+        layer_popup_ = new ListPopup(ListPopup::LayerList, dialog_);
+        connect(layer_popup_, &ListPopup::send_Text, layer_edit_, [this](const QString& text) {
+            layer_edit_->setText(text);
+            emit layer_edit_->editingFinished();
+        });
+    }
+    return layer_popup_;
+}
+
+ListPopup* RunControls::erfPopup() {
+    if (erf_popup_ == nullptr) {
+        erf_popup_ = new ListPopup(ListPopup::NameList, dialog_);
+        connect(erf_popup_, &ListPopup::send_Text, this, &RunControls::erfChosen);
+    }
+    return erf_popup_;
+}
+
+void RunControls::showLayerPopup() {
+    std::vector<std::string> steps;
+    std::vector<Korvo::API::layer_info> layers;
+    const std::string answer = recordedGetGraphics(job_.toStdString(), steps, layers);
+    QStringList names;
+    for (const Korvo::API::layer_info& layer : layers) {
+        names.append(QString::fromStdString(layer.name));
+    }
+    if (names.isEmpty()) {
+        LOG(ERROR) << "no layers to offer for job " << job_.toStdString() << ": " << answer;
+    }
+    layerPopup()->setItems(names);
+    layerPopup()->popUp(layer_button_);
+}
+
+void RunControls::showErfPopup() {
+    erfPopup()->setItems(Korvo::UIAPI::getERFList(options_.range_key));
+    erfPopup()->popUp(erf_button_);
+}
+
+void RunControls::changeLanguage() {
+    layer_button_->setText(translateFor(dialog_, QStringLiteral("Layer:")));
+    erf_button_->setText(translateFor(dialog_, QStringLiteral("ERF:")));
+    save_as_button_->setText(translateFor(dialog_, QStringLiteral("Save as")));
+    ranges_button_->setText(translateFor(dialog_, QStringLiteral("Ranges...")));
+    for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
+        run_buttons_[scope]->setToolTip(
+            translateFor(dialog_, QString::fromLatin1(kRunTips[scope])));
+    }
+    view_button_->setToolTip(translateFor(dialog_, QStringLiteral("View results")));
+}
+
+}  // namespace wc

@@ -1,0 +1,574 @@
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QtTest>
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include "CheckListService.h"
+#include "Common.h"
+#include "DataRows.h"
+#include "MessageBoxAnswerer.h"
+#include "ReferenceEngine.h"
+#include "ScopedEngineHook.h"
+#include "TemporaryWorkingDirectory.h"
+#include "UnitScope.h"
+#include "ZeProgressDialog.h"
+#include "analysis/SignalCheckForm.h"
+#include "analysis/Widget_SignalLayerChecks.h"
+#include "common_cache.h"
+#include "frame/BackgroundRun.h"
+
+using namespace Korvo::API;
+using wctest::row;
+
+namespace {
+
+const char* const kJob = "sample_job";
+
+template <typename T = QWidget>
+T* child(QWidget& dialog, const QString& name) {
+    T* found = dialog.findChild<T*>(name);
+    if (found == nullptr) {
+        qFatal("no child %s", qPrintable(name));
+    }
+    return found;
+}
+
+QPushButton* button(QWidget& dialog, const char* name) {
+    return child<QPushButton>(dialog, QString::fromLatin1(name));
+}
+
+QString text(QWidget& dialog, const char* label) {
+    return child<QLabel>(dialog, QString::fromLatin1(label))->text();
+}
+
+// What the engine was asked, layer by layer (the hook runs on the worker).
+struct EngineSpy {
+    std::mutex lock;
+    std::vector<std::string> layers;
+    std::vector<int> scopes;
+    std::vector<signal_check_params> params;
+    std::vector<std::vector<signal_layers_checks_list>> tests;
+    size_t ranges = 0;
+    // Hits each layer returns.
+    std::map<signal_layers_checks_items, signal_check_result> answer;
+
+    auto hook() {
+        return [this](const std::string&, const std::string&, const std::string& layer,
+                      signal_check_params p, std::vector<signal_layers_checks_list> t,
+                      std::map<signal_layers_checks_items, signal_check_range> r,
+                      std::map<signal_layers_checks_items, signal_check_result>& result,
+                      Korvo::COMMON::progress_value<signal_check_result_map>*, int scope) {
+            std::lock_guard<std::mutex> guard(lock);
+            layers.push_back(layer);
+            scopes.push_back(scope);
+            params.push_back(p);
+            tests.push_back(t);
+            ranges = r.size();
+            result = answer;
+            return true;
+        };
+    }
+};
+
+signal_check_result withHits(int red, int yellow, int green) {
+    signal_check_result result;
+    result.red.resize(static_cast<size_t>(red));
+    result.yellow.resize(static_cast<size_t>(yellow));
+    result.green.resize(static_cast<size_t>(green));
+    return result;
+}
+
+wc::SignalCheckForm formWithTests(std::initializer_list<int> checked) {
+    wc::SignalCheckForm form;
+    form.layers = QStringLiteral("top;bottom");
+    form.distances = {"10", "25", "14", "10", "5"};
+    for (int test : checked) {
+        form.tests[static_cast<size_t>(test)] = true;
+    }
+    return form;
+}
+
+}  // namespace
+
+class tst_Widget_SignalLayerChecks : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob(kJob));
+        Korvo::Cache::common_cache::instance()->clear();
+        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
+        host_ = std::make_unique<QWidget>();
+    }
+    void cleanup() {
+        host_.reset();
+        working_.reset();
+        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
+    }
+
+    // ---- without a window --------------------------------------------------------------------
+
+    void parameterString_data() {
+        QTest::addColumn<QList<int>>("tests");
+        QTest::addColumn<QString>("pp_tests");
+        row("none", QList<int>{}, "");
+        row("one", QList<int>{sl_drill}, "Drill");
+        // SMD's token differs from its label "Smd"; only the last token stands alone.
+        row("several", QList<int>{sl_spacing, sl_smd, sl_pad_connection},
+            "Spacing\\;SMD\\;Pad Connection Check");
+    }
+    void parameterString() {
+        QFETCH(QList<int>, tests);
+        QFETCH(QString, pp_tests);
+        wc::SignalCheckForm form = formWithTests({});
+        for (int test : tests) {
+            form.tests[static_cast<size_t>(test)] = true;
+        }
+        form.apply_to = 1;
+        form.compensated_rout = 2;
+        QCOMPARE(wc::signalLayerParams(form),
+                 "((pp_layer=top;bottom)(pp_spacing=10)(pp_r2c=25)(pp_d2c=14)(pp_sliver=10)"
+                 "(pp_min_pad_overlap=5)(pp_tests=" +
+                     pp_tests +
+                     ")(pp_selected=Selected)(pp_check_missing_pads_for_drills=Yes)"
+                     "(pp_use_compensated_rout=Skeleton)(pp_sm_spacing=No)),mode=regular");
+    }
+
+    void recordInBothUnits_data() {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<QString>("spacing");
+        QTest::addColumn<double>("spacing_nm");
+        row("mil", 0, "10", 254000.0);
+        row("mm", 1, "0.254", 254000.0);
+    }
+    void recordInBothUnits() {
+        QFETCH(int, unit);
+        QFETCH(QString, spacing);
+        QFETCH(double, spacing_nm);
+        wctest::UnitScope scope(host_.get(), unit);
+        wc::SignalCheckForm form = formWithTests({sl_spacing});
+        form.distances[wc::DistSpacing] = spacing;
+        form.distances[wc::DistDrillToCu] = QStringLiteral("1");
+        form.distances[wc::DistRoutToCu] = QStringLiteral("2");
+        const signal_check_params p = wc::signalCheckParams(form, host_.get());
+        QCOMPARE(p.spacing, spacing_nm);
+        // Drill before rout in the record, the other way round on screen.
+        QVERIFY(p.drill_to_copper < p.rout_to_copper);
+        QCOMPARE(p.apply_to, std::string("All"));
+        QVERIFY(p.check_missing_pads_for_drills && !p.use_compensated_rout && p.always_on);
+        QCOMPARE(p.mode, 3);
+        QCOMPARE(p.thresholds.size(), size_t(17));
+        QCOMPARE(p.thresholds[14], 127000000.0);
+        QCOMPARE(p.threshold_enabled, std::vector<bool>(17, true));
+    }
+
+    void recordShownBack() {
+        signal_check_params p;
+        p.spacing = 254000;       // 10 mil
+        p.sliver_min = 100000;    // 3.93700787... mil, six significant digits
+        p.apply_to = "anything";  // not "All": "Selected"
+        p.use_compensated_rout = true;
+        p.check_missing_pads_for_drills = false;
+        wc::SignalCheckForm form = formWithTests({sl_spacing, sl_drill});
+        form.compensated_rout = 2;
+        wc::showSignalCheckParams(p, {sl_smd, signal_layers_checks_list(10), sl_pad_connection},
+                                  form);
+        QCOMPARE(form.distances[wc::DistSpacing], "10");
+        QCOMPARE(form.distances[wc::DistSliverMin], "3.93701");
+        QCOMPARE(form.apply_to, 1);
+        QCOMPARE(form.compensated_rout, 0);
+        QCOMPARE(form.missing_pads, 1);
+        QCOMPARE(wc::checkedSignalTests(form),
+                 (std::vector<signal_layers_checks_list>{sl_smd, sl_pad_connection}));
+    }
+
+    void summary_data() {
+        QTest::addColumn<int>("red");
+        QTest::addColumn<int>("yellow");
+        QTest::addColumn<int>("green");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("style");
+        row("red wins", 1, 3, 2, "!!", "QLabel{background:red;}");
+        row("yellow", 0, 2, 5, "!", "QLabel{background:yellow;}");
+        row("only green", 0, 0, 1, "", "QLabel{background:green;}");
+        // The label keeps what it showed before.
+        row("no hit", 0, 0, 0, "before", "QLabel{background:blue;}");
+    }
+    void summary() {
+        QFETCH(int, red);
+        QFETCH(int, yellow);
+        QFETCH(int, green);
+        QFETCH(QString, text);
+        QFETCH(QString, style);
+        EngineSpy spy;
+        spy.answer[sli_line_width] = withHits(0, 0, 0);
+        spy.answer[sli_pad_size] = withHits(red, yellow, green);
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        auto* summary = child<QLabel>(dialog, "label_Summary");
+        summary->setText("before");
+        summary->setStyleSheet("QLabel{background:blue;}");
+        dialog.on_RunGlobally_clicked();
+        QCOMPARE(summary->text(), text);
+        QCOMPARE(summary->styleSheet(), style);
+        QCOMPARE(button(dialog, "pushButton_View")->styleSheet(),
+                 "QPushButton{background-image:url(:/Widget_Common/Resources/viewgreen.jpg)}");
+    }
+
+    // ---- the dialog --------------------------------------------------------------------------
+
+    void windowAsTheHostExpects() {
+        wctest::UnitScope scope(host_.get(), 0);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        QCOMPARE(dialog.windowTitle(), "Signal Layer Check");
+        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_Layer")->text(),
+                 ".type=signal|mixed&side=top|bottom&context=board");
+        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_ERF")->text(), "Outer(Mils)");
+        QCOMPARE(text(dialog, "label_MinimumPadoverlap"), " Minimum pad overlap:");
+        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_RouttoCu")->text(), "25.00");
+        QCOMPARE(child<QRadioButton>(dialog, "radioButton_CompensatedRout_No")->isChecked(), true);
+        QCOMPARE(child<QButtonGroup>(dialog, "buttonGroup_CompensatedRout")
+                     ->id(child<QRadioButton>(dialog, "radioButton_CompensatedRout_Skeleton")),
+                 2);
+        // Two columns, read row by row.
+        const QStringList expected = {
+            "Spacing", "Stubs", "Drill",      "Center", "Rout",
+            "Smd",     "Size",  "Bottleneck", "Sliver", "Pad Connection Check"};
+        QStringList shown;
+        for (QCheckBox* box : child(dialog, "groupBox_TestList")->findChildren<QCheckBox*>()) {
+            QVERIFY(box->isChecked());
+            shown.append(box->text());
+        }
+        QCOMPARE(shown, expected);
+        QCOMPARE(button(dialog, "pushButton_RunGlobally")->toolTip(), "Run globally");
+        QCOMPARE(text(dialog, "label_Time"), "No results");
+    }
+
+    void scopeReachingTheEngine_data() {
+        QTest::addColumn<QStringList>("presses");
+        QTest::addColumn<bool>("selected");
+        QTest::addColumn<QList<int>>("scopes");
+        QTest::addColumn<int>("remembered");
+        row("global after screen", QStringList{"RunScreen", "RunGlobally"}, false, QList<int>{1, 0},
+            0);
+        row("selected, global", QStringList{"RunGlobally"}, true, QList<int>{3}, 3);
+        row("selected, screen", QStringList{"RunScreen"}, true, QList<int>{3}, 3);
+        row("selected, profile", QStringList{"RunProfile"}, true, QList<int>{3}, 3);
+    }
+    void scopeReachingTheEngine() {
+        QFETCH(QStringList, presses);
+        QFETCH(bool, selected);
+        QFETCH(QList<int>, scopes);
+        QFETCH(int, remembered);
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top");
+        child<QRadioButton>(dialog,
+                            selected ? "radioButton_ApplyTo_Selected" : "radioButton_ApplyTo_All")
+            ->setChecked(true);
+        for (const QString& press : presses) {
+            button(dialog, qPrintable("pushButton_" + press))->click();
+        }
+        QCOMPARE(QList<int>(spy.scopes.begin(), spy.scopes.end()), scopes);
+        QCOMPARE(dialog.rememberedScope(), remembered);
+        const QString pressed = "pushButton_" + presses.last();
+        QVERIFY(
+            button(dialog, qPrintable(pressed))->styleSheet().endsWith("border: 2px solid red;}"));
+        QCOMPARE(spy.params.back().apply_to, std::string(selected ? "Selected" : "All"));
+        QVERIFY(spy.ranges > 0);
+        QCOMPARE(text(dialog, "label_Status"), "1 layer was processed");
+    }
+
+    void layersAndEmptyFields_data() {
+        QTest::addColumn<QString>("layers");
+        QTest::addColumn<QString>("spacing");
+        QTest::addColumn<QStringList>("boxes");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<int>("engine_calls");
+        row("missing one", "top;nosuch;bottom", "10",
+            QStringList{"WARNING!|nosuch is not exists !"}, "2 layers were processed", 2);
+        row("only missing", "nosuch", "10", QStringList{"WARNING!|nosuch is not exists !"},
+            "No layers were processed", 0);
+        row("empty distance", "top", "", QStringList{"Information|illegal floating parameter"}, "",
+            0);
+        row("filter", ".type=signal|mixed&context=board", "10", QStringList{},
+            "4 layers were processed", 4);
+    }
+    void layersAndEmptyFields() {
+        QFETCH(QString, layers);
+        QFETCH(QString, spacing);
+        QFETCH(QStringList, boxes);
+        QFETCH(QString, status);
+        QFETCH(int, engine_calls);
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
+        wctest::MessageBoxAnswerer answerer;
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
+        child<QLineEdit>(dialog, "lineEdit_Spacing")->setText(spacing);
+        dialog.on_RunGlobally_clicked();
+        QStringList shown;
+        for (const wctest::ShownBox& box : answerer.boxes()) {
+            shown.append(box.title + "|" + box.text);
+        }
+        QCOMPARE(shown, boxes);
+        QCOMPARE(text(dialog, "label_Status"), status);
+        QCOMPARE(int(spy.layers.size()), engine_calls);
+        QCOMPARE(int(dialog.result().size()), engine_calls);
+    }
+
+    void stopBetweenLayers() {
+        // The first layer's worker waits until the user has stopped the run.
+        std::atomic<int> calls{0};
+        wctest::ScopedEngineHook hook(
+            &wcref::EngineHooks::signal_layers_checks,
+            [&calls](const std::string&, const std::string&, const std::string&,
+                     signal_check_params, std::vector<signal_layers_checks_list>,
+                     std::map<signal_layers_checks_items, signal_check_range>,
+                     std::map<signal_layers_checks_items, signal_check_result>& result,
+                     Korvo::COMMON::progress_value<signal_check_result_map>* progress, int) {
+                ++calls;
+                result[sli_line_width] = withHits(1, 0, 0);
+                while (!progress->is_stop_requested()) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+                }
+                return true;
+            });
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;bottom");
+        QTimer stopper;
+        QObject::connect(&stopper, &QTimer::timeout, [] {
+            for (QWidget* widget : QApplication::topLevelWidgets()) {
+                if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
+                    window->requestStop();
+                }
+            }
+        });
+        stopper.start(5);
+        dialog.on_RunGlobally_clicked();
+        QCOMPARE(calls.load(), 1);
+        QCOMPARE(text(dialog, "label_Status"), "SignalLayer check terminated");
+        QCOMPARE(button(dialog, "pushButton_View")->styleSheet(),
+                 "QPushButton{background-image:url(:/Widget_Common/Resources/viewred.jpg)}");
+        QCOMPARE(text(dialog, "label_Summary"), QString());
+    }
+
+    void staleMarking() {
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        dialog.on_RunGlobally_clicked();
+        QVERIFY(!button(dialog, "pushButton_View")->styleSheet().isEmpty());
+        child<QCheckBox>(dialog, "checkBox_Sliver")->click();
+        QCOMPARE(button(dialog, "pushButton_View")->styleSheet(), QString());
+    }
+
+    void templateJsonAsWritten() {
+        wctest::UnitScope scope(host_.get(), 0);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        child<QCheckBox>(dialog, "checkBox_Smd")->setChecked(false);
+        child<QRadioButton>(dialog, "radioButton_CompensatedRout_Skeleton")->setChecked(true);
+        child<QLineEdit>(dialog, "lineEdit_Spacing")->setText("7.5");
+        dialog.get_ERF_Name("mine");
+        QFile file(working_->filePath("ERFconfig/SignalLayerRanges/mine.json"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QJsonObject root = QJsonDocument::fromJson(file.readAll()).object();
+        const QByteArray expected =
+            R"([{"Spacing":"7.5"},{"Rout to Cu":"25.00"},{"Drill to Cu":"14.00"},)"
+            R"({"Sliver min":"10.00"},{"Minimum Pad overlap":"5.00"},{"Test list":[)"
+            R"({"Spacing":true},{"Stubs":true},{"Drill":true},{"Center":true},{"Rout":true},)"
+            R"({"Smd":false},{"Size":true},{"Bottleneck":true},{"Sliver":true},)"
+            R"({"Pad Connection Check":true}]},{"Apply to":0},)"
+            R"({"Check Missing Pads for Drills":0},{"Use Compensated Rout":2},)"
+            R"({"Sort Spacing by Solder Mask":1}])";
+        QCOMPARE(
+            QJsonDocument(root.value("signalLayerChecks").toArray()).toJson(QJsonDocument::Compact),
+            expected);
+        const QJsonArray ranges = root.value("rangesList").toArray();
+        QCOMPARE(ranges.size(), int(Korvo::UIAPI::getRanges("SignalLayerRanges").size()));
+        QCOMPARE(ranges.at(0).toObject().keys(),
+                 QStringList({"GreenLv", "RedLv", "YellowLv", "name"}));
+        QCOMPARE(dialog.isErfFileExist("mine"), true);
+    }
+
+    void overwriteQuestion_data() {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("spacing_in_file");
+        row("yes rewrites", int(QMessageBox::Yes), "3");
+        row("no keeps", int(QMessageBox::No), "10.00");
+    }
+    void overwriteQuestion() {
+        QFETCH(int, answer);
+        QFETCH(QString, spacing_in_file);
+        wctest::UnitScope scope(host_.get(), 0);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        dialog.get_ERF_Name("set");
+        child<QLineEdit>(dialog, "lineEdit_Spacing")->setText("3");
+        wctest::MessageBoxAnswerer answerer{QMessageBox::StandardButton(answer)};
+        dialog.get_ERF_Name("set");
+        QCOMPARE(answerer.count(), 1);
+        QCOMPARE(answerer.last().title, "Warning");
+        QCOMPARE(answerer.last().text, "set have a same name file! Do you want to overwrite?");
+        QFile file(working_->filePath("ERFconfig/SignalLayerRanges/set.json"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QJsonArray entries =
+            QJsonDocument::fromJson(file.readAll()).object().value("signalLayerChecks").toArray();
+        QCOMPARE(entries.at(0).toObject().value("Spacing").toString(), spacing_in_file);
+    }
+
+    void templateRoundTripRestoresSkeleton() {
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        child<QRadioButton>(dialog, "radioButton_CompensatedRout_Skeleton")->setChecked(true);
+        child<QCheckBox>(dialog, "checkBox_Stubs")->setChecked(false);
+        std::vector<Korvo::UIAPI::Analysis_Ranges_Record> ranges;
+        Korvo::UIAPI::getRanges("SignalLayerRanges", ranges);
+        QVERIFY(Korvo::UIAPI::changeRangesValue("SignalLayerRanges", ranges[3].name, "RedLv", 777));
+        dialog.get_ERF_Name("skeleton");
+        QVERIFY(Korvo::UIAPI::changeRangesValue("SignalLayerRanges", ranges[3].name, "RedLv", 1));
+
+        Widget_SignalLayerChecks other(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        other.get_ERF_text("skeleton");
+        QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "skeleton");
+        QVERIFY(child<QRadioButton>(other, "radioButton_CompensatedRout_Skeleton")->isChecked());
+        QVERIFY(!child<QCheckBox>(other, "checkBox_Stubs")->isChecked());
+        QCOMPARE(Korvo::UIAPI::getRanges("SignalLayerRanges")[3].RedLv, 777.0);
+
+        // A broken file leaves the form as it was and says why.
+        QFile broken(working_->filePath("ERFconfig/SignalLayerRanges/broken.json"));
+        QVERIFY(broken.open(QIODevice::WriteOnly));
+        broken.write(R"({"signalLayerChecks":[{"Apply to":7}]})");
+        broken.close();
+        wctest::MessageBoxAnswerer answerer;
+        other.get_ERF_text("broken");
+        QCOMPARE(answerer.count(), 1);
+        QVERIFY(answerer.last().text.contains("Apply to"));
+        QVERIFY(child<QRadioButton>(other, "radioButton_CompensatedRout_Skeleton")->isChecked());
+    }
+
+    void databaseRoundTripDropsSkeleton() {
+        EngineSpy spy;
+        spy.answer[sli_pad_size] = withHits(0, 2, 0);
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
+        wctest::UnitScope scope(host_.get(), 1);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        dialog.on_db_connected(true);
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
+        child<QLineEdit>(dialog, "lineEdit_Slivermin")->setText("0.1");
+        child<QRadioButton>(dialog, "radioButton_CompensatedRout_Skeleton")->setChecked(true);
+        child<QCheckBox>(dialog, "checkBox_Drill")->setChecked(false);
+        dialog.on_RunGlobally_clicked();
+
+        wctest::MessageBoxAnswerer answerer;
+        dialog.on_SaveToDb_clicked();
+        QCOMPARE(answerer.count(), 1);
+        QVERIFY2(answerer.last().text.startsWith("Save success: "),
+                 qPrintable(answerer.last().text));
+        QVERIFY(QFile::exists(Common::getPath_database() + "/results.sqlite"));
+
+        Widget_SignalLayerChecks other(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        other.on_db_connected(true);
+        other.refresh_load_result(0);
+        // Distances come back in mil whatever the unit; a flag cannot say "Skeleton".
+        QCOMPARE(child<QLineEdit>(other, "lineEdit_Slivermin")->text(), "3.93701");
+        QVERIFY(child<QRadioButton>(other, "radioButton_CompensatedRout_No")->isChecked());
+        QVERIFY(!child<QCheckBox>(other, "checkBox_Drill")->isChecked());
+        QCOMPARE(other.result().size(), size_t(2));
+        QCOMPARE(other.result().at("top").at(sli_pad_size).yellow.size(), size_t(2));
+        QCOMPARE(text(other, "label_Summary"), "!");
+    }
+
+    void databaseMessages() {
+        wctest::MessageBoxAnswerer answerer;
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        dialog.on_LoadFromDb_clicked();
+        dialog.on_SaveToDb_clicked();
+        dialog.on_check_result_2_db_end({false, -1, "disk full"});
+        QCOMPARE(answerer.texts(), QStringList({"DB connection failed", "Save 2 db failed",
+                                                "Save failed: disk full"}));
+        QCOMPARE(answerer.last().title, "Information");
+    }
+
+    void viewerCountFromTheCache_data() {
+        QTest::addColumn<int>("layers");
+        QTest::addColumn<QString>("status");
+        row("none", 0, "No layers were processed");
+        row("one, two blanks", 1, "1 layer  was processed");
+        row("three", 3, "3 layers were processed");
+    }
+    void viewerCountFromTheCache() {
+        QFETCH(int, layers);
+        QFETCH(QString, status);
+        signal_check_result_map cached;
+        for (int i = 0; i < layers; ++i) {
+            cached["l" + std::to_string(i)];
+        }
+        Korvo::Cache::common_cache::instance()->setSignalResult(cached);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        dialog.viewSetShowResult();
+        QCOMPARE(text(dialog, "label_Status"), status);
+        QCOMPARE(dialog.layersWithinCheck().size(), layers);
+    }
+
+    void serviceRunsTheCheckOrIsBusy() {
+        EngineSpy spy;
+        spy.answer[sli_smd_pitch] = withHits(0, 0, 1);
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
+        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Service);
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
+        child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->setChecked(true);
+        dialog.on_RunProfile_clicked();
+        QCOMPARE(text(dialog, "label_Status"), "2 layers were processed");
+        QCOMPARE(QList<int>(spy.scopes.begin(), spy.scopes.end()), QList<int>({3, 3}));
+        QCOMPARE(text(dialog, "label_Summary"), QString());
+
+        // A second check while one is under way is refused.
+        std::atomic<bool> release{false};
+        std::atomic<bool> entered{false};
+        wctest::ScopedEngineHook slow(
+            &wcref::EngineHooks::signal_layers_checks,
+            [&](const std::string&, const std::string&, const std::string&, signal_check_params,
+                std::vector<signal_layers_checks_list>,
+                std::map<signal_layers_checks_items, signal_check_range>,
+                std::map<signal_layers_checks_items, signal_check_result>&,
+                Korvo::COMMON::progress_value<signal_check_result_map>*, int) {
+                entered = true;
+                while (!release) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+                }
+                return true;
+            });
+        std::thread first([] {
+            Korvo::CheckList::signal_check_request request;
+            request.job = kJob;
+            request.step = "pcb";
+            request.params.layers = "top";
+            signal_check_result_map result;
+            Korvo::CheckList::runSignalLayerCheckList(request, result, nullptr);
+        });
+        while (!entered) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        dialog.on_RunGlobally_clicked();
+        release = true;
+        first.join();
+        QCOMPARE(text(dialog, "label_Status"), "the service is busy");
+        QCOMPARE(dialog.result().size(), size_t(2));  // the earlier result stays
+    }
+
+private:
+    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
+    std::unique_ptr<QWidget> host_;
+};
+
+QTEST_MAIN(tst_Widget_SignalLayerChecks)
+#include "tst_Widget_SignalLayerChecks.moc"

@@ -1,0 +1,205 @@
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include "DataRows.h"
+#include "MessageBoxAnswerer.h"
+#include "ReferenceEngine.h"
+#include "TemporaryWorkingDirectory.h"
+#include "UnitScope.h"
+#include "ZeLineEdit.h"
+#include "frame/FieldTable.h"
+#include "frame/ListPopup.h"
+#include "frame/RangeMap.h"
+#include "frame/RunControls.h"
+
+using wctest::row;
+
+namespace {
+
+struct Record {
+    int32_t min = -1;
+    double spacing = -1.0;
+    int32_t hidden = -1;
+};
+
+const std::vector<wc::FieldRow<Record>> kRows = {
+    {"Min:", "min_value", "Min", 4.0, 0.0, 20.0, "4", &Record::min},
+    {" Spacing:", "pp_spacing", "Spacing", 10.0, 0.0, 1000.0, "10", &Record::spacing},
+    {"Hidden:", "hidden", "Hidden", 1.0, 0.0, 30.0, "1", &Record::hidden, false},
+    {"Shown only:", "shown", "Shown", 2.0, 0.0, 30.0, "2"},
+};
+
+}  // namespace
+
+// The shared run arrangement: the field table, the run controls and their rules, the range map
+// and the list popup.
+class tst_RunControls : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob("sample_job"));
+    }
+
+    void fieldTableFillsTheRecord_data() {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<QString>("min");
+        QTest::addColumn<QString>("spacing");
+        QTest::addColumn<int>("min_nm");
+        QTest::addColumn<double>("spacing_nm");
+        row("mil defaults", 0, "4.00", "10.00", 101600, 254000.0);
+        // int32 members are truncated, double members kept.
+        row("mm typed", 1, "0.0010009", "0.0000015", 1000, 1.5);
+        row("empty keeps the member", 0, "", "1", -1, 25400.0);
+    }
+    void fieldTableFillsTheRecord() {
+        QFETCH(int, unit);
+        QFETCH(QString, min);
+        QFETCH(QString, spacing);
+        QFETCH(int, min_nm);
+        QFETCH(double, spacing_nm);
+        QWidget dialog;
+        wctest::UnitScope scope(&dialog, unit);
+        wc::FieldTable<Record> table(&dialog, &dialog, kRows);
+        if (QTest::currentDataTag() == QByteArray("mil defaults")) {
+            QCOMPARE(table.texts(), QStringList({"4.00", "10.00", "1.00", "2.00"}));
+        } else {
+            table.setTexts({min, spacing});
+        }
+        Record record;
+        table.fill(record);
+        QCOMPARE(record.min, min_nm);
+        QCOMPARE(record.spacing, spacing_nm);
+        QCOMPARE(record.hidden, -1);  // a disabled row never reaches the record
+        QCOMPARE(table.firstEmpty(), min.isEmpty() ? 0 : -1);
+        QVERIFY(!dialog.findChild<QLineEdit*>("lineEdit_Hidden")->isEnabled());
+        QCOMPARE(dialog.findChild<QLabel*>("label_Spacing")->text(), " Spacing:");
+        QCOMPARE(dialog.findChild<QLabel*>("label_SpacingUnit")->text(), unit == 0 ? "mil" : "mm");
+    }
+
+    void fieldTableCommitsAndConverts() {
+        QWidget dialog;
+        wctest::UnitScope scope(&dialog, 0);
+        wc::FieldTable<Record> table(&dialog, &dialog, kRows);
+        wctest::MessageBoxAnswerer answerer;
+        table.edit(0)->setText("21");
+        QTest::keyClick(table.edit(0), Qt::Key_Return);
+        QCOMPARE(answerer.count(), 1);
+        QCOMPARE(answerer.last().text,
+                 "Illegal float value\nfloating value for field \"min_value\" is out of range: "
+                 "21\nlegal values: from 0 to 20");
+        QCOMPARE(table.edit(0)->text(), "4");
+        scope.change(1);
+        table.changeUnit();
+        QCOMPARE(table.edit(1)->text(), "0.254");
+        QCOMPARE(table.unitLabel(0)->text(), "mm");
+    }
+
+    void scopeAndCountRules() {
+        QCOMPARE(wc::runScope(wc::ScopeScreen, false), 1);
+        QCOMPARE(wc::runScope(wc::ScopeProfile, true), 3);
+        QCOMPARE(wc::layersProcessedText(0), "No layers were processed");
+        QCOMPARE(wc::layersProcessedText(1), "1 layer was processed");
+        QCOMPARE(wc::layersProcessedText(1, wc::CountWording::Viewer), "1 layer  was processed");
+        QCOMPARE(wc::layersProcessedText(12), "12 layers were processed");
+    }
+
+    void runButtonsAndRememberedScope() {
+        QWidget dialog;
+        wc::RunControls controls(&dialog, {"SignalLayerRanges", "top", "", true});
+        controls.pressRun(wc::ScopeProfile);
+        QCOMPARE(controls.rememberedScope(), 2);
+        controls.pressRun(wc::ScopeGlobal);
+        // The global button leaves the remembered scope alone.
+        QCOMPARE(controls.rememberedScope(), 2);
+        QCOMPARE(controls.runButton(0)->styleSheet(),
+                 "QPushButton{background-image:url(:/Widget_Common/Resources/Run "
+                 "globally1.jpg);border: 2px solid red;}");
+        QCOMPARE(controls.runButton(2)->styleSheet(),
+                 "QPushButton{background-image:url(:/Widget_Common/Resources/Run on features "
+                 "inside profile1.jpg);}");
+        QCOMPARE(controls.runButton(1)->toolTip(), "Run on features on screen only");
+        controls.setViewState(wc::RunControls::ViewState::Stopped);
+        QVERIFY(controls.viewButton()->styleSheet().contains("viewred.jpg"));
+        controls.markStale();
+        QCOMPARE(controls.viewButton()->styleSheet(), QString());
+    }
+
+    void layerResolution_data() {
+        QTest::addColumn<QString>("expression");
+        QTest::addColumn<QStringList>("layers");
+        QTest::addColumn<QStringList>("missing");
+        row("names", "bottom;x1;top;x2", QStringList{"bottom", "top"}, QStringList{"x1", "x2"});
+        row("filter", ".type=signal&side=top|bottom", QStringList{"top", "bottom"}, QStringList{});
+        row("empty", "", QStringList{}, QStringList{});
+    }
+    void layerResolution() {
+        QFETCH(QString, expression);
+        QFETCH(QStringList, layers);
+        QFETCH(QStringList, missing);
+        const wc::LayerResolution resolution = wc::resolveLayers("sample_job", expression);
+        QStringList resolved;
+        for (const std::string& layer : resolution.layers) {
+            resolved.append(QString::fromStdString(layer));
+        }
+        QCOMPARE(resolved, layers);
+        QCOMPARE(resolution.missing, missing);
+    }
+
+    void rangeMapByNameAndRow() {
+        std::vector<Korvo::UIAPI::Analysis_Ranges_Record> records =
+            Korvo::UIAPI::getRanges("SignalLayerRanges");
+        QVERIFY(records.size() > 5);
+        records.resize(3);
+        std::swap(records[0], records[2]);
+        records.push_back({"no such range", 1, 2, 3});
+        const auto by_name = wc::buildRangeMap<Korvo::API::signal_layers_checks_items,
+                                               Korvo::API::signal_check_range>(
+            "SignalLayerRanges", records, wc::toCheckRange);
+        QCOMPARE(by_name.size(), size_t(3));  // the unknown name is left out
+        QCOMPARE(by_name.at(Korvo::API::signal_layers_checks_items(2)).red, records[0].RedLv);
+        const auto by_row = wc::buildRangeMap<int, Korvo::API::dfm_range_value>(
+            "SignalLayerRanges", records, wc::toDfmRangeValue, wc::RangeLookup::ByRow);
+        QCOMPARE(by_row.size(), size_t(4));
+        QCOMPARE(by_row.at(0).limits.second, records[0].YellowLv);
+        QCOMPARE(by_row.at(0).value, records[0].GreenLv);
+    }
+
+    void popups() {
+        wctest::TemporaryWorkingDirectory working;
+        QDir().mkpath("ERFconfig/SignalLayerRanges");
+        for (const char* name : {"b", "a"}) {
+            QFile file(QString("ERFconfig/SignalLayerRanges/%1.json").arg(name));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        QWidget dialog;
+        wc::RunControls controls(&dialog, {"SignalLayerRanges", "", "", true});
+        controls.setJob("sample_job");
+        controls.showLayerPopup();
+        auto* list = controls.layerPopup()->findChild<QListWidget*>("listWidget_Items");
+        QCOMPARE(list->count(), 12);  // the displayed (board) layers of the sample job
+        list->item(4)->setSelected(true);
+        list->item(2)->setSelected(true);
+        controls.layerPopup()->choose();
+        QCOMPARE(controls.layerEdit()->text(), list->item(2)->text() + ";" + list->item(4)->text());
+
+        QSignalSpy chosen(&controls, &wc::RunControls::erfChosen);
+        controls.showErfPopup();
+        QCOMPARE(controls.erfPopup()->items(), QStringList({"a", "b"}));
+        controls.erfPopup()
+            ->findChild<QListWidget*>("listWidget_Items")
+            ->item(1)
+            ->setSelected(true);
+        controls.erfPopup()->choose();
+        QCOMPARE(chosen.count(), 1);
+        QCOMPARE(chosen.at(0).at(0).toString(), "b");
+    }
+};
+
+QTEST_MAIN(tst_RunControls)
+#include "tst_RunControls.moc"
