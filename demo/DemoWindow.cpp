@@ -15,6 +15,7 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <set>
 
 #include "FeatureFilterHost.h"
@@ -23,6 +24,7 @@
 #include "Korvo_UIAPI.h"
 #include "PluginBus.h"
 #include "StepRepeatDemo.h"
+#include "analysis_drawing_data.h"
 #include "frame/PluginMessages.h"
 
 namespace {
@@ -109,6 +111,16 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
         view_->clearOverlays();
         view_->clearFeatureMarks(GraphicView::Mark::Highlighted);
     });
+    // The viewer's hits: the view draws their measurement shapes and zooms or pans to them.
+    for (int code :
+         {wc::code::ShowOneHit, wc::code::ShowAllHits, wc::code::SolderMaskOptOneHit,
+          wc::code::SolderMaskOptAllHits, wc::code::NfpOrConductorOneHit, wc::code::TeardropOneHit,
+          wc::code::DrillTableOneHit, wc::code::DrillTableAllHits, wc::code::MrcOneHit,
+          wc::code::MrcAllHits, wc::code::PrepareOneHit, wc::code::PrepareAllHits,
+          wc::code::PadSnappingOneHit, wc::code::PadSnappingAllHits, wc::code::PowerGroundOneHit,
+          wc::code::PowerGroundAllHits, wc::code::PowerGroundOptAllHits}) {
+        onMessage(code, [this](const PluginMetaData& message) { showHits(message); });
+    }
     onMessage(wc::code::RefreshMatrix, [this](const PluginMetaData&) { refreshLayers(); });
     onMessage(wc::code::RefreshGraphic, [this](const PluginMetaData&) {
         refreshJobs();
@@ -263,6 +275,50 @@ void DemoWindow::showStep(const QString& step) {
     steps_->setCurrentText(step);
 }
 
+void DemoWindow::showHits(const PluginMetaData& message) {
+    if (message.receiver != wc::module::GraphicView || message.payload == nullptr) {
+        return;
+    }
+    // The drawing data lives in the viewer during this call only: the overlays copy the points.
+    const auto& data = *static_cast<const Korvo::API::analysis_drawing_data*>(message.payload);
+    std::vector<GraphicView::Overlay> overlays;
+    for (const Korvo::API::analysis_drawing_shape& shape : data.shapes) {
+        GraphicView::Overlay overlay;
+        overlay.kind = shape.kind == Korvo::API::check_points::box ? GraphicView::Overlay::Box
+                       : shape.kind == Korvo::API::check_points::polygon
+                           ? GraphicView::Overlay::Polygon
+                           : GraphicView::Overlay::Line;
+        overlay.points.assign(shape.points, shape.points + shape.point_count);
+        overlay.text = QString::fromStdString(data.value_text);
+        overlays.push_back(std::move(overlay));
+    }
+    // Replace layers: only the hit's layers are displayed; keep layers: they are added.
+    {
+        const QSignalBlocker blocker(layers_);
+        for (int row = 0; row < layers_->count(); ++row) {
+            QListWidgetItem* item = layers_->item(row);
+            const bool named = std::find(data.layer_names.begin(), data.layer_names.end(),
+                                         item->text().toStdString()) != data.layer_names.end();
+            if (named) {
+                item->setCheckState(Qt::Checked);
+            } else if (data.replace_layers && !data.layer_names.empty()) {
+                item->setCheckState(Qt::Unchecked);
+            }
+        }
+    }
+    redraw();
+    view_->setOverlays(overlays);
+    if (overlays.empty()) {
+        return;
+    }
+    if (data.zoom_policy == Korvo::API::analysis_drawing_data::auto_zoom) {
+        view_->zoomToBox(data.bounds);
+    } else {
+        view_->panTo(
+            {(data.bounds.xmin + data.bounds.xmax) / 2, (data.bounds.ymin + data.bounds.ymax) / 2});
+    }
+}
+
 void DemoWindow::onMessage(int code, MessageHandler handler) {
     handlers_.emplace(code, std::move(handler));
 }
@@ -369,6 +425,14 @@ QStringList DemoWindow::tour(const QString& folder) {
         }
     }
     setDisplayUnit(0);
+    // A hit of the viewer as the host's view shows it.
+    for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
+        if (entry.menu == QLatin1String("Results Viewer...")) {
+            steps_->setCurrentText(QStringLiteral("pcb"));
+            entry.apply(openDialog(entry));
+            snap(this, QStringLiteral("demo_hit"));
+        }
+    }
     if (setLanguage(true)) {
         for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
             QWidget* dialog = openDialog(entry);

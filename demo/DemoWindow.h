@@ -54,6 +54,7 @@ private:
     void refreshJobs();
     void refreshLayers();
     void dispatch(const PluginMetaData& message);
+    void showHits(const PluginMetaData& message);
 
     demo::DemoContext context_;
     GraphicView* view_ = nullptr;

@@ -1,5 +1,6 @@
 #include "DialogCatalogue.h"
 
+#include <QComboBox>
 #include <QObject>
 
 #include "FeatureFilterEntry.h"
@@ -96,7 +97,15 @@ DialogEntry resultsViewer() {
     entry.changeLanguage = [](QWidget* w) {
         static_cast<Widget_ResultsViewer*>(w)->change_language();
     };
-    entry.apply = [](QWidget* w) { static_cast<Widget_ResultsViewer*>(w)->on_Right_clicked(); };
+    // Every severity admitted, then the first hit shown in the view.
+    entry.apply = [](QWidget* w) {
+        if (auto* level = w->findChild<QComboBox*>(QStringLiteral("m_pLevelCB"))) {
+            level->setCurrentIndex(level->count() - 1);
+            QMetaObject::invokeMethod(w, "on_Level_changed", Qt::DirectConnection,
+                                      Q_ARG(QString, level->currentText()));
+        }
+        static_cast<Widget_ResultsViewer*>(w)->on_Right_clicked();
+    };
     return entry;
 }
 
