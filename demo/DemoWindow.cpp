@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QDockWidget>
+#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -141,6 +142,14 @@ DemoWindow::~DemoWindow() {
 void DemoWindow::buildMenus() {
     QMenu* job = menuBar()->addMenu(tr("&Job"));
     job->addAction(tr("Open sample job"), this, [this] { openSampleJob(); });
+    job->addAction(tr("Open fabrication files..."), this, [this] {
+        const QString folder =
+            QFileDialog::getExistingDirectory(this, tr("Folder of Gerber and drill files"),
+                                              QStringLiteral("/usr/share/doc/gerbv/examples"));
+        if (!folder.isEmpty()) {
+            openFabricationFiles(folder);
+        }
+    });
     job->addSeparator();
     job->addAction(tr("Quit"), qApp, &QApplication::quit);
 
@@ -190,6 +199,25 @@ bool DemoWindow::openSampleJob() {
             .arg(kJob)
             .arg(steps.size())
             .arg(layers.size()));
+    return true;
+}
+
+bool DemoWindow::openFabricationFiles(const QString& folder) {
+    // One layer per file, named, typed and ordered from the file names by the reference import.
+    const QString job = QDir(folder).dirName().toLower().replace(QRegExp("[^a-z0-9_+.-]"), "_");
+    if (!Korvo::API::is_job_opened(job.toStdString()) &&
+        !Korvo::API::open_job(job.toStdString(), folder.toStdString())) {
+        log(tr("No job could be built from %1 (see the log for the files it refused)").arg(folder));
+        return false;
+    }
+    context_.job = job;
+    std::vector<std::string> steps;
+    std::vector<Korvo::API::layer_info> layers;
+    Korvo::API::get_matrix(job.toStdString(), steps, layers);
+    context_.step = steps.empty() ? QString() : QString::fromStdString(steps.front());
+    layers_->clear();  // a new job shows its first signal layer and its drills
+    refreshJobs();
+    log(tr("Opened job \"%1\" from %2: %3 layers").arg(job, folder).arg(layers.size()));
     return true;
 }
 

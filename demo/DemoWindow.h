@@ -25,6 +25,8 @@ public:
     ~DemoWindow() override;
 
     bool openSampleJob();
+    // Builds a job from a folder of Gerber and drill files and shows it.
+    bool openFabricationFiles(const QString& folder);
     QWidget* openDialog(const demo::DialogEntry& entry);
     void setDisplayUnit(int unit);
     // Installs the Chinese catalogue (or removes it) and re-applies every open dialog's texts;

@@ -29,10 +29,17 @@ int main(int argc, char** argv) {
                                   QStringLiteral("Write a PNG of every dialog to <dir> and exit."),
                                   QStringLiteral("dir"));
     parser.addOption(tourOption);
+    QCommandLineOption openOption(
+        QStringLiteral("open"), QStringLiteral("Open a folder of Gerber and drill files as a job."),
+        QStringLiteral("folder"));
+    parser.addOption(openOption);
     parser.process(app);
 
     DemoWindow window;
     window.openSampleJob();
+    if (parser.isSet(openOption) && !window.openFabricationFiles(parser.value(openOption))) {
+        return 1;
+    }
 
     QString tourFolder = parser.value(tourOption);
     if (tourFolder.isEmpty() && noDisplay) {
