@@ -391,9 +391,15 @@ bool DemoWindow::setLanguage(bool chinese) {
     QCoreApplication::removeTranslator(&translator_);
     bool loaded = true;
     if (chinese) {
-        const QString folder = QCoreApplication::applicationDirPath() + "/translations";
-        loaded = translator_.load(QStringLiteral("widget_common_zh_CN"), folder) &&
-                 QCoreApplication::installTranslator(&translator_);
+        QString folder = QCoreApplication::applicationDirPath() + "/translations";
+        loaded = translator_.load(QStringLiteral("widget_common_zh_CN"), folder);
+#ifdef WIDGET_COMMON_DEMO_QM_DIR
+        if (!loaded) {
+            folder = QStringLiteral(WIDGET_COMMON_DEMO_QM_DIR);
+            loaded = translator_.load(QStringLiteral("widget_common_zh_CN"), folder);
+        }
+#endif
+        loaded = loaded && QCoreApplication::installTranslator(&translator_);
         if (!loaded) {
             log(tr("The Chinese catalogue was not found in %1").arg(folder));
         }

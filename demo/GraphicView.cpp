@@ -276,6 +276,7 @@ void GraphicView::reload() {
         delete item;
     }
     instanceLayerItems_.clear();
+    placements_.clear();
     int index = 0;
     for (const std::string& layer : layers_) {
         const QColor colour = layerColour(index++);
@@ -307,6 +308,9 @@ void GraphicView::addInstanceLayers(const std::string& step, const std::string& 
             shapes = children.emplace(child, readLayer(job_, child, layer)).first;
         }
         const QTransform placement = instanceTransform(instance) * outer;
+        if (layer == layers_.front()) {
+            placements_.push_back(placement);
+        }
         auto* item = new LayerItem(shapes->second, colour);
         item->setTransform(placement);
         item->setZValue(z);

@@ -52,6 +52,8 @@ public:
     // Instance boxes of the panel, in table order; `selected` marks the picked ones.
     void setInstanceSelection(const std::set<std::pair<int, int>>& selected);
     int instanceCount() const { return int(instanceBoxes_.size()); }
+    // Where each instance puts the step it places (nested ones included), as drawn.
+    const std::vector<QTransform>& instancePlacements() const { return placements_; }
 
     void zoomToBox(const Korvo::API::reply_box& box);
     void panTo(const Korvo::API::point& centre);
@@ -83,6 +85,7 @@ private:
     std::vector<std::string> layers_;
     std::map<std::string, LayerItem*> layerItems_;
     std::vector<QGraphicsItem*> instanceLayerItems_;
+    std::vector<QTransform> placements_;
     std::vector<QGraphicsItem*> overlayItems_;
     struct InstanceBox {
         int row = 0;

@@ -1,0 +1,227 @@
+// The demo host as a host: what its graphic view does with each message the dialogs send, that
+// the panel drawing puts each instance where the engine does, and that the tour pictures every
+// dialog.
+
+#include <QImage>
+#include <QListWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <cmath>
+#include <functional>
+#include <set>
+
+#include "DemoWindow.h"
+#include "DialogCatalogue.h"
+#include "FeatureFilterSettings.h"
+#include "GraphicView.h"
+#include "Korvo_API.h"
+#include "QTpluginsManger4CAM.h"
+#include "ReferenceEngine.h"
+#include "analysis_drawing_data.h"
+#include "frame/PluginMessages.h"
+
+namespace {
+
+using Korvo::API::analysis_drawing_data;
+using Korvo::API::point;
+using Send = std::function<void(DemoWindow&)>;
+
+void send(DemoWindow& window, int code, const QString& receiver, void* payload) {
+    PluginMetaData message;
+    message.sender = QStringLiteral("test");
+    message.receiver = receiver;
+    message.code = code;
+    message.payload = payload;
+    QTpluginsManger4CAM::instance()->recMegToPlugin(&window, message);
+}
+
+// The viewer's drawing data for `count` two-point hits on `layer`.
+Send hits(int code, int count, const std::string& layer, bool replace) {
+    return [=](DemoWindow& window) {
+        static const point line[] = {{0, 0}, {254000, 254000}};
+        analysis_drawing_data data;
+        data.replace_layers = replace;
+        data.layer_names = {layer};
+        for (int k = 0; k < count; ++k) {
+            data.shapes.push_back({Korvo::API::check_points::line, line, 2, 254000.0, 0});
+        }
+        data.bounds = {0, 0, 254000, 254000};
+        send(window, code, wc::module::GraphicView, &data);
+    };
+}
+
+Send filter(int code, const QString& receiver, int mask) {
+    return [=](DemoWindow& window) {
+        FeatureFilterSettings settings;
+        settings.feature_type = mask;
+        send(window, code, receiver, &settings);
+    };
+}
+
+Send both(Send first, Send second) {
+    return [=](DemoWindow& window) {
+        first(window);
+        second(window);
+    };
+}
+
+// Features of `type` on the layers the view shows.
+int shownFeatures(const GraphicView& view, int type) {
+    int count = 0;
+    for (const std::string& layer : view.displayedLayers()) {
+        std::vector<Korvo::API::featureInfo> features;
+        Korvo::API::get_all_feature_info(view.job(), view.step(), layer, features, type);
+        count += int(features.size());
+    }
+    return count;
+}
+
+bool hasSeveralColours(const QImage& image) {
+    const QRgb first = image.pixel(0, 0);
+    for (int y = 0; y < image.height(); y += 3) {
+        for (int x = 0; x < image.width(); x += 3) {
+            if (image.pixel(x, y) != first)
+                return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+Q_DECLARE_METATYPE(Send)
+
+class tst_DemoHost : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { wcref::resetEngine(); }
+
+    // What the view shows after the messages of a row: overlays, marked features (-1: as many
+    // as the shown layers hold of the filter's type) and whether "bottom" is displayed.
+    void messageReactions_data() {
+        using namespace wc::code;
+        const int pads = Korvo::API::FT_Pad | Korvo::API::FT_Positive | Korvo::API::FT_Negative;
+        QTest::addColumn<Send>("messages");
+        QTest::addColumn<int>("overlays");
+        QTest::addColumn<int>("highlighted");
+        QTest::addColumn<int>("hidden");
+        QTest::addColumn<bool>("bottomShown");
+        QTest::addColumn<int>("shownLayers");
+        QTest::newRow("one hit replaces the layers")
+            << hits(ShowOneHit, 1, "bottom", true) << 1 << 0 << 0 << true << 1;
+        QTest::newRow("all hits keep the layers")
+            << hits(ShowAllHits, 3, "bottom", false) << 3 << 0 << 0 << true << 4;
+        QTest::newRow("teardrop hit")
+            << hits(TeardropOneHit, 1, "top", true) << 1 << 0 << 0 << false << 1;
+        QTest::newRow("viewer closed clears")
+            << both(hits(ShowOneHit, 1, "bottom", true),
+                    [](DemoWindow& w) { send(w, ViewerClosed, wc::module::GraphicView, nullptr); })
+            << 0 << 0 << 0 << true << 1;
+        QTest::newRow("filter highlight")
+            << filter(FilterHighlight, wc::module::JobList, pads) << 0 << -1 << 0 << false << 3;
+        QTest::newRow("filter turn off")
+            << filter(FilterTurnOff, wc::module::JobList, pads) << 0 << 0 << -1 << false << 3;
+        QTest::newRow("filter to another module")
+            << filter(FilterHighlight, wc::module::GraphicView, pads) << 0 << 0 << 0 << false << 3;
+        QTest::newRow("filter closed clears")
+            << both(filter(FilterHighlight, wc::module::JobList, pads),
+                    [](DemoWindow& w) {
+                        PluginMetaData message;
+                        message.receiver = wc::module::JobList;
+                        message.code = FilterHistogramOrClose;
+                        message.values[QStringLiteral("type")] = QStringLiteral("close");
+                        QTpluginsManger4CAM::instance()->recMegToPlugin(&w, message);
+                    })
+            << 0 << 0 << 0 << false << 3;
+    }
+    void messageReactions() {
+        QFETCH(Send, messages);
+        DemoWindow window;
+        QVERIFY(window.openSampleJob());
+        GraphicView* view = window.view();
+        messages(window);
+        QFETCH(int, overlays);
+        QFETCH(int, highlighted);
+        QFETCH(int, hidden);
+        QFETCH(bool, bottomShown);
+        QFETCH(int, shownLayers);
+        const int pads = shownFeatures(*view, Korvo::API::FT_Pad);
+        QVERIFY(pads > 0);
+        QCOMPARE(view->overlayCount(), overlays);
+        QCOMPARE(view->markedCount(GraphicView::Mark::Highlighted),
+                 highlighted < 0 ? pads : highlighted);
+        QCOMPARE(view->markedCount(GraphicView::Mark::Hidden), hidden < 0 ? pads : hidden);
+        const std::vector<std::string>& shown = view->displayedLayers();
+        QCOMPARE(std::count(shown.begin(), shown.end(), "bottom") == 1, bottomShown);
+        QCOMPARE(int(shown.size()), shownLayers);
+    }
+
+    // Every pad of the placed board lands where the engine's own flattening puts it, for a
+    // turned and a mirrored row alike.
+    void panelDrawingFollowsTheEngine_data() {
+        QTest::addColumn<int>("angle");
+        QTest::addColumn<bool>("mirror");
+        QTest::newRow("as placed") << -1 << false;
+        QTest::newRow("90 mirrored") << 90 << true;
+        QTest::newRow("270") << 270 << false;
+        QTest::newRow("45 mirrored") << 45 << true;
+    }
+    void panelDrawingFollowsTheEngine() {
+        QFETCH(int, angle);
+        QFETCH(bool, mirror);
+        const std::string job = "sample_job";
+        QVERIFY(wcref::openSampleJob(job));
+        std::vector<Korvo::API::step_repeat_op> rows;
+        QVERIFY(Korvo::API::get_step_repeat(job, "panel", rows));
+        if (angle >= 0) {
+            rows.back().angle = angle;
+            rows.back().mirror = mirror;
+            QVERIFY(Korvo::API::set_step_repeat(job, "panel", rows));
+        }
+        QVERIFY(Korvo::API::flatten_step(job, "panel", "top", "doc"));
+        std::vector<Korvo::API::featureInfo> flat;
+        Korvo::API::get_all_feature_info(job, "panel", "doc", flat, Korvo::API::FT_Pad);
+        std::vector<Korvo::API::featureInfo> child;
+        Korvo::API::get_all_feature_info(job, "pcb", "top", child, Korvo::API::FT_Pad);
+
+        GraphicView view;
+        view.showStep(job, "panel", {"top"});
+        QCOMPARE(view.instanceCount(), int(view.instancePlacements().size()));
+        QVERIFY(view.instanceCount() > 0);
+        const auto near = [&flat](const QPointF& p) {
+            return std::any_of(flat.begin(), flat.end(), [&p](const Korvo::API::featureInfo& f) {
+                return std::abs(f.start.x - p.x()) < 1.0 && std::abs(f.start.y - p.y()) < 1.0;
+            });
+        };
+        for (const QTransform& placement : view.instancePlacements()) {
+            for (const Korvo::API::featureInfo& pad : child) {
+                const QPointF drawn = placement.map(QPointF(pad.start.x, pad.start.y));
+                QVERIFY2(near(drawn), qPrintable(QStringLiteral("pad %1 drawn at %2, %3")
+                                                     .arg(pad.id)
+                                                     .arg(drawn.x())
+                                                     .arg(drawn.y())));
+            }
+        }
+    }
+
+    void tourPicturesEveryDialog() {
+        QTemporaryDir folder;
+        DemoWindow window;
+        QVERIFY(window.openSampleJob());
+        const QStringList written = window.tour(folder.path());
+        for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
+            QString name = entry.menu;
+            name.remove(QStringLiteral("...")).replace(' ', '_');
+            for (const char* suffix : {"_mil", "_mm", "_zh"}) {
+                const QString path = QDir(folder.path()).filePath(name + suffix + ".png");
+                QVERIFY2(written.contains(path), qPrintable(path));
+                QVERIFY2(hasSeveralColours(QImage(path)), qPrintable(path));
+            }
+        }
+        QVERIFY(hasSeveralColours(QImage(QDir(folder.path()).filePath("demo_hit.png"))));
+    }
+};
+
+QTEST_MAIN(tst_DemoHost)
+#include "tst_DemoHost.moc"
