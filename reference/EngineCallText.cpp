@@ -152,7 +152,8 @@ std::string dfmParams(const Korvo::API::teardrop_create_DFM_op_params& p) {
                              {"annular_ring_min", number(p.annular_ring_min)},
                              {"teardrop_type", number(p.teardrop_type)},
                              {"ranges", number(static_cast<int>(p.ranges.size()))},
-                             {"scope", number(p.scope)}});
+                             {"scope", number(p.scope)},
+                             {"report_only", flag(p.report_only)}});
 }
 
 std::string dfmParams(const Korvo::API::NFP_removal_DFM_op_params& p) {
@@ -167,7 +168,8 @@ std::string dfmParams(const Korvo::API::NFP_removal_DFM_op_params& p) {
                              {"apply_to", number(p.apply_to)},
                              {"action", number(p.action)},
                              {"pad_kinds", joined(kinds)},
-                             {"ranges", number(static_cast<int>(p.ranges.size()))}});
+                             {"ranges", number(static_cast<int>(p.ranges.size()))},
+                             {"scope", number(p.scope)}});
 }
 
 }  // namespace calltext

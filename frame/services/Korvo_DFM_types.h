@@ -63,8 +63,12 @@ struct signal_layer_DFM_op_params {
     bool reroute = false;
     bool line_down = false;
     bool reshape = false;
-    int32_t option_a = 1;
-    int32_t option_b = 0;
+    // Repair passes over each layer: a pass repeats the repairs where the previous one left a
+    // value under its minimum. The dialog leaves it at 1.
+    int32_t repair_passes = 1;
+    // How far under a minimum a value may stay and still count as met, in engine units. The
+    // dialog leaves it at 0.
+    int32_t minimum_tolerance = 0;
     std::map<signal_layer_DFM_op_items, dfm_range_value> ranges;
     int32_t scope = 0;
     int32_t smd_to_smd = 0;
@@ -130,10 +134,10 @@ struct solder_mask_DFM_params {
     std::map<int32_t, int32_t> smd_compensate_ranges;
     std::map<int32_t, int32_t> gas_ranges;
     std::map<solder_mask_DFM_op_items, dfm_range_value> ranges;
-    int32_t scope = 0;
     // Left at their defaults by the dialog.
     int32_t min_mask_dam = 0;
     bool keep_existing_shaves = false;
+    int32_t scope = 0;
 };
 
 using solder_mask_DFM_result_map =
@@ -172,6 +176,8 @@ struct teardrop_create_DFM_op_params {
     int32_t arc_angle = 0;
     bool consider_solder_mask = false;
     int32_t scope = 0;
+    // "Work Mode" = "Report": the engine grades where teardrops are missing and changes nothing.
+    bool report_only = false;
 };
 
 using teardrop_result_map = std::map<teardrop_create_DFM_op_items, teardrop_create_DFM_op_result>;
@@ -198,6 +204,8 @@ struct NFP_removal_DFM_op_params {
     int32_t action = 0;              // 0 remove, 1 mark
     std::vector<int32_t> pad_kinds;  // 1 isolated, 2 duplicate, 3 drilled over, 4 covered
     std::map<NFP_removal_DFM_op_items, dfm_range_value> ranges;
+    // 0 globally, 1 on screen only, 2 inside the profile, 3 the selected features.
+    int32_t scope = 0;
 };
 
 using NFP_removal_result_map = std::map<NFP_removal_DFM_op_items, NFP_removal_DFM_op_result>;
