@@ -6,6 +6,7 @@
 #include "FeatureFilterEntry.h"
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
+#include "OptimisationEntries.h"
 #include "StepRepeatDemo.h"
 #include "analysis/Widget_Ranges.h"
 #include "analysis/Widget_ResultsViewer.h"
@@ -149,9 +150,9 @@ DialogEntry signalLayerChecks() {
 }  // namespace
 
 const std::vector<DialogEntry>& dialogCatalogue() {
-    static const std::vector<DialogEntry> entries = {contourize(),    signalLayerChecks(),
-                                                     resultsViewer(), ranges(),
-                                                     featureFilter(), stepRepeatEditor()};
+    static const std::vector<DialogEntry> entries = {
+        contourize(),    signalLayerChecks(), resultsViewer(), ranges(),
+        featureFilter(), stepRepeatEditor(),  signalLayerOpt()};
     return entries;
 }
 

@@ -46,8 +46,10 @@ FieldTableWidgets::FieldTableWidgets(QWidget* dialog, const void* handle,
         field.reset_text = QString::fromUtf8(spec.reset_text);
         labels_.append(label);
         unit_labels_.append(unit_label);
-        QObject::connect(edit, &QLineEdit::returnPressed, dialog,
-                         [this, row = static_cast<int>(row)] { commit(row); });
+        if (spec.reset_text != nullptr && *spec.reset_text != '\0') {
+            QObject::connect(edit, &QLineEdit::returnPressed, dialog,
+                             [this, row = static_cast<int>(row)] { commit(row); });
+        }
     }
 }
 

@@ -67,7 +67,9 @@ struct FieldSpec {
     double default_mil = 0.0;
     double lower_mil = 0.0;
     double upper_mil = 0.0;
-    const char* reset_text = "";  // put back as it stands after a refused commit
+    // Put back as it stands after a refused commit. A row without one has no commit on Return:
+    // its dialog checks it only when it runs.
+    const char* reset_text = "";
     bool enabled = true;
 };
 

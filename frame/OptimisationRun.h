@@ -41,6 +41,7 @@ struct OptimisationOutcome {
     bool worker_threw = false;  // the engine threw on the worker (logged there)
     bool dialog_gone = false;   // the dialog was destroyed while the engine ran
     bool engine_ok = false;     // what the engine call returned
+    bool completed = false;     // the worker returned and the run's end was shown
     int layer_count = 0;        // the number of layers the run was given
 };
 
@@ -80,9 +81,10 @@ struct OptimisationBlock : Korvo::COMMON::progress_value<void> {
     bool ok = false;
 };
 
-// Runs `call(layers, result, progress)` (steps 6 to 10 of every optimisation). `result` is
-// replaced by what the engine produced, also after a stop. `layers` must not be empty: the
-// dialog reports an empty list itself, with no run and no notification.
+// Runs `call(layers, result, progress)` on a worker. Once the worker has returned, `result`
+// gets what the engine produced (also after a stop) and `completed` is set; until then the
+// caller's map is not touched, so a viewer showing it stays valid during the run. `layers` must not
+// be empty: the dialog reports an empty list itself, with no run and no notification.
 template <class Result, class Call>
 OptimisationOutcome runOptimisation(RunControls& controls, QWidget* dialog, const char* source_file,
                                     const OptimisationTexts& texts, const QString& job,
@@ -90,7 +92,6 @@ OptimisationOutcome runOptimisation(RunControls& controls, QWidget* dialog, cons
                                     Call call, int line = __builtin_LINE()) {
     OptimisationOutcome outcome;
     outcome.layer_count = static_cast<int>(layers.size());
-    result = Result();
     OptimisationRunner runner(controls, dialog, source_file, texts, job);
     auto block = std::make_shared<OptimisationBlock<Result>>();
     QString description;
@@ -118,6 +119,7 @@ OptimisationOutcome runOptimisation(RunControls& controls, QWidget* dialog, cons
     result = std::move(block->result);
     outcome.engine_ok = block->ok;
     runner.complete(outcome.layer_count);
+    outcome.completed = true;
     return outcome;
 }
 

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "DialogCatalogue.h"
+
+namespace demo {
+
+// The DFM optimisation dialogs; the tour presses "Run globally" on each.
+DialogEntry signalLayerOpt();
+
+}  // namespace demo

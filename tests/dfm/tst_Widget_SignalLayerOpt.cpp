@@ -1,0 +1,367 @@
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QtTest>
+
+#include <atomic>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+#include "DataRows.h"
+#include "MessageBoxAnswerer.h"
+#include "PluginSpy.h"
+#include "ReferenceEngine.h"
+#include "ScopedEngineHook.h"
+#include "TemporaryWorkingDirectory.h"
+#include "UnitScope.h"
+#include "ZeProgressDialog.h"
+#include "analysis/Widget_ResultsViewer.h"
+#include "dfm/Widget_SignalLayerOpt.h"
+#include "frame/BackgroundRun.h"
+#include "frame/ParameterSetActions.h"
+#include "frame/RunControls.h"
+
+using namespace Korvo::API;
+using Params = signal_layer_DFM_op_params;
+using wctest::row;
+
+namespace {
+
+const char* const kJob = "sample_job";
+const char* const kRed = "QPushButton{background-image:url(:/Widget_Common/Resources/viewred.jpg)}";
+const char* const kGreen =
+    "QPushButton{background-image:url(:/Widget_Common/Resources/viewgreen.jpg)}";
+
+template <typename T = QWidget>
+T* child(QWidget& dialog, const QString& name) {
+    T* found = dialog.findChild<T*>(name);
+    if (found == nullptr) {
+        qFatal("no child %s", qPrintable(name));
+    }
+    return found;
+}
+
+QLineEdit* field(QWidget& dialog, const QString& key) {
+    return child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key);
+}
+
+// What the engine was given; the hook runs on the worker.
+struct EngineSpy {
+    std::mutex lock;
+    int calls = 0;
+    Params params;
+    std::vector<std::string> layers;
+
+    auto hook() {
+        return [this](const std::string&, const std::string&, const std::vector<std::string>& l,
+                      Params p, signal_layer_DFM_result_map& result,
+                      Korvo::COMMON::progress_value<void>*) {
+            std::lock_guard<std::mutex> guard(lock);
+            ++calls;
+            params = p;
+            layers = l;
+            for (const std::string& layer : l) {
+                result[layer][sdi_pad_up].red.resize(2);
+            }
+            return true;
+        };
+    }
+};
+
+void stopWhenTheWindowShows(QTimer& stopper) {
+    QObject::connect(&stopper, &QTimer::timeout, [] {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
+                window->requestStop();
+            }
+        }
+    });
+    stopper.start(5);
+}
+
+}  // namespace
+
+class tst_Widget_SignalLayerOpt : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob(kJob));
+        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
+        host_ = std::make_unique<QWidget>();
+    }
+    void cleanup() {
+        host_.reset();
+        working_.reset();
+        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
+    }
+
+    // Every field goes to its own member, truncated to whole nanometres, in either unit; the
+    // disabled rows and the options the dialog does not own never reach the record.
+    void record_data() {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<bool>("selected");
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<int>("scope");
+        row("mil, globally", 0, false, "pushButton_RunGlobally", 0);
+        row("mil, profile", 0, false, "pushButton_RunProfile", 2);
+        row("mm, screen", 1, false, "pushButton_RunScreen", 1);
+        row("mm, Selected wins over the button", 1, true, "pushButton_RunGlobally", 3);
+    }
+    void record() {
+        QFETCH(int, unit);
+        QFETCH(bool, selected);
+        QFETCH(QString, button);
+        QFETCH(int, scope);
+        wctest::UnitScope units(host_.get(), unit);
+        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        // Distinct values per field, so that any two swapped members show.
+        const QStringList keys = {
+            "PTHARMin",    "PTHAROpt",    "VIAARMin",   "VIAAROpt",   "LaserARMin",  "LaserAROpt",
+            "BuriedARMin", "BuriedAROpt", "SpacingMin", "SpacingOpt", "PadToPadMin", "PadToPadOpt",
+            "AloneDrill",  "SMDtoSMD",    "BGAtoBGA",   "SMDShaving", "BGAShaving"};
+        // Fractions of a nanometre on purpose: the record truncates.
+        const double base = unit == 0 ? 0.5 : 0.1;
+        const double step = unit == 0 ? 0.5 : 0.005;
+        const double nm = unit == 0 ? 25400.0 : 1e6;
+        for (int i = 0; i < keys.size(); ++i) {
+            field(dialog, keys[i])->setText(QString::number(base + step * i + step / 3.0, 'f', 4));
+        }
+        for (const char* disabled : {"NVIAARMin", "NVIAAROpt", "LREFrom", "LRETo", "Reduction"}) {
+            QVERIFY(!field(dialog, disabled)->isEnabled());
+            field(dialog, disabled)->setText(QStringLiteral("0.3"));
+        }
+        child<QCheckBox>(dialog, "checkBox_ReRout")->setChecked(true);
+        child<QCheckBox>(dialog, "checkBox_PadDn")->setChecked(false);
+        child<QCheckBox>(dialog, "checkBox_VIAPadExpand")->setChecked(true);
+        child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->setChecked(selected);
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        wctest::MessageBoxAnswerer boxes;
+        child<QPushButton>(dialog, button)->click();
+        QCOMPARE(boxes.texts(), QStringList());
+
+        QCOMPARE(spy.calls, 1);
+        const int32_t members[] = {spy.params.pth_ar_min,
+                                   spy.params.pth_ar_opt,
+                                   spy.params.via_ar_min,
+                                   spy.params.via_ar_opt,
+                                   spy.params.laser_ar_min,
+                                   spy.params.laser_ar_opt,
+                                   spy.params.buried_ar_min,
+                                   spy.params.buried_ar_opt,
+                                   spy.params.spacing_min,
+                                   spy.params.spacing_opt,
+                                   spy.params.pad_to_pad_spacing_min,
+                                   spy.params.pad_to_pad_spacing_opt,
+                                   spy.params.alone_drill_to_pad,
+                                   spy.params.smd_to_smd,
+                                   spy.params.bga_to_bga,
+                                   spy.params.smd_shaving_limit,
+                                   spy.params.bga_shaving_limit};
+        for (int i = 0; i < keys.size(); ++i) {
+            const double typed = field(dialog, keys[i])->text().toDouble();
+            QCOMPARE(members[i], static_cast<int32_t>(typed * nm));
+        }
+        QCOMPARE(spy.params.scope, scope);
+        QVERIFY(spy.params.pad_up && spy.params.shave && spy.params.shave_same_net);
+        QVERIFY(!spy.params.pad_down && spy.params.reroute);
+        QVERIFY(!spy.params.line_down && !spy.params.reshape);
+        QVERIFY(spy.params.via_pad_expand_within_copper);
+        const Params defaults;
+        QCOMPARE(spy.params.repair_passes, defaults.repair_passes);
+        QCOMPARE(spy.params.minimum_tolerance, defaults.minimum_tolerance);
+        QVERIFY(spy.params.second_ranges.empty());
+        QVERIFY(!spy.params.ranges.empty());
+        QCOMPARE(spy.layers, (std::vector<std::string>{"top", "l3", "bottom"}));
+    }
+
+    // The run's checks: the five required fields first, then every non-empty field against
+    // twenty, or thirty for the LRE, %Reduction and Abs.Min rows, in the display unit.
+    void checks_data() {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("message");
+        row("empty required field", 0, "SpacingMin", "", "Illegal floating parameter");
+        row("empty optional field runs", 0, "SpacingOpt", "", "");
+        row("25 fails twenty", 0, "PTHAROpt", "25",
+            "Floating parameter out of range Value 25 is outside of (0, 20)");
+        row("twenty itself passes", 0, "BGAShaving", "20", "");
+        row("negative fails", 0, "SMDtoSMD", "-1",
+            "Floating parameter out of range Value -1 is outside of (0, 20)");
+        row("LRE To: accepts thirty", 0, "LRETo", "30", "");
+        row("Abs.Min: refuses above thirty", 0, "AbsMin", "30.5",
+            "Floating parameter out of range Value 30.5 is outside of (0, 30)");
+        row("mm: just under twenty mil", 1, "PTHARMin", "0.5", "");
+        row("mm: just over twenty mil", 1, "PTHARMin", "0.51",
+            "Floating parameter out of range Value 0.51 is outside of (0, 0.508)");
+    }
+    void checks() {
+        QFETCH(int, unit);
+        QFETCH(QString, key);
+        QFETCH(QString, text);
+        QFETCH(QString, message);
+        wctest::UnitScope units(host_.get(), unit);
+        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        field(dialog, key)->setText(text);
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        wctest::MessageBoxAnswerer boxes;
+        dialog.on_unGlobally_clicked();
+        if (message.isEmpty()) {
+            QCOMPARE(boxes.count(), 0);
+            QCOMPARE(spy.calls, 1);
+        } else {
+            QCOMPARE(boxes.texts(), QStringList{message});
+            QCOMPARE(boxes.last().title, "Information");
+            QCOMPARE(spy.calls, 0);
+        }
+    }
+
+    void shaveEnablesShaveSameNetWithoutTouchingIt() {
+        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        auto* shave = child<QCheckBox>(dialog, "checkBox_Shave");
+        auto* same_net = child<QCheckBox>(dialog, "checkBox_ShaveSameNet");
+        shave->click();
+        QVERIFY(!same_net->isEnabled());
+        QVERIFY(same_net->isChecked());
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        dialog.on_unGlobally_clicked();
+        QVERIFY(!spy.params.shave);
+        QVERIFY(spy.params.shave_same_net);
+        shave->click();
+        QVERIFY(same_net->isEnabled());
+    }
+
+    void noLayerNoRunNoNotification() {
+        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        dialog.setAffectedLayers({});
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        wctest::PluginSpy messages;
+        dialog.on_RunProfile_clicked();
+        QCOMPARE(child<QLabel>(dialog, "label_Status")->text(), "No layers were processed");
+        QCOMPARE(spy.calls, 0);
+        QCOMPARE(messages.count(), 0);
+        QVERIFY(!dialog.hasResults());
+    }
+
+    // A stop shows the terminated text and a red view button while the engine finishes; its
+    // return overwrites both, keeps what it produced and tells the host twice. An engine that
+    // throws ends the same way, logged and not shown.
+    void stopThenCompletion_data() {
+        QTest::addColumn<bool>("throws");
+        row("engine stops", false);
+        row("engine throws after the stop", true);
+    }
+    void stopThenCompletion() {
+        QFETCH(bool, throws);
+        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        dialog.setAffectedLayers({"top", "bottom"});
+        QStringList seen_while_stopping;
+        auto* status = child<QLabel>(dialog, "label_Status");
+        auto* view = child<QPushButton>(dialog, "pushButton_View");
+        wctest::ScopedEngineHook hook(
+            &wcref::EngineHooks::signal_layer_DFM_op,
+            [throws](const std::string&, const std::string&, const std::vector<std::string>&,
+                     Params, signal_layer_DFM_result_map& result,
+                     Korvo::COMMON::progress_value<void>* progress) {
+                result["top"][sdi_spacing].yellow.resize(1);
+                while (!progress->is_stop_requested()) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                }
+                // Long enough for the dialog to show the stop.
+                std::this_thread::sleep_for(std::chrono::milliseconds(450));
+                if (throws) {
+                    throw std::runtime_error("engine failure");
+                }
+                return false;
+            });
+        QTimer watcher;
+        QObject::connect(&watcher, &QTimer::timeout, [&] {
+            seen_while_stopping << status->text() + QStringLiteral(" | ") + view->styleSheet();
+        });
+        watcher.start(50);
+        QTimer stopper;
+        stopWhenTheWindowShows(stopper);
+        wctest::PluginSpy messages;
+        wctest::MessageBoxAnswerer boxes;
+        dialog.on_unGlobally_clicked();
+        watcher.stop();
+
+        QVERIFY(
+            seen_while_stopping.contains(QStringLiteral("SignalLayer opt terminated | ") + kRed));
+        QCOMPARE(status->text(), "2 layers were processed");
+        QCOMPARE(view->styleSheet(), kGreen);
+        QVERIFY(dialog.hasResults());
+        QCOMPARE(dialog.result().size(), size_t(1));
+        QVERIFY(child<QLabel>(dialog, "label_Time")->text().contains(" - "));
+        QCOMPARE(boxes.count(), 0);
+        QCOMPARE(messages.codes(), (QList<int>{20002401, 20002400}));
+        const QList<wctest::SeenMessage> seen = messages.messages();
+        QCOMPARE(seen[0].sender, "CAM_PNData_View.dll");
+        QCOMPARE(seen[0].receiver, "Matrix.dll");
+        QCOMPARE(seen[0].values.value("DstType").toString(), "Matrix");
+        QCOMPARE(seen[1].sender, "CAM_PNData_View.dll");
+        QCOMPARE(seen[1].receiver, "Graphic_JobList.dll");
+        QCOMPARE(seen[1].values.value("DstType").toString(), "Graphic");
+    }
+
+    void viewerShowsTheRunWithKindSeven() {
+        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        dialog.on_unGlobally_clicked();
+        dialog.on_Check_clicked();
+        auto* viewer = host_->findChild<Widget_ResultsViewer*>();
+        QVERIFY(viewer != nullptr);
+        QCOMPARE(viewer->tag(), 7);
+        QCOMPARE(viewer->kind(), wc::ViewerKind::SignalLayerDFM);
+        QCOMPARE(viewer->model().layers().size(), dialog.result().size());
+        // A second run refreshes the same window.
+        dialog.on_unGlobally_clicked();
+        dialog.on_Check_clicked();
+        QCOMPARE(host_->findChildren<Widget_ResultsViewer*>().size(), 1);
+    }
+
+    void parameterSetRoundTrip() {
+        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        QSignalSpy named(&dialog, &Widget_SignalLayerOpt::send_Sel_Template_Name);
+        field(dialog, "PTHARMin")->setText("7.25");
+        child<QCheckBox>(dialog, "checkBox_Shave")->click();
+        dialog.setAffectedLayers({"top"});
+        dialog.findChild<wc::ParameterSetActions*>()->save("thin copper");
+        QCOMPARE(named.size(), 1);
+        QCOMPARE(named.at(0).at(0).toString(), "thin copper");
+
+        Widget_SignalLayerOpt other(kJob, "pcb", host_.get());
+        other.setErfValues("thin copper");
+        QCOMPARE(field(other, "PTHARMin")->text(), "7.25");
+        QVERIFY(!child<QCheckBox>(other, "checkBox_Shave")->isChecked());
+        QVERIFY(!child<QCheckBox>(other, "checkBox_ShaveSameNet")->isEnabled());
+        QCOMPARE(child<QLineEdit>(other, "lineEdit_Layer")->text(), "top");
+        QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "thin copper");
+    }
+
+    void unitChangeConvertsEveryFieldIncludingDisabledOnes() {
+        wctest::UnitScope units(host_.get(), 0);
+        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        units.change(1);
+        dialog.change_unit();
+        QCOMPARE(field(dialog, "AloneDrill")->text(), "0.3048");
+        QCOMPARE(field(dialog, "LRETo")->text(), "0.254");
+    }
+
+private:
+    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
+    std::unique_ptr<QWidget> host_;
+};
+
+QTEST_MAIN(tst_Widget_SignalLayerOpt)
+#include "tst_Widget_SignalLayerOpt.moc"
