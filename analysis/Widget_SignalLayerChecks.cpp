@@ -525,6 +525,9 @@ void Widget_SignalLayerChecks::runPerLayer(const std::vector<std::string>& layer
                 b.ok = Korvo::API::signal_layers_checks(job, step, layer, params, tests, ranges,
                                                         b.layer_result, &b, scope);
             });
+        if (outcome.owner_destroyed) {
+            return;  // the dialog is gone: nothing of it may be touched
+        }
         if (outcome.worker_returned && !outcome.worker_threw) {
             if (!block->ok) {
                 LOG(ERROR) << "signal_layers_checks failed on layer " << layer;
@@ -576,6 +579,9 @@ void Widget_SignalLayerChecks::runOnService(const signal_check_params& params,
         [request](ServiceBlock& b) {
             b.answer = Korvo::CheckList::runSignalLayerCheckList(request, b.result, &b);
         });
+    if (outcome.owner_destroyed) {
+        return;
+    }
     if (!outcome.worker_returned || outcome.worker_threw) {
         controls_->setStatus(tr("SignalLayer check terminated"));
         controls_->setViewState(wc::RunControls::ViewState::Stopped);
@@ -666,6 +672,9 @@ void Widget_SignalLayerChecks::signalLayerCheckResult2DB() {
         [record, result](SaveBlock& b) {
             b.answer = Korvo::API::insertSignalLayerAnalysisResult(record, result);
         });
+    if (outcome.owner_destroyed) {
+        return;
+    }
     if (!outcome.worker_returned || outcome.worker_threw) {
         information(tr("Save 2 db failed"));
         return;

@@ -1,0 +1,332 @@
+// What the dialogs do on a bad day: engine operations that fail, throw, or never return until
+// stopped, a dialog destroyed while its engine call runs, and a monkey that clicks, types and
+// switches units and languages at random in every dialog of the demo's catalogue.
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPointer>
+#include <QRandomGenerator>
+#include <QSpinBox>
+#include <QTableWidget>
+#include <QtTest>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <type_traits>
+
+#include "DialogCatalogue.h"
+#include "MessageBoxAnswerer.h"
+#include "PluginSpy.h"
+#include "ReferenceEngine.h"
+#include "TemporaryWorkingDirectory.h"
+#include "UnitScope.h"
+#include "ZeProgressDialog.h"
+#include "frame/BackgroundRun.h"
+#include "progress_value.h"
+
+namespace {
+
+const char* const kJob = "sample_job";
+
+enum class Fault { ReturnsFalse, ThrowsText, ThrowsStd, RunsUntilStopped, DialogDestroyed };
+
+// The progress block among an engine call's arguments, if it has one.
+template <typename... Args>
+Korvo::COMMON::progress_state* progressOf(Args&&... args) {
+    Korvo::COMMON::progress_state* found = nullptr;
+    const auto look = [&found](auto&& arg) {
+        using Arg = std::decay_t<decltype(arg)>;
+        if constexpr (std::is_pointer_v<Arg> && std::is_base_of_v<Korvo::COMMON::progress_state,
+                                                                  std::remove_pointer_t<Arg>>) {
+            if (arg != nullptr) {
+                found = arg;
+            }
+        }
+    };
+    (look(args), ...);
+    return found;
+}
+
+// An engine operation that misbehaves as `fault` says. `calls` counts its calls.
+auto faulty(Fault fault, std::shared_ptr<std::atomic<int>> calls) {
+    return [fault, calls](auto&&... args) -> bool {
+        ++*calls;
+        switch (fault) {
+            case Fault::ReturnsFalse:
+                return false;
+            case Fault::ThrowsText:
+                throw std::string("engine lost its licence");
+            case Fault::ThrowsStd:
+                throw std::runtime_error("engine ran out of memory");
+            case Fault::RunsUntilStopped:
+            case Fault::DialogDestroyed: {
+                Korvo::COMMON::progress_state* progress = progressOf(args...);
+                while (progress != nullptr && !progress->is_stop_requested()) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+                }
+                return true;
+            }
+        }
+        return false;
+    };
+}
+
+// Puts the faulty operation in place of the one `menu`'s dialog runs; false for a dialog that
+// runs none.
+using Installer = std::function<void(Fault, std::shared_ptr<std::atomic<int>>)>;
+
+template <typename Hook>
+Installer install(Hook wcref::EngineHooks::*member) {
+    return [member](Fault fault, std::shared_ptr<std::atomic<int>> calls) {
+        wcref::engineHooks().*member = Hook(faulty(fault, std::move(calls)));
+    };
+}
+
+const demo::DialogEntry& entryNamed(const QString& menu) {
+    for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
+        if (entry.menu == menu) {
+            return entry;
+        }
+    }
+    qFatal("no dialog %s in the catalogue", qPrintable(menu));
+    return demo::dialogCatalogue().front();
+}
+
+void stopProgressWindows() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
+            window->requestStop();
+        }
+    }
+}
+
+bool isProgressShown() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (qobject_cast<ZeProgressDialog*>(widget) != nullptr && widget->isVisible()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+Q_DECLARE_METATYPE(Fault)
+
+class tst_Robustness : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        wcref::resetEngine();
+        wcref::setLongOperationDuration(std::chrono::milliseconds(0));
+        QVERIFY(wcref::openSampleJob(kJob));
+        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
+        host_ = std::make_unique<QWidget>();
+        context_.host = host_.get();
+        context_.log = [](const QString&) {};
+        context_.job = QString::fromLatin1(kJob);
+        context_.step = QStringLiteral("pcb");
+    }
+    void cleanup() {
+        wcref::engineHooks() = wcref::EngineHooks();
+        host_.reset();
+        working_.reset();
+        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
+    }
+
+    // Every engine-running dialog against every fault: no crash, no box for a worker's
+    // exception, the run's end shown, the host told of the change where the dialog tells it,
+    // and the dialog usable for a normal run afterwards.
+    void faultInjection_data() {
+        QTest::addColumn<QString>("menu");
+        QTest::addColumn<Fault>("fault");
+        QTest::addColumn<bool>("notifies");
+        struct Dialog {
+            const char* menu;
+            bool notifies;
+        };
+        const Dialog dialogs[] = {{"Signal Layer Checks...", false},
+                                  {"Signal Layer Optimization...", true}};
+        const std::pair<const char*, Fault> faults[] = {
+            {"returns false", Fault::ReturnsFalse},
+            {"throws a text", Fault::ThrowsText},
+            {"throws std::exception", Fault::ThrowsStd},
+            {"runs until stopped", Fault::RunsUntilStopped},
+            {"dialog destroyed during the run", Fault::DialogDestroyed},
+        };
+        for (const Dialog& dialog : dialogs) {
+            for (const auto& fault : faults) {
+                const QByteArray tag = QByteArray(dialog.menu) + " " + fault.first;
+                QTest::newRow(tag.constData())
+                    << QString::fromLatin1(dialog.menu) << fault.second << dialog.notifies;
+            }
+        }
+    }
+    void faultInjection() {
+        QFETCH(QString, menu);
+        QFETCH(Fault, fault);
+        QFETCH(bool, notifies);
+        const demo::DialogEntry& entry = entryNamed(menu);
+        QPointer<QWidget> dialog = entry.create(context_);
+        dialog->show();
+        auto calls = std::make_shared<std::atomic<int>>(0);
+        installers().at(menu)(fault, calls);
+
+        QTimer interferer;
+        QObject::connect(&interferer, &QTimer::timeout, [&] {
+            if (!isProgressShown()) {
+                return;
+            }
+            if (fault == Fault::DialogDestroyed && !dialog.isNull()) {
+                delete dialog.data();
+            } else if (fault == Fault::RunsUntilStopped) {
+                stopProgressWindows();
+            }
+        });
+        interferer.start(5);
+        wctest::MessageBoxAnswerer boxes;
+        wctest::PluginSpy messages;
+        entry.apply(dialog.data());
+        interferer.stop();
+
+        QVERIFY(*calls > 0);
+        QCOMPARE(boxes.count(), 0);
+        if (fault == Fault::DialogDestroyed) {
+            QVERIFY(dialog.isNull());
+            QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
+            return;
+        }
+        QVERIFY(!isProgressShown());
+        if (notifies) {
+            QCOMPARE(messages.withCode(20002401).size(), 1);
+            QCOMPARE(messages.withCode(20002400).size(), 1);
+        }
+        // Usable afterwards: the next run reaches the engine again and ends.
+        wcref::engineHooks() = wcref::EngineHooks();
+        installers().at(menu)(Fault::ReturnsFalse, calls);
+        const int before = *calls;
+        entry.apply(dialog.data());
+        QVERIFY(*calls > before);
+        QVERIFY(dialog->isVisible());
+    }
+
+    // Random clicks, typed texts, choices and unit and language switches in every dialog of the
+    // catalogue, with a fixed seed per dialog. Passes when nothing crashes, nothing throws out of
+    // a slot and no box is left open; AddressSanitizer adds leaks and bad memory in CI.
+    void monkey_data() {
+        QTest::addColumn<int>("index");
+        for (int i = 0; i < int(demo::dialogCatalogue().size()); ++i) {
+            QTest::newRow(demo::dialogCatalogue()[size_t(i)].menu.toUtf8().constData()) << i;
+        }
+    }
+    void monkey() {
+        QFETCH(int, index);
+        const demo::DialogEntry& entry = demo::dialogCatalogue()[size_t(index)];
+        wctest::UnitScope units(host_.get(), 0);
+        int unit = 0;
+        QPointer<QWidget> dialog = entry.create(context_);
+        dialog->show();
+        wctest::MessageBoxAnswerer boxes;
+        QTimer stopper;  // runs started by the monkey are stopped at once now and then
+        QObject::connect(&stopper, &QTimer::timeout, [] { stopProgressWindows(); });
+        QRandomGenerator random(quint32(20261123 + index));
+        const QStringList texts = {
+            "",        "0", "12.5", "-5",  "1e308", "abc", "中文", "99999999999999999999",
+            "0.00001", " ", "top;", "r10", "-0",    "3,5"};
+        const int steps = qEnvironmentVariableIntValue("WC_MONKEY_STEPS") > 0
+                              ? qEnvironmentVariableIntValue("WC_MONKEY_STEPS")
+                              : 1000;
+        int acted = 0;
+        for (int step = 0; step < steps && !dialog.isNull(); ++step) {
+            if (!dialog->isVisible()) {
+                dialog->show();
+            }
+            QList<QWidget*> widgets;
+            for (QWidget* widget : dialog->findChildren<QWidget*>()) {
+                if (widget->isVisible() && widget->isEnabled() &&
+                    (qobject_cast<QAbstractButton*>(widget) || qobject_cast<QLineEdit*>(widget) ||
+                     qobject_cast<QComboBox*>(widget) || qobject_cast<QSpinBox*>(widget) ||
+                     qobject_cast<QTableWidget*>(widget))) {
+                    widgets.append(widget);
+                }
+            }
+            QWidget* target =
+                widgets.isEmpty() ? nullptr : widgets[int(random.bounded(quint32(widgets.size())))];
+            const quint32 action = random.bounded(20u);
+            if (random.bounded(4u) == 0) {
+                stopper.start(1);
+            } else {
+                stopper.stop();
+            }
+            try {
+                if (action == 0) {
+                    unit = 1 - unit;
+                    units.change(unit);
+                    entry.changeUnit(dialog);
+                } else if (action == 1) {
+                    entry.changeLanguage(dialog);
+                } else if (target == nullptr || !target->isVisible() || !target->isEnabled()) {
+                    continue;
+                } else if (auto* button = qobject_cast<QAbstractButton*>(target)) {
+                    button->click();
+                } else if (auto* edit = qobject_cast<QLineEdit*>(target)) {
+                    if (!edit->isReadOnly()) {
+                        edit->setText(texts[int(random.bounded(quint32(texts.size())))]);
+                        QTest::keyClick(edit, Qt::Key_Return);
+                        emit edit->editingFinished();
+                    }
+                } else if (auto* combo = qobject_cast<QComboBox*>(target)) {
+                    if (combo->count() > 0) {
+                        combo->setCurrentIndex(int(random.bounded(quint32(combo->count()))));
+                    }
+                } else if (auto* spin = qobject_cast<QSpinBox*>(target)) {
+                    spin->setValue(int(random.bounded(quint32(spin->maximum() + 1))));
+                } else if (auto* table = qobject_cast<QTableWidget*>(target)) {
+                    if (table->rowCount() > 0 && table->columnCount() > 0) {
+                        table->setCurrentCell(int(random.bounded(quint32(table->rowCount()))),
+                                              int(random.bounded(quint32(table->columnCount()))));
+                    }
+                } else {
+                    continue;  // a label or a frame: nothing to do
+                }
+                ++acted;
+            } catch (const std::exception& e) {
+                QFAIL(qPrintable(QStringLiteral("exception out of a slot at step %1: %2")
+                                     .arg(step)
+                                     .arg(QString::fromLocal8Bit(e.what()))));
+            } catch (...) {
+                QFAIL(qPrintable(QStringLiteral("exception out of a slot at step %1").arg(step)));
+            }
+            QCoreApplication::processEvents();
+        }
+        stopper.stop();
+        QVERIFY(!isProgressShown());
+        QVERIFY(!dialog.isNull());
+        qInfo("%s: %d of %d steps acted", qPrintable(entry.menu), acted, steps);
+        // Most steps must reach a widget, or the monkey proves nothing.
+        QVERIFY2(acted > steps / 2, qPrintable(QString::number(acted)));
+        delete dialog.data();
+    }
+
+private:
+    static const std::map<QString, Installer>& installers() {
+        static const std::map<QString, Installer> map = {
+            {"Signal Layer Checks...", install(&wcref::EngineHooks::signal_layers_checks)},
+            {"Signal Layer Optimization...", install(&wcref::EngineHooks::signal_layer_DFM_op)},
+        };
+        return map;
+    }
+
+    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
+    std::unique_ptr<QWidget> host_;
+    demo::DemoContext context_;
+};
+
+QTEST_MAIN(tst_Robustness)
+#include "tst_Robustness.moc"
