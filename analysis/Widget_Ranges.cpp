@@ -5,6 +5,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QRegExpValidator>
 #include <QScrollArea>
@@ -202,7 +203,10 @@ void Widget_Ranges::commitLevel(QList<ZeLineEdit*>& fields, double Record::*leve
         record.*level = typed;
         if (!Korvo::UIAPI::changeRangesValue(key_.toStdString(), record.name, level_name, typed)) {
             LOG(ERROR) << "range " << record.name << " " << level_name << " of "
-                       << key_.toStdString() << " not changed";
+                       << key_.toStdString() << " not saved";
+            QMessageBox::warning(
+                this, tr("Warning"),
+                tr("The ranges could not be saved; the change holds until the program closes."));
         }
         return;
     }

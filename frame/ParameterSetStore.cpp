@@ -103,7 +103,9 @@ ParameterSetStore::SaveResult ParameterSetStore::save(const QString& name,
         return SaveResult::WriteFailed;
     }
     const QByteArray bytes = QJsonDocument(object).toJson(QJsonDocument::Indented);
-    if (file.write(bytes) != bytes.size() || !file.commit()) {
+    // A full disk shows only when the buffer is flushed; commit() alone would still put an
+    // empty file in place of the old one.
+    if (file.write(bytes) != bytes.size() || !file.flush() || !file.commit()) {
         setError(error, QStringLiteral("Cannot write ") + file.fileName() + QStringLiteral(": ") +
                             file.errorString());
         LOG(ERROR) << "cannot write " << file.fileName().toStdString() << ": "

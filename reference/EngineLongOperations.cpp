@@ -203,8 +203,10 @@ bool writeAtomically(const QString& path, const std::string& text) {
                    << file.errorString().toStdString();
         return false;
     }
-    file.write(text.data(), static_cast<qint64>(text.size()));
-    if (!file.commit()) {
+    // A full disk shows only when the buffer is flushed; commit() alone would still replace
+    // the file.
+    const qint64 size = static_cast<qint64>(text.size());
+    if (file.write(text.data(), size) != size || !file.flush() || !file.commit()) {
         LOG(ERROR) << "cannot write " << path.toStdString() << ": "
                    << file.errorString().toStdString();
         return false;

@@ -173,8 +173,10 @@ bool RangeStore::save() {
                    << file.errorString().toStdString();
         return false;
     }
-    file.write(QJsonDocument(root).toJson());
-    if (!file.commit()) {
+    const QByteArray bytes = QJsonDocument(root).toJson();
+    // A full disk shows only when the buffer is flushed; commit() alone would still replace
+    // the file.
+    if (file.write(bytes) != bytes.size() || !file.flush() || !file.commit()) {
         LOG(ERROR) << "cannot write " << path.toStdString() << ": "
                    << file.errorString().toStdString();
         return false;
@@ -245,9 +247,9 @@ bool RangeStore::change(const std::string& key, const std::string& name, const s
     if (!applyLocked(key, name, level, value)) {
         return false;
     }
-    // The change holds for this session even when the file cannot be written; save() logs why.
-    save();
-    return true;
+    // The change holds for this session even when the file cannot be written; save() logs why
+    // and the caller learns that it was not kept.
+    return save();
 }
 
 bool RangeStore::changeMany(const std::string& key,
@@ -261,10 +263,8 @@ bool RangeStore::changeMany(const std::string& key,
         all = all && applied;
         any = any || applied;
     }
-    if (any) {
-        save();
-    }
-    return all;
+    const bool saved = !any || save();
+    return all && saved;
 }
 
 void RangeStore::invalidate() {

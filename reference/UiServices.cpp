@@ -252,8 +252,10 @@ bool saveTextByIODevice(const QString& path, const QString& text) {
                    << file.errorString().toStdString();
         return false;
     }
-    file.write(text.toUtf8());
-    if (!file.commit()) {
+    const QByteArray bytes = text.toUtf8();
+    // A full disk shows only when the buffer is flushed; commit() alone would still replace
+    // the file.
+    if (file.write(bytes) != bytes.size() || !file.flush() || !file.commit()) {
         LOG(ERROR) << "cannot write " << path.toStdString() << ": "
                    << file.errorString().toStdString();
         return false;

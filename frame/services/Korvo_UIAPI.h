@@ -83,7 +83,8 @@ std::vector<Analysis_Ranges_Record> getRanges(const std::string& key);
 int getRangesEnum(const std::string& key, const std::string& name);
 int getRangesEnum(const std::string& key, int row);
 std::string getRangesName(const std::string& key, int item);
-// `level` is "RedLv", "YellowLv" or "GreenLv"; false for an unknown key, name or level.
+// `level` is "RedLv", "YellowLv" or "GreenLv"; false for an unknown key, name or level, and
+// when the change could not be kept on disk (it then holds until the program ends).
 bool changeRangesValue(const std::string& key, const std::string& name, const std::string& level,
                        double value);
 // One level change of a batch.
@@ -93,7 +94,7 @@ struct Ranges_Level_Change {
     double value = 0.0;
 };
 // Applies every change and makes them persistent together (one write, however many changes);
-// false when any change was refused (the others are kept).
+// false when any change was refused (the others are kept) or they could not be kept on disk.
 bool changeRangesValues(const std::string& key, const std::vector<Ranges_Level_Change>& changes);
 
 double getMeasureValue(const API::check_info& hit);
