@@ -309,6 +309,8 @@ QWidget* Widget_SolderMaskOpt::makeMainPage() {
         ++position;
     }
 
+    grid->setColumnStretch(5, 1);
+    choice_grid->setColumnStretch(3, 1);
     auto* layout = new QVBoxLayout(page);
     layout->addLayout(grid);
     layout->addLayout(choice_grid);
@@ -352,6 +354,8 @@ QWidget* Widget_SolderMaskOpt::makeAdvancedPage() {
     tables->addWidget(smd_box_);
     tables->addWidget(gas_box_);
 
+    surplus->setColumnStretch(3, 1);
+    grid->setColumnStretch(3, 1);
     auto* layout = new QVBoxLayout(page);
     layout->addWidget(advance_);
     layout->addWidget(advanced_group_);
@@ -445,6 +449,16 @@ void Widget_SolderMaskOpt::setLayerText(const QString& text) {
 
 void Widget_SolderMaskOpt::setErfValues(const QString& name) {
     WC_GUARDED({ actions_->load(name); });
+}
+
+void Widget_SolderMaskOpt::Widget_raise() {
+    show();
+    raise();
+    activateWindow();
+}
+
+void Widget_SolderMaskOpt::closeDialog() {
+    close();
 }
 
 wc::RangeRows Widget_SolderMaskOpt::smdCompensateRows() const {
@@ -693,11 +707,8 @@ void Widget_SolderMaskOpt::showViewer(bool open) {
         viewer_->setJobAndStep(job_, step_);
         connect(this, &Widget_SolderMaskOpt::unit_changed, viewer_,
                 &Widget_ResultsViewer::change_unit);
-        connect(viewer_, &Widget_ResultsViewer::SolderMask_DFM_raise, this, [this] {
-            show();
-            raise();
-            activateWindow();
-        });
+        connect(viewer_, &Widget_ResultsViewer::SolderMask_DFM_raise, this,
+                &Widget_SolderMaskOpt::Widget_raise);
     } else {
         viewer_->RefreshSolderMaskOptData(wc::SharedResult<Result>(result_));
     }

@@ -43,6 +43,8 @@ public:
     void setLayerText(const QString& text);
     // Puts the parameter set `name` back into the form.
     void setErfValues(const QString& name);
+    void Widget_raise();
+    void closeDialog();
 
     // The range tables as typed, and replacing their rows.
     wc::RangeRows smdCompensateRows() const;
