@@ -88,7 +88,7 @@ struct EngineSpy {
                     std::this_thread::sleep_for(std::chrono::milliseconds(2));
                 }
                 // Winding down, as an engine finishing the feature at hand.
-                std::this_thread::sleep_for(std::chrono::milliseconds(60));
+                std::this_thread::sleep_for(std::chrono::milliseconds(150));
             }
             result = answer;
             return mode != Fail;
@@ -212,6 +212,8 @@ private slots:
         QVERIFY(p.gas_ranges.empty());
         QCOMPARE(p.ranges.size(), Korvo::UIAPI::getRanges("SolderMaskOptRanges").size());
         QCOMPARE(p.scope, 0);
+        // Left at their defaults by this dialog.
+        QVERIFY(p.min_mask_dam == 0 && !p.keep_existing_shaves);
     }
 
     void recordFromTypedValues_data() {
