@@ -3,6 +3,7 @@
 #include <QObject>
 
 #include "dfm/Widget_SignalLayerOpt.h"
+#include "dfm/Widget_SolderMaskOpt.h"
 
 namespace demo {
 namespace {
@@ -33,6 +34,11 @@ DialogEntry optimisation(const char* menu, void (Dialog::*run)()) {
 DialogEntry signalLayerOpt() {
     return optimisation<Widget_SignalLayerOpt>("Signal Layer Optimization...",
                                                &Widget_SignalLayerOpt::on_unGlobally_clicked);
+}
+
+DialogEntry solderMaskOpt() {
+    return optimisation<Widget_SolderMaskOpt>("Solder Mask Optimization...",
+                                              &Widget_SolderMaskOpt::on_m_pRunGlobalPB_clicked);
 }
 
 }  // namespace demo

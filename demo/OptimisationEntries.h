@@ -6,5 +6,6 @@ namespace demo {
 
 // The DFM optimisation dialogs; the tour presses "Run globally" on each.
 DialogEntry signalLayerOpt();
+DialogEntry solderMaskOpt();
 
 }  // namespace demo

@@ -2,6 +2,7 @@
 
 #include "Korvo_UIAPI.h"
 #include "frame/FieldCommit.h"
+#include "frame/LimitCheck.h"
 
 namespace wc {
 
@@ -10,11 +11,9 @@ QString solderMaskDisplayProblem(const std::vector<LimitedText>& fields, const v
         if (field.text.isEmpty()) {
             return QStringLiteral("Illegal floating parameter : Empty text-box ! ");
         }
-        const int limit = Korvo::UIAPI::getUnitJudgeData(handle, field.upper_mil);
-        const double value = field.text.toDouble();
-        if (value < 0.0 || value > limit) {
+        if (!withinZeroTo(handle, field.text, field.upper_mil)) {
             return QStringLiteral("The Value : ") + field.text +
-                   QStringLiteral(" is outside of (0,") + QString::number(limit) +
+                   QStringLiteral(" is outside of (0,") + limitText(handle, field.upper_mil) +
                    QStringLiteral(") !");
         }
     }
@@ -24,8 +23,8 @@ QString solderMaskDisplayProblem(const std::vector<LimitedText>& fields, const v
 QString solderMaskEngineProblem(const Korvo::API::solder_mask_DFM_params& params,
                                 const EngineCheckedTexts& texts, const void* handle) {
     // Both names and "from 0" even where negatives pass: the messages are kept on purpose.
-    const int lower = Korvo::UIAPI::getUnitJudgeData(handle, 0.0);
-    const int upper = Korvo::UIAPI::getUnitJudgeData(handle, 8.0);
+    const QString lower = limitText(handle, 0.0);
+    const QString upper = limitText(handle, 8.0);
     const QString add_name = QStringLiteral("Prevent vertical flow add");
     const QString del_name = QStringLiteral("Prevent vertical flow del");
 

@@ -1,6 +1,6 @@
 #pragma once
 // What the solder mask optimisation decides without a window: the two rounds of checks before a
-// run (display values against truncated limits, then engine values), the range tables as the
+// run (display values against their limits, then engine values), the range tables as the
 // record's maps, and the summary of a result.
 
 #include <QPair>
@@ -20,8 +20,8 @@ struct LimitedText {
     double upper_mil = 0.0;
 };
 
-// The message of the first field that is empty, negative or above its limit truncated to the
-// display unit; empty when every field passes.
+// The message of the first field that is empty, negative or above its limit in the display
+// unit; empty when every field passes.
 QString solderMaskDisplayProblem(const std::vector<LimitedText>& fields, const void* handle);
 
 // The texts of the fields whose engine values are checked, as the user typed them.

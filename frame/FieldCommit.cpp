@@ -12,10 +12,15 @@
 namespace wc {
 
 QString illegalFloatMessage(const QString& engine_name, const QString& text, int lower, int upper) {
+    return illegalFloatMessage(engine_name, text, QString::number(lower, 10),
+                               QString::number(upper, 10));
+}
+
+QString illegalFloatMessage(const QString& engine_name, const QString& text, const QString& lower,
+                            const QString& upper) {
     return QStringLiteral("Illegal float value\n") + QStringLiteral("floating value for field \"") +
            engine_name + QStringLiteral("\" is out of range: ") + text +
-           QStringLiteral("\nlegal values: from ") + QString::number(lower, 10) +
-           QStringLiteral(" to ") + QString::number(upper, 10);
+           QStringLiteral("\nlegal values: from ") + lower + QStringLiteral(" to ") + upper;
 }
 
 bool commitField(QWidget* dialog, const void* handle, NumericField& field) {

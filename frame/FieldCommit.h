@@ -28,6 +28,9 @@ using NumericFields = QVector<NumericField*>;
 
 // The three-line message of a value above its field's limit.
 QString illegalFloatMessage(const QString& engine_name, const QString& text, int lower, int upper);
+// The same with the limits as the optimisation dialogs write them (wc::limitText).
+QString illegalFloatMessage(const QString& engine_name, const QString& text, const QString& lower,
+                            const QString& upper);
 
 // Enter_<Field>_Text: remembers the text as committed and tests it against the upper limit,
 // truncated to an integer in the display unit. A value above it is reported on top of `dialog`

@@ -152,7 +152,8 @@ private slots:
             bool notifies;
         };
         const Dialog dialogs[] = {{"Signal Layer Checks...", false},
-                                  {"Signal Layer Optimization...", true}};
+                                  {"Signal Layer Optimization...", true},
+                                  {"Solder Mask Optimization...", true}};
         const std::pair<const char*, Fault> faults[] = {
             {"returns false", Fault::ReturnsFalse},
             {"throws a text", Fault::ThrowsText},
@@ -319,6 +320,7 @@ private:
         static const std::map<QString, Installer> map = {
             {"Signal Layer Checks...", install(&wcref::EngineHooks::signal_layers_checks)},
             {"Signal Layer Optimization...", install(&wcref::EngineHooks::signal_layer_DFM_op)},
+            {"Solder Mask Optimization...", install(&wcref::EngineHooks::solder_mask_DFM_op)},
         };
         return map;
     }

@@ -54,7 +54,7 @@ QString text(QWidget& dialog, const char* label) {
     return child<QLabel>(dialog, QString::fromLatin1(label))->text();
 }
 
-// In mm the bridge and coverage limits (20 mil) truncate to 0, so only 0 passes there.
+// Small mm values that pass the first round, so that a row reaches the engine-unit checks.
 void passFirstChecksInMm(QWidget& dialog) {
     type(dialog, "BridgeSize", "0");
     type(dialog, "CoverageMin", "0");
@@ -132,10 +132,10 @@ const IntField kIntFields[] = {
     {&solder_mask_DFM_params::partial_clearance, "PartialClearance"},
 };
 
-QString delMessage(const QString& text, int upper) {
+QString delMessage(const QString& text, const QString& upper) {
     return "Illegal float value\nfloating value for field \"Prevent vertical flow del\" is out of "
            "range: " +
-           text + "\nlegal values: from 0 to " + QString::number(upper);
+           text + "\nlegal values: from 0 to " + upper;
 }
 
 }  // namespace
@@ -304,25 +304,26 @@ private slots:
         row("pad in surface at 270", 0, QStringList{"PadInSurfaceClearance=270"}, "");
         row("pad in surface above", 0, QStringList{"PadInSurfaceClearance=270.5"},
             "The Value : 270.5 is outside of (0,270) !");
-        row("mm bridge limit truncates to 0", 1, QStringList{"BridgeSize=0.1"},
-            "The Value : 0.1 is outside of (0,0) !");
+        row("mm bridge just under 20 mil passes", 1, QStringList{"BridgeSize=0.5"}, "");
+        row("mm bridge just over 20 mil", 1, QStringList{"BridgeSize=0.51"},
+            "The Value : 0.51 is outside of (0,0.508) !");
         row("mm coverage opt", 1, QStringList{"BridgeSize=0", "CoverageMin=0", "CoverageOpt=6.9"},
-            "The Value : 6.9 is outside of (0,6) !");
+            "The Value : 6.9 is outside of (0,6.858) !");
         // Engine units: only the first check admits negatives.
         row("flow add -5 mil passes", 0, QStringList{"PreventVerticalFlowAdd=-5"}, "");
         row("flow add -8.5 mil", 0, QStringList{"PreventVerticalFlowAdd=-8.5"},
             "Illegal float value\nfloating value for field \"Prevent vertical flow add\" is out "
             "of range: -8.5\nlegal values: from 0 to 8");
-        row("flow del -1 mil", 0, QStringList{"PreventVerticalFlowDel=-1"}, delMessage("-1", 8));
-        row("partial clearance 9 mil", 0, QStringList{"PartialClearance=9"}, delMessage("9", 8));
+        row("flow del -1 mil", 0, QStringList{"PreventVerticalFlowDel=-1"}, delMessage("-1", "8"));
+        row("partial clearance 9 mil", 0, QStringList{"PartialClearance=9"}, delMessage("9", "8"));
         row("gas no drill negative", 0, QStringList{"GasResizeNoDrill=-0.5"},
-            delMessage("-0.5", 8));
+            delMessage("-0.5", "8"));
         row("gas has drill at 8 passes", 0, QStringList{"GasResizeHasDrill=8"}, "");
         row("del checked before partial", 0,
-            QStringList{"PartialClearance=9", "PreventVerticalFlowDel=-2"}, delMessage("-2", 8));
+            QStringList{"PartialClearance=9", "PreventVerticalFlowDel=-2"}, delMessage("-2", "8"));
         row("mm partial and gas", 1,
             QStringList{"BridgeSize=0", "CoverageMin=0", "PartialGasResize=0.21"},
-            delMessage("0.21", 0));
+            delMessage("0.21", "0.203"));
         row("mm gas no drill 0.2 passes", 1,
             QStringList{"BridgeSize=0", "CoverageMin=0", "GasResizeNoDrill=0.2"}, "");
     }
