@@ -25,6 +25,7 @@
 #include "Korvo_UIAPI.h"
 #include "PluginBus.h"
 #include "StepRepeatDemo.h"
+#include "analysis/Widget_ResultsViewer.h"
 #include "analysis_drawing_data.h"
 #include "frame/PluginMessages.h"
 
@@ -359,6 +360,46 @@ void DemoWindow::dispatch(const PluginMetaData& message) {
     }
 }
 
+// The signal layer check and the signal layer optimisation on a board of the gerbv package's
+// examples, then the viewer on the check's first hit.
+void DemoWindow::tourRealBoard(const std::function<void(QWidget*, const QString&)>& snap) {
+    const QString board = QStringLiteral("/usr/share/doc/gerbv/examples/protel-pnp");
+    if (!QDir(board).exists() || !openFabricationFiles(board)) {
+        log(tr("No example board at %1: the real-board pictures are left out").arg(board));
+        return;
+    }
+    for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
+        if (entry.menu != QLatin1String("Signal Layer Checks...") &&
+            entry.menu != QLatin1String("Signal Layer Optimization...")) {
+            continue;
+        }
+        // A dialog opened on the sample job is made anew for this one.
+        delete dialogs_[entry.menu].data();
+        QWidget* dialog = openDialog(entry);
+        dialog->adjustSize();
+        entry.apply(dialog);
+        QString name = entry.menu;
+        name.remove(QStringLiteral("...")).replace(' ', '_');
+        snap(dialog, name + QStringLiteral("_real_board"));
+        if (entry.menu == QLatin1String("Signal Layer Checks...")) {
+            QMetaObject::invokeMethod(dialog, "on_ViewResult_clicked", Qt::DirectConnection);
+            // The newest viewer is the one the check has just opened.
+            const auto viewers = dialog->parentWidget()->findChildren<Widget_ResultsViewer*>();
+            if (!viewers.isEmpty()) {
+                Widget_ResultsViewer* viewer = viewers.last();
+                // Every severity admitted and the first hit shown, as the viewer's own row does.
+                for (const demo::DialogEntry& row : demo::dialogCatalogue()) {
+                    if (row.menu == QLatin1String("Results Viewer...")) {
+                        row.apply(viewer);
+                    }
+                }
+                snap(viewer, QStringLiteral("Results_Viewer_real_board"));
+            }
+            snap(this, QStringLiteral("demo_real_hit"));
+        }
+    }
+}
+
 QWidget* DemoWindow::openDialog(const demo::DialogEntry& entry) {
     QPointer<QWidget>& dialog = dialogs_[entry.menu];
     if (dialog.isNull()) {
@@ -445,7 +486,6 @@ QStringList DemoWindow::tour(const QString& folder) {
             dialog->adjustSize();
             QString name = entry.menu;
             name.remove(QStringLiteral("...")).replace(' ', '_');
-            snap(dialog, name + suffix);
             if (entry.apply) {
                 const int lines = log_->blockCount();
                 entry.apply(dialog);
@@ -455,6 +495,11 @@ QStringList DemoWindow::tour(const QString& folder) {
                             .arg(dialog->windowTitle(),
                                  QString::fromStdString(Korvo::UIAPI::getUnitStringType(this, 1))));
                 }
+            }
+            // After the run: the picture shows what the dialog made of it.
+            snap(dialog, name + suffix);
+            if (entry.menu == QLatin1String("Feature filter...") && unit == 0) {
+                snap(this, QStringLiteral("demo_filter"));
             }
         }
     }
@@ -467,6 +512,7 @@ QStringList DemoWindow::tour(const QString& folder) {
             snap(this, QStringLiteral("demo_hit"));
         }
     }
+    tourRealBoard(snap);
     if (setLanguage(true)) {
         for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
             QWidget* dialog = openDialog(entry);

@@ -28,6 +28,7 @@ public:
     // Builds a job from a folder of Gerber and drill files and shows it.
     bool openFabricationFiles(const QString& folder);
     QWidget* openDialog(const demo::DialogEntry& entry);
+    void tourRealBoard(const std::function<void(QWidget*, const QString&)>& snap);
     void setDisplayUnit(int unit);
     // Installs the Chinese catalogue (or removes it) and re-applies every open dialog's texts;
     // false when the catalogue is missing.

@@ -48,13 +48,16 @@ public:
     // Drops what was read; the next call reads the file again.
     void invalidate();
 
-private:
     using Table = std::map<std::string, std::vector<Korvo::UIAPI::Analysis_Ranges_Record>>;
+    // Reads a range file over `table` (the defaults); false, with the reason, when the file is
+    // not a range file. On failure `table` may be partly changed: parse into a copy.
+    static bool parse(const QByteArray& bytes, Table& table, QString& error);
+    static Table defaultTable();
+
+private:
 
     RangeStore() = default;
     void ensureLoaded();
-    static Table defaultTable();
-    static bool parse(const QByteArray& bytes, Table& table, QString& error);
     bool save();
     bool applyLocked(const std::string& key, const std::string& name, const std::string& level,
                      double value);

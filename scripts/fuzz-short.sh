@@ -3,8 +3,9 @@
 #
 #   scripts/fuzz-short.sh [seconds per target, default 60] [target name ...]
 #
-# Without target names every fuzz_* target is run. Each run starts from the corpus kept in
-# build-fuzz/corpus/<target>/ (created on first use) and stops at the first crash or sanitizer
+# Without target names every fuzz_* target is run. Each run starts from the committed seeds in
+# fuzz/corpus/<target>/ and the corpus it grew before in build-fuzz/corpus/<target>/ (where new
+# inputs go), and stops at the first crash or sanitizer
 # report; the script then fails and names the target. The last line of each run reports the
 # number of executions.
 set -euo pipefail
@@ -30,7 +31,7 @@ for target in "${targets[@]}"; do
     echo "== ${target}: ${seconds} s"
     log="build-fuzz/${target}.log"
     if ! "build-fuzz/fuzz/${target}" -max_total_time="${seconds}" -print_final_stats=1 -artifact_prefix="build-fuzz/${target}-" \
-        "${corpus}" >"${log}" 2>&1; then
+        "${corpus}" "fuzz/corpus/${target}" >"${log}" 2>&1; then
         tail -n 40 "${log}"
         echo "${target} failed; the input is in build-fuzz/${target}-crash-*" >&2
         exit 1
