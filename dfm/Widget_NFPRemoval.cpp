@@ -184,6 +184,17 @@ void Widget_NFPRemoval::initNFPRemoval() {
     connect(sets_, &wc::ParameterSetActions::saved, this,
             &Widget_NFPRemoval::send_Sel_Template_Name);
 
+    // Any change of a parameter makes the shown result stale.
+    for (QObject* widget : parameterWidgets()) {
+        if (auto* box = qobject_cast<QCheckBox*>(widget)) {
+            connect(box, SIGNAL(toggled(bool)), this, SLOT(change_viewbtn_stylesheet()));
+        } else if (auto* group = qobject_cast<QButtonGroup*>(widget)) {
+            connect(group, SIGNAL(buttonClicked(int)), this, SLOT(change_viewbtn_stylesheet()));
+        }
+    }
+    connect(controls_->layerEdit(), SIGNAL(editingFinished()), this,
+            SLOT(change_viewbtn_stylesheet()));
+
     setTexts();
 }
 
@@ -214,6 +225,9 @@ void Widget_NFPRemoval::UpdateJobStep(const QString& job, const QString& step) {
     job_ = job;
     step_ = step;
     controls_->setJob(job_);
+    if (!viewer_.isNull()) {
+        viewer_->setJobAndStep(job_, step_);
+    }
 }
 
 void Widget_NFPRemoval::setAffectedLayers(const QStringList& layers) {
@@ -415,6 +429,10 @@ void Widget_NFPRemoval::showResultsViewer(bool open) {
         viewer_->show();
         viewer_->raise();
     }
+}
+
+void Widget_NFPRemoval::change_viewbtn_stylesheet() {
+    controls_->markStale();
 }
 
 QList<QObject*> Widget_NFPRemoval::parameterWidgets() const {

@@ -67,6 +67,8 @@ public slots:
     void change_language();
     void change_units();
     void change_unit() { change_units(); }
+    // A parameter changed: the shown result no longer matches the form.
+    void change_viewbtn_stylesheet();
 
 signals:
     void send_Sel_Template_Name(QString name);

@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRegExpValidator>
 #include <QVBoxLayout>
@@ -178,6 +179,9 @@ void Widget_Teardrops::initTeardrops() {
                                        "Consider Solder Mask", {"Yes", "No"}, 1);
     close_ = new QPushButton(this);
     close_->setObjectName(QStringLiteral("pushButton_Close"));
+    set_unit_ = new QLabel(this);
+    set_unit_->setObjectName(QStringLiteral("label_ParameterSetUnit"));
+    set_unit_->hide();
 
     // Label, field, unit; pairs of min and max share a row.
     auto* grid = new QGridLayout;
@@ -243,6 +247,26 @@ void Widget_Teardrops::initTeardrops() {
     connect(close_, SIGNAL(clicked()), this, SLOT(on_m_pClosePB_clicked()));
     connect(sets_, &wc::ParameterSetActions::saved, this,
             &Widget_Teardrops::send_Sel_Template_Name);
+    connect(sets_, &wc::ParameterSetActions::loaded, this, [this] { fitLoadedUnit(); });
+
+    // Any change of a parameter makes the shown result stale.
+    for (QObject* widget : parameterWidgets()) {
+        if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
+            connect(edit, SIGNAL(editingFinished()), this, SLOT(change_viewbtn_stylesheet()));
+        } else if (auto* box = qobject_cast<QCheckBox*>(widget)) {
+            connect(box, SIGNAL(toggled(bool)), this, SLOT(change_viewbtn_stylesheet()));
+        } else if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+            connect(combo, SIGNAL(currentIndexChanged(int)), this,
+                    SLOT(change_viewbtn_stylesheet()));
+        } else if (auto* group = qobject_cast<QButtonGroup*>(widget)) {
+            connect(group, SIGNAL(buttonClicked(int)), this, SLOT(change_viewbtn_stylesheet()));
+        }
+    }
+    connect(controls_->layerEdit(), SIGNAL(editingFinished()), this,
+            SLOT(change_viewbtn_stylesheet()));
+
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_MouseTracking);
 
     setTexts();
 }
@@ -276,6 +300,9 @@ void Widget_Teardrops::UpdateJobStep(const QString& job, const QString& step) {
     job_ = job;
     step_ = step;
     controls_->setJob(job_);
+    if (!viewer_.isNull()) {
+        viewer_->setJobAndStep(job_, step_);
+    }
 }
 
 void Widget_Teardrops::setAffectedLayers(const QStringList& layers) {
@@ -465,13 +492,42 @@ std::vector<std::string> Widget_Teardrops::getLayerList() const {
     return resolution.layers;
 }
 
+// Fixed order; the unit tag says in which unit the lengths were written.
 QList<QObject*> Widget_Teardrops::parameterWidgets() const {
-    QList<QObject*> widgets{ratio_, type_, arc_angle_, drilled_, undrilled_};
+    set_unit_->setText(QString::number(Korvo::UIAPI::getUnit(handle_)));
+    QList<QObject*> widgets{set_unit_, ratio_, type_, arc_angle_, drilled_, undrilled_};
     widgets += lengths_->editObjects();
     for (const wc::ChoiceGroup* group : {&delete_old_, &apply_to_, &work_mode_, &solder_mask_}) {
         widgets.append(group->group);
     }
     return widgets;
+}
+
+// Lengths saved in another unit are re-expressed in the current one by the fields themselves:
+// told the saved unit first, then the current one.
+void Widget_Teardrops::fitLoadedUnit() {
+    bool known = false;
+    const int saved = set_unit_->text().toInt(&known);
+    const int current = Korvo::UIAPI::getUnit(handle_);
+    if (!known || saved == current) {
+        return;
+    }
+    for (int row = 0; row < lengths_->size(); ++row) {
+        Korvo::UIAPI::ZeLineEdit* edit = lengths_->edit(row);
+        const QString text = edit->text();
+        edit->changeunit(saved);
+        edit->setText(text);
+        edit->changeunit(current);
+    }
+}
+
+void Widget_Teardrops::change_viewbtn_stylesheet() {
+    controls_->markStale();
+}
+
+void Widget_Teardrops::mouseMoveEvent(QMouseEvent* event) {
+    lengths_->commitPendingOnLeave(event->pos());
+    QWidget::mouseMoveEvent(event);
 }
 
 // ---- viewer, language and units -------------------------------------------------------------

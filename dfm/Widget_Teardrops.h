@@ -69,10 +69,16 @@ public slots:
     void change_units();
     // The name the host uses for the other dialogs.
     void change_unit() { change_units(); }
+    // A parameter changed: the shown result no longer matches the form.
+    void change_viewbtn_stylesheet();
 
 signals:
     void send_Sel_Template_Name(QString name);
     void unit_changed();
+
+protected:
+    // Commits length edits left without Return when the pointer leaves the first field.
+    void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
     void initTeardrops();
@@ -82,6 +88,7 @@ private:
     void getData(Korvo::API::teardrop_create_DFM_op_params& params, int scope) const;
     std::vector<std::string> getLayerList() const;
     QList<QObject*> parameterWidgets() const;
+    void fitLoadedUnit();
     void showResultsViewer(bool open);
     void setTexts();
     void information(const QString& text);
@@ -113,4 +120,6 @@ private:
     wc::ChoiceGroup work_mode_;
     wc::ChoiceGroup solder_mask_;
     QPushButton* close_ = nullptr;
+    // Hidden: the unit a parameter set's lengths were written in.
+    QLabel* set_unit_ = nullptr;
 };

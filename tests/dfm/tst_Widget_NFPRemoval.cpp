@@ -230,6 +230,9 @@ private slots:
         dfmtest::verifyNotifications(plugins, kJob);
         QCOMPARE(answerer.count(), 0);
         QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "1 NFP Removal layers processed");
+        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
+        click(dialog, "checkBox_Covered");
+        QCOMPARE(dfmtest::viewStyle(dialog), QString());
     }
 
     void parameterSetRoundTrip() {

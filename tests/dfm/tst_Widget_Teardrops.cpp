@@ -286,6 +286,9 @@ private slots:
         QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
         // What the engine put into the map before it failed or threw is kept.
         QCOMPARE(dialog.result().at(tdi_missing_drilled).yellow.size(), size_t(1));
+        // Any parameter change makes the shown result stale.
+        child<QComboBox>(dialog, "comboBox_Type")->setCurrentIndex(2);
+        QCOMPARE(dfmtest::viewStyle(dialog), QString());
     }
 
     void noLayerNoRun() {
@@ -338,6 +341,13 @@ private slots:
         QVERIFY(child<QRadioButton>(other, "radioButton_DeleteOld_No")->isChecked());
         QVERIFY(child<QRadioButton>(other, "radioButton_WorkMode_Report")->isChecked());
         QCOMPARE(Korvo::UIAPI::getRanges("TeardropsRanges")[1].RedLv, 777.0);
+
+        // Lengths saved in mil come back in the unit shown now.
+        unit.change(1);
+        Widget_Teardrops metric(kJob, "pcb", host_.get());
+        metric.setErfValues("wide");
+        QCOMPARE(edit(metric, "DrillSpacing")->text(), "6.35");
+        QCOMPARE(edit(metric, "AnnRingMin")->text(), "0.127");
     }
 
 private:
