@@ -110,6 +110,8 @@ void Widget_NFPRemoval::initNFPRemoval() {
     options.layer_text = QStringLiteral(".type=signal|mixed&side=inner&context=board");
     controls_ = new wc::RunControls(this, options);
     controls_->setJob(job_);
+    // The default filter is long; it should be readable whole.
+    controls_->layerEdit()->setMinimumWidth(320);
     sets_ = new wc::ParameterSetActions(this, controls_, kRangeKey,
                                         [this] { return parameterWidgets(); });
 

@@ -53,8 +53,8 @@ enum LengthRow {
     Extend,
 };
 
-// Screen order; defaults and limits in mil. Rows without a run check may hold any length the
-// record can carry.
+// Screen order; defaults and limits in mil. Rows without a limit of their own are held to what
+// the record can carry.
 const std::vector<wc::FieldRow<teardrop_create_DFM_op_params>>& lengthRows() {
     using P = teardrop_create_DFM_op_params;
     static const std::vector<wc::FieldRow<P>> rows = {
@@ -209,6 +209,8 @@ void Widget_Teardrops::initTeardrops() {
     place(DrillSpacing, 7, 3);
     place(OvalExcess, 8, 0);
     place(Extend, 8, 3);
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(4, 1);
 
     auto* choices = new QGridLayout;
     choices->addWidget(delete_old_.box, 0, 0);

@@ -182,7 +182,7 @@ private slots:
             "The Value : 25 is outside of (0,20) !");
         row("mm truncated limit", 1, QStringList{"AnnRingMin=0.13"},
             "The Value : 0.13 is outside of (0,0) !");
-        row("mm drill max", 1, QStringList{"AnnRingMin=0", "CuSpacing=0", "DrillSizeMax=5.08"},
+        row("mm drill max", 1, QStringList{"DrillSizeMax=5.08"},
             "The Value : 5.08 is outside of (0,5) !");
         row("empty length", 0, QStringList{"Extend="},
             "Illegal floating parameter : Empty text-box ! ");
