@@ -81,7 +81,7 @@ inline void workUntilStopped(Korvo::COMMON::progress_value<void>* progress) {
     while (!progress->is_stop_requested()) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(80));
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
 }
 
 // The two notifications after a run, matrix first.
