@@ -17,6 +17,7 @@
 #include "ZeLineEdit.h"
 #include "analysis/Widget_Ranges.h"
 #include "analysis/Widget_ResultsViewer.h"
+#include "frame/ChoiceGroup.h"
 #include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/LimitCheck.h"
@@ -177,7 +178,7 @@ void Widget_SignalLayerOpt::initSignalLayerOpt() {
     via_expand_->setObjectName(QStringLiteral("checkBox_VIAPadExpand"));
     wc::setSourceText(this, via_expand_, "VIA Pad expand within the Copper");
     const wc::ChoiceGroup apply_to =
-        wc::makeChoiceGroup(this, QStringLiteral("ApplyTo"), "Apply to", {"All", "Selected"});
+        wc::makeChoiceGroup(this, QStringLiteral("ApplyTo"), "Apply to", {"All", "Selected"}, 0);
     apply_to_ = apply_to.group;
     QGroupBox* work_on =
         wc::makeCheckGroup(this, QStringLiteral("WorkOn"), "Work on",

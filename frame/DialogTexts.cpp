@@ -1,13 +1,10 @@
 #include "DialogTexts.h"
 
 #include <QAbstractButton>
-#include <QButtonGroup>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
-#include <QRadioButton>
 
 #include "Translate.h"
 
@@ -58,28 +55,6 @@ void retranslate(QWidget* dialog) {
             show(dialog, widget, source.toString());
         }
     }
-}
-
-ChoiceGroup makeChoiceGroup(QWidget* dialog, const QString& name, const char* title,
-                            const std::vector<const char*>& choices, int checked) {
-    ChoiceGroup made;
-    made.box = new QGroupBox(dialog);
-    made.box->setObjectName(QStringLiteral("groupBox_") + name);
-    setSourceText(dialog, made.box, title);
-    made.group = new QButtonGroup(made.box);
-    made.group->setObjectName(QStringLiteral("buttonGroup_") + name);
-    auto* row = new QHBoxLayout(made.box);
-    for (size_t id = 0; id < choices.size(); ++id) {
-        auto* radio = new QRadioButton(made.box);
-        radio->setObjectName(QStringLiteral("radioButton_") + name + QLatin1Char('_') +
-                             nameOf(choices[id]));
-        setSourceText(dialog, radio, choices[id]);
-        made.group->addButton(radio, static_cast<int>(id));
-        radio->setChecked(static_cast<int>(id) == checked);
-        row->addWidget(radio);
-    }
-    row->addStretch();
-    return made;
 }
 
 QGroupBox* makeCheckGroup(QWidget* dialog, const QString& name, const char* title,

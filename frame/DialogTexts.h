@@ -1,15 +1,14 @@
 #pragma once
 // Texts of a dialog's own widgets that follow the language: each widget made or labelled here
 // remembers its English text, and retranslate() shows every remembered text again in the
-// current language, in the dialog's translation context. Also the titled radio-button and
-// check-box groups the optimisation dialogs are built from.
+// current language, in the dialog's translation context. Also the titled check-box groups of the
+// optimisation dialogs (their radio-button groups are wc::ChoiceGroup).
 
 #include <QList>
 #include <QString>
 #include <utility>
 #include <vector>
 
-class QButtonGroup;
 class QCheckBox;
 class QGroupBox;
 class QWidget;
@@ -19,16 +18,6 @@ namespace wc {
 // Labels, buttons, check boxes, group boxes (their title) and the dialog itself (its title).
 void setSourceText(QWidget* dialog, QWidget* widget, const char* source);
 void retranslate(QWidget* dialog);
-
-struct ChoiceGroup {
-    QGroupBox* box = nullptr;
-    QButtonGroup* group = nullptr;
-};
-
-// Radio buttons with ids 0, 1, ... in a titled box, `checked` chosen. Object names
-// "groupBox_<name>", "buttonGroup_<name>", "radioButton_<name>_<choice without blanks>".
-ChoiceGroup makeChoiceGroup(QWidget* dialog, const QString& name, const char* title,
-                            const std::vector<const char*>& choices, int checked = 0);
 
 // Check boxes in a titled box, laid out in `columns` columns; object names
 // "checkBox_<text without blanks and punctuation>".

@@ -196,13 +196,15 @@ private slots:
         entry.apply(dialog.data());
         interferer.stop();
 
-        QVERIFY(*calls > 0);
         QCOMPARE(boxes.count(), 0);
         if (fault == Fault::DialogDestroyed) {
             QVERIFY(dialog.isNull());
+            // The worker may still be starting: it was left to end on its own.
             QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
+            QVERIFY(*calls > 0);
             return;
         }
+        QVERIFY(*calls > 0);
         QVERIFY(!isProgressShown());
         if (notifies) {
             QCOMPARE(messages.withCode(20002401).size(), 1);

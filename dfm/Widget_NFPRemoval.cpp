@@ -1,0 +1,460 @@
+#include "Widget_NFPRemoval.h"
+
+#include <glog/logging.h>
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "Korvo_API.h"
+#include "Korvo_UIAPI.h"
+#include "analysis/Widget_Ranges.h"
+#include "analysis/Widget_ResultsViewer.h"
+#include "frame/ExceptionGuard.h"
+#include "frame/OptimisationRun.h"
+#include "frame/ParameterSetActions.h"
+#include "frame/RangeMap.h"
+#include "frame/RecordedCalls.h"
+#include "frame/RunControls.h"
+
+namespace {
+
+using Korvo::API::NFP_removal_DFM_op_items;
+using Korvo::API::NFP_removal_DFM_op_params;
+using Korvo::API::NFP_removal_result_map;
+
+const QString kRangeKey = QStringLiteral("NFPRemoval");
+const char* const kTitle = "NFP Removal";
+
+enum Drill { Pth, PthPressfit, Npth, ViaLaser, Via, ViaPhoto };
+const char* const kDrills[] = {QT_TR_NOOP("PTH"),  QT_TR_NOOP("PTH - Pressfit"),
+                               QT_TR_NOOP("NPTH"), QT_TR_NOOP("Via - Laser"),
+                               QT_TR_NOOP("Via"),  QT_TR_NOOP("Via - Photo")};
+const char* const kDrillNames[] = {"PTH", "PTHPressfit", "NPTH", "ViaLaser", "Via", "ViaPhoto"};
+
+QCheckBox* checkBox(QWidget* parent, const QString& name, bool checked) {
+    auto* box = new QCheckBox(parent);
+    box->setObjectName(QStringLiteral("checkBox_") + name);
+    box->setChecked(checked);
+    return box;
+}
+
+}  // namespace
+
+namespace wc {
+
+std::vector<int32_t> nfpPadKinds(bool isolated, bool drilled_over, bool duplicate, bool covered) {
+    std::vector<int32_t> kinds;
+    if (isolated) {
+        kinds.push_back(1);
+    }
+    if (drilled_over) {
+        kinds.push_back(3);
+    }
+    if (duplicate) {
+        kinds.push_back(2);
+    }
+    if (covered) {
+        kinds.push_back(4);
+    }
+    return kinds;
+}
+
+NfpSeverity worstSeverity(const Korvo::API::NFP_removal_result_map& result) {
+    auto any = [&](auto list) {
+        for (const auto& item : result) {
+            if (!(item.second.*list).empty()) {
+                return true;
+            }
+        }
+        return false;
+    };
+    using Levels = Korvo::API::check_levels;
+    if (any(&Levels::red)) {
+        return NfpSeverity::Red;
+    }
+    if (any(&Levels::yellow)) {
+        return NfpSeverity::Yellow;
+    }
+    if (any(&Levels::green)) {
+        return NfpSeverity::Green;
+    }
+    return NfpSeverity::NoHit;
+}
+
+}  // namespace wc
+
+Widget_NFPRemoval::Widget_NFPRemoval(const QString& job, const QString& step, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      handle_(parent),
+      job_(job),
+      step_(step),
+      result_(std::make_shared<const NFP_removal_result_map>()) {
+    setWindowFlags(Qt::WindowFlags(0x8001003));
+    initNFPRemoval();
+}
+
+Widget_NFPRemoval::~Widget_NFPRemoval() = default;
+
+void Widget_NFPRemoval::initNFPRemoval() {
+    wc::RunControlsOptions options;
+    options.range_key = kRangeKey;
+    // Pads on the outer layers carry components; non-functional pads are an inner-layer matter.
+    options.layer_text = QStringLiteral(".type=signal|mixed&side=inner&context=board");
+    controls_ = new wc::RunControls(this, options);
+    controls_->setJob(job_);
+    // The default filter is long; it should be readable whole.
+    controls_->layerEdit()->setMinimumWidth(320);
+    sets_ = new wc::ParameterSetActions(this, controls_, kRangeKey,
+                                        [this] { return parameterWidgets(); });
+
+    delete_box_ = new QGroupBox(this);
+    delete_box_->setObjectName(QStringLiteral("groupBox_Delete"));
+    isolated_ = checkBox(delete_box_, QStringLiteral("Isolated"), true);
+    drilled_over_ = checkBox(delete_box_, QStringLiteral("DrilledOver"), false);
+    duplicate_ = checkBox(delete_box_, QStringLiteral("Duplicate"), false);
+    covered_ = checkBox(delete_box_, QStringLiteral("Covered"), true);
+    auto* delete_row = new QHBoxLayout(delete_box_);
+    for (QCheckBox* box : {isolated_, drilled_over_, duplicate_, covered_}) {
+        delete_row->addWidget(box);
+    }
+
+    drills_box_ = new QGroupBox(this);
+    drills_box_->setObjectName(QStringLiteral("groupBox_Drills"));
+    auto* drills_grid = new QGridLayout(drills_box_);
+    for (int drill = Pth; drill <= ViaPhoto; ++drill) {
+        QCheckBox* box = checkBox(drills_box_, QString::fromLatin1(kDrillNames[drill]),
+                                  drill == Pth || drill == Via);
+        drills_.append(box);
+        drills_grid->addWidget(box, drill / 2, drill % 2);
+    }
+
+    work_on_ = wc::makeChoiceGroup(this, QStringLiteral("WorkOn"), QT_TR_NOOP("Work On"),
+                                   {QT_TR_NOOP("Copper"), QT_TR_NOOP("Features")}, 1);
+    undrilled_ = wc::makeChoiceGroup(this, QStringLiteral("RemoveUndrilled"),
+                                     QT_TR_NOOP("Remove Undrilled Pads"),
+                                     {QT_TR_NOOP("Yes"), QT_TR_NOOP("No")}, 0);
+    apply_to_ = wc::makeChoiceGroup(this, QStringLiteral("ApplyTo"), QT_TR_NOOP("Apply to"),
+                                    {QT_TR_NOOP("ALL"), QT_TR_NOOP("Selected")}, 0);
+    action_ = wc::makeChoiceGroup(this, QStringLiteral("Action"), "",
+                                  {QT_TR_NOOP("Remove"), QT_TR_NOOP("Mark")}, 0);
+    close_ = new QPushButton(this);
+    close_->setObjectName(QStringLiteral("pushButton_Close"));
+
+    auto* choices = new QGridLayout;
+    choices->addWidget(work_on_.box, 0, 0);
+    choices->addWidget(undrilled_.box, 0, 1);
+    choices->addWidget(apply_to_.box, 1, 0);
+    choices->addWidget(action_.box, 1, 1);
+    auto* ranges_row = new QHBoxLayout;
+    ranges_row->addWidget(controls_->rangesButton());
+    ranges_row->addStretch();
+    auto* close_row = new QHBoxLayout;
+    close_row->addStretch();
+    close_row->addWidget(close_);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(controls_->makeErfRow());
+    layout->addWidget(delete_box_);
+    layout->addWidget(drills_box_);
+    layout->addLayout(choices);
+    layout->addLayout(controls_->makeLayerRow());
+    layout->addLayout(ranges_row);
+    layout->addLayout(controls_->makeRunRow());
+    layout->addWidget(controls_->timeLabel());
+    layout->addWidget(controls_->statusLabel());
+    layout->addLayout(close_row);
+
+    // The layer and "ERF:" buttons open their popups through the run controls.
+    connect(controls_->rangesButton(), SIGNAL(clicked()), this, SLOT(on_m_pRangesPB_clicked()));
+    connect(controls_->runButton(wc::ScopeGlobal), SIGNAL(clicked()), this,
+            SLOT(on_m_pRunGlobalPB_clicked()));
+    connect(controls_->runButton(wc::ScopeScreen), SIGNAL(clicked()), this,
+            SLOT(on_m_pScreenOnlyPB_clicked()));
+    connect(controls_->runButton(wc::ScopeProfile), SIGNAL(clicked()), this,
+            SLOT(on_m_pInsideProfilePB_clicked()));
+    connect(controls_->viewButton(), SIGNAL(clicked()), this, SLOT(on_m_pViewResultPB_clicked()));
+    connect(controls_->saveAsButton(), SIGNAL(clicked()), this, SLOT(on_m_pSaveAsPB_clicked()));
+    connect(close_, SIGNAL(clicked()), this, SLOT(on_m_pClosePB_clicked()));
+    connect(sets_, &wc::ParameterSetActions::saved, this,
+            &Widget_NFPRemoval::send_Sel_Template_Name);
+
+    // Any change of a parameter makes the shown result stale.
+    for (QObject* widget : parameterWidgets()) {
+        if (auto* box = qobject_cast<QCheckBox*>(widget)) {
+            connect(box, SIGNAL(toggled(bool)), this, SLOT(change_viewbtn_stylesheet()));
+        } else if (auto* group = qobject_cast<QButtonGroup*>(widget)) {
+            connect(group, SIGNAL(buttonClicked(int)), this, SLOT(change_viewbtn_stylesheet()));
+        }
+    }
+    connect(controls_->layerEdit(), SIGNAL(editingFinished()), this,
+            SLOT(change_viewbtn_stylesheet()));
+
+    setTexts();
+}
+
+void Widget_NFPRemoval::setTexts() {
+    delete_box_->setTitle(tr("Delete"));
+    isolated_->setText(tr("Isolated"));
+    drilled_over_->setText(tr("Drilled Over"));
+    duplicate_->setText(tr("Duplicate"));
+    covered_->setText(tr("Covered"));
+    drills_box_->setTitle(tr("Drills"));
+    for (int drill = Pth; drill <= ViaPhoto; ++drill) {
+        drills_[drill]->setText(tr(kDrills[drill]));
+    }
+    for (const wc::ChoiceGroup* group : {&work_on_, &undrilled_, &apply_to_, &action_}) {
+        group->retranslate(this);
+    }
+    controls_->layerButton()->setText(tr("Layer: "));
+    controls_->erfButton()->setText(tr("ERF: "));
+    controls_->saveAsButton()->setText(tr("Save As"));
+    controls_->viewButton()->setToolTip(tr("View Results"));
+    close_->setText(tr("Close"));
+    setWindowTitle(tr(kTitle));
+}
+
+// ---- host calls -----------------------------------------------------------------------------
+
+void Widget_NFPRemoval::UpdateJobStep(const QString& job, const QString& step) {
+    job_ = job;
+    step_ = step;
+    controls_->setJob(job_);
+    if (!viewer_.isNull()) {
+        viewer_->setJobAndStep(job_, step_);
+    }
+}
+
+void Widget_NFPRemoval::setAffectedLayers(const QStringList& layers) {
+    controls_->layerEdit()->setText(layers.join(QLatin1Char(';')));
+}
+
+void Widget_NFPRemoval::setErfValues(const QString& name) {
+    WC_GUARDED({ sets_->load(name); });
+}
+
+bool Widget_NFPRemoval::isErfFileExist(const QString& name) const {
+    return Korvo::UIAPI::getERFList(kRangeKey).contains(name);
+}
+
+QStringList Widget_NFPRemoval::getInnerLayers() const {
+    std::vector<std::string> steps;
+    std::vector<Korvo::API::layer_info> layers;
+    wc::recordedGetGraphics(job_.toStdString(), steps, layers);
+    QStringList names;
+    for (const Korvo::API::layer_info& layer : layers) {
+        if (layer.context == "board" && layer.side == "inner" &&
+            (layer.type == "signal" || layer.type == "mixed")) {
+            names.append(QString::fromStdString(layer.name));
+        }
+    }
+    return names;
+}
+
+// ---- slots in the order the user meets them -------------------------------------------------
+
+void Widget_NFPRemoval::on_ERF_clicked() {
+    WC_GUARDED({ controls_->showErfPopup(); });
+}
+
+void Widget_NFPRemoval::on_m_pSaveAsPB_clicked() {
+    WC_GUARDED({ sets_->askName(); });
+}
+
+void Widget_NFPRemoval::on_m_pLayerPB_clicked() {
+    WC_GUARDED({ controls_->showLayerPopup(); });
+}
+
+void Widget_NFPRemoval::on_m_pRangesPB_clicked() {
+    WC_GUARDED({
+        if (ranges_.isNull()) {
+            auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
+            ranges_ = new Widget_Ranges(kRangeKey.toStdString(), std::string(kTitle), host, host);
+            connect(this, &Widget_NFPRemoval::unit_changed, ranges_, &Widget_Ranges::change_units);
+        }
+        ranges_->show();
+        ranges_->raise();
+    });
+}
+
+void Widget_NFPRemoval::on_m_pRunGlobalPB_clicked() {
+    WC_GUARDED({ run(wc::ScopeGlobal); });
+}
+
+void Widget_NFPRemoval::on_m_pScreenOnlyPB_clicked() {
+    WC_GUARDED({ run(wc::ScopeScreen); });
+}
+
+void Widget_NFPRemoval::on_m_pInsideProfilePB_clicked() {
+    WC_GUARDED({ run(wc::ScopeProfile); });
+}
+
+void Widget_NFPRemoval::on_m_pViewResultPB_clicked() {
+    WC_GUARDED({ showResultsViewer(true); });
+}
+
+void Widget_NFPRemoval::on_m_pClosePB_clicked() {
+    WC_GUARDED({ close(); });
+}
+
+// ---- the run --------------------------------------------------------------------------------
+
+void Widget_NFPRemoval::run(int scope) {
+    controls_->pressRun(scope);
+    NFP_removal_DFM_op_params params;
+    std::vector<std::string> layers;
+    if (!getCfgData(params, scope, layers)) {
+        return;
+    }
+    controls_->rememberScope(params.scope);
+
+    const std::string job = job_.toStdString();
+    const std::string step = step_.toStdString();
+    wc::OptimisationTexts texts;
+    texts.terminated = "Remove NFP terminated";
+    texts.processed = " NFP Removal layers processed";
+    NFP_removal_result_map fresh;
+    const wc::OptimisationOutcome outcome = wc::runOptimisation(
+        *controls_, this, "Widget_NFPRemoval", texts, job_, layers, fresh,
+        [job, step, params](const std::vector<std::string>& run_layers, NFP_removal_result_map& out,
+                            Korvo::COMMON::progress_value<void>* progress) {
+            return Korvo::API::NFP_removal_DFM_op(job, step, run_layers, params, out, progress);
+        });
+    if (outcome.dialog_gone) {
+        return;  // nothing of this dialog may be touched any more
+    }
+    if (!outcome.engine_ok) {
+        LOG(ERROR) << "NFP_removal_DFM_op failed on " << layers.size() << " layers";
+    }
+    // Only a run that reached its completion (also after a stop) has a result to show.
+    if (controls_->viewState() != wc::RunControls::ViewState::Fresh) {
+        return;
+    }
+    result_ = std::make_shared<const NFP_removal_result_map>(std::move(fresh));
+    processed_layers_ = layers;
+    has_results_ = true;
+    setResultLBColor();
+    Refresh_View();
+}
+
+bool Widget_NFPRemoval::getCfgData(NFP_removal_DFM_op_params& params, int scope,
+                                   std::vector<std::string>& layers) {
+    QStringList missing;
+    layers = getLayerList(missing);
+    if (!layercheck(layers, missing)) {
+        QMessageBox::information(this, tr("Information"), tr("Layer error!"), QMessageBox::Ok);
+        return false;
+    }
+    params.pth = drills_[Pth]->isChecked();
+    params.npth = drills_[Npth]->isChecked();
+    params.via = drills_[Via]->isChecked();
+    params.remove_undrilled_pads = undrilled_.group->checkedId() == 0;
+    params.apply_to = apply_to_.group->checkedId();
+    params.action = action_.group->checkedId();
+    params.pad_kinds = wc::nfpPadKinds(isolated_->isChecked(), drilled_over_->isChecked(),
+                                       duplicate_->isChecked(), covered_->isChecked());
+    params.ranges = wc::buildRangeMap<NFP_removal_DFM_op_items, Korvo::API::dfm_range_value>(
+        kRangeKey.toStdString(), wc::toDfmRangeValue, wc::RangeLookup::ByRow);
+    params.scope = wc::runScope(scope, params.apply_to == 1);
+    return true;
+}
+
+std::vector<std::string> Widget_NFPRemoval::getLayerList(QStringList& missing) const {
+    const wc::LayerResolution resolution = controls_->resolveLayerField();
+    missing = resolution.missing;
+    return resolution.layers;
+}
+
+// A run needs at least one layer, and every name typed must be a layer of the job.
+bool Widget_NFPRemoval::layercheck(const std::vector<std::string>& layers,
+                                   const QStringList& missing) const {
+    if (layers.empty() || !missing.isEmpty()) {
+        LOG(ERROR) << "layer error: " << layers.size() << " layers, missing "
+                   << missing.join(QLatin1Char(';')).toStdString();
+        return false;
+    }
+    return true;
+}
+
+// The result label takes the colour of the worst hit; no hit leaves it plain.
+void Widget_NFPRemoval::setResultLBColor() {
+    QString style;
+    switch (wc::worstSeverity(*result_)) {
+        case wc::NfpSeverity::Red:
+            style = QStringLiteral("QLabel{background-color:rgb(255,0,0);}");
+            break;
+        case wc::NfpSeverity::Yellow:
+            style = QStringLiteral("QLabel{background-color:rgb(255,255,0);}");
+            break;
+        case wc::NfpSeverity::Green:
+            style = QStringLiteral("QLabel{background-color:rgb(0,255,0);}");
+            break;
+        case wc::NfpSeverity::NoHit:
+            break;
+    }
+    controls_->timeLabel()->setStyleSheet(style);
+}
+
+// Brings an open results viewer to the new result with the processed layers.
+void Widget_NFPRemoval::Refresh_View() {
+    showResultsViewer(false);
+}
+
+// The view button opens the viewer; a run refreshes it when it is already open.
+void Widget_NFPRemoval::showResultsViewer(bool open) {
+    if (viewer_.isNull()) {
+        if (!open) {
+            return;
+        }
+        auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
+        viewer_ = new Widget_ResultsViewer(0, host, processed_layers_,
+                                           wc::SharedResult<wc::NFPRemovalResult>(result_));
+        viewer_->setJobAndStep(job_, step_);
+        connect(this, &Widget_NFPRemoval::unit_changed, viewer_,
+                &Widget_ResultsViewer::change_unit);
+        connect(viewer_, &Widget_ResultsViewer::NFP_DFM_raise, this, [this] {
+            show();
+            raise();
+            activateWindow();
+        });
+    } else {
+        viewer_->RefreshNFPRemovalData(processed_layers_, result_);
+    }
+    if (open || viewer_->isVisible()) {
+        viewer_->show();
+        viewer_->raise();
+    }
+}
+
+void Widget_NFPRemoval::change_viewbtn_stylesheet() {
+    controls_->markStale();
+}
+
+QList<QObject*> Widget_NFPRemoval::parameterWidgets() const {
+    QList<QObject*> widgets{isolated_, drilled_over_, duplicate_, covered_};
+    for (QCheckBox* box : drills_) {
+        widgets.append(box);
+    }
+    for (const wc::ChoiceGroup* group : {&work_on_, &undrilled_, &apply_to_, &action_}) {
+        widgets.append(group->group);
+    }
+    return widgets;
+}
+
+void Widget_NFPRemoval::change_language() {
+    WC_GUARDED({
+        controls_->changeLanguage();
+        setTexts();
+    });
+}
+
+void Widget_NFPRemoval::change_units() {
+    WC_GUARDED({ emit unit_changed(); });
+}

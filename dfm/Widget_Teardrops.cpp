@@ -1,0 +1,578 @@
+#include "Widget_Teardrops.h"
+
+#include <glog/logging.h>
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QRegExpValidator>
+#include <QVBoxLayout>
+#include <iterator>
+
+#include "Korvo_API.h"
+#include "Korvo_UIAPI.h"
+#include "ZeLineEdit.h"
+#include "analysis/Widget_Ranges.h"
+#include "analysis/Widget_ResultsViewer.h"
+#include "frame/ExceptionGuard.h"
+#include "frame/LimitCheck.h"
+#include "frame/OptimisationRun.h"
+#include "frame/ParameterSetActions.h"
+#include "frame/RangeMap.h"
+#include "frame/RecordedCalls.h"
+#include "frame/RunControls.h"
+
+namespace {
+
+using Korvo::API::teardrop_create_DFM_op_items;
+using Korvo::API::teardrop_create_DFM_op_params;
+using Korvo::API::teardrop_result_map;
+
+const QString kRangeKey = QStringLiteral("TeardropsRanges");
+const char* const kTitle = "Advanced Teardrop Creation";
+
+// The largest length an int32 record field holds, in mil (2^31 nm is 84,546 mil).
+constexpr double kEngineReachMil = 80000.0;
+
+enum LengthRow {
+    RingMin,
+    DrillMin,
+    DrillMax,
+    TraceMin,
+    TraceMax,
+    CuSpacing,
+    DrillSpacing,
+    OvalExcess,
+    Extend,
+};
+
+// Screen order; defaults and limits in mil. Rows without a limit of their own are held to what
+// the record can carry.
+const std::vector<wc::FieldRow<teardrop_create_DFM_op_params>>& lengthRows() {
+    using P = teardrop_create_DFM_op_params;
+    static const std::vector<wc::FieldRow<P>> rows = {
+        {"Ann. Ring Min:", "annular_ring_min", "AnnRingMin", 5.0, 0.0, 20.0, "5",
+         &P::annular_ring_min},
+        {"Drill Size Min", "drill_size_min", "DrillSizeMin", 0.0, 0.0, 100.0, "0",
+         &P::drill_size_min},
+        {" Max:", "drill_size_max", "DrillSizeMax", 80.0, 0.0, 200.0, "80", &P::drill_size_max},
+        {"Connection Trace Width Min:", "trace_width_min", "TraceWidthMin", 0.0, 0.0,
+         kEngineReachMil, "0", &P::trace_width_min},
+        {" Max:", "trace_width_max", "TraceWidthMax", 15.0, 0.0, kEngineReachMil, "15",
+         &P::trace_width_max},
+        {"Cu. Spacing:", "copper_spacing", "CuSpacing", 5.0, 0.0, 20.0, "5", &P::copper_spacing},
+        {" Drill Spacing:", "drill_spacing", "DrillSpacing", 11.0, 0.0, 270.0, "11",
+         &P::drill_spacing},
+        {"Oval TD > Connection Trace:", "oval_excess_over_trace", "OvalExcess", 3.0, 0.0,
+         kEngineReachMil, "3", &P::oval_excess_over_trace},
+        {" Extend:", "extend", "Extend", 11.0, 0.0, kEngineReachMil, "11", &P::extend},
+    };
+    return rows;
+}
+
+// Judge_Lineedit_Legality's order: the five limited lengths, then the rest within what the
+// record can carry.
+struct RangeCheck {
+    LengthRow row;
+    double limit_mil;
+};
+const RangeCheck kRangeChecks[] = {
+    {RingMin, 20.0},
+    {DrillMin, 100.0},
+    {CuSpacing, 20.0},
+    {DrillMax, 200.0},
+    {DrillSpacing, 270.0},
+    {TraceMin, kEngineReachMil},
+    {TraceMax, kEngineReachMil},
+    {OvalExcess, kEngineReachMil},
+    {Extend, kEngineReachMil},
+};
+
+const char* const kTypes[] = {QT_TR_NOOP("Filleted"), QT_TR_NOOP("Straight"),
+                              QT_TR_NOOP("Triangular"), QT_TR_NOOP("Rounded"), QT_TR_NOOP("Oval")};
+
+}  // namespace
+
+namespace wc {
+
+QString teardropRangeProblem(const void* handle, const QString& text, double limit_mil) {
+    if (withinZeroTo(handle, text, limit_mil)) {
+        return QString();
+    }
+    return QStringLiteral("The Value : ") + text + QStringLiteral(" is outside of (0,") +
+           limitText(handle, limit_mil) + QStringLiteral(") !");
+}
+
+}  // namespace wc
+
+Widget_Teardrops::Widget_Teardrops(const QString& job, const QString& step, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      handle_(parent),
+      job_(job),
+      step_(step),
+      result_(std::make_shared<const teardrop_result_map>()) {
+    setWindowFlags(Qt::WindowFlags(0x8001003));
+    initTeardrops();
+}
+
+Widget_Teardrops::~Widget_Teardrops() = default;
+
+void Widget_Teardrops::initTeardrops() {
+    wc::RunControlsOptions options;
+    options.range_key = kRangeKey;
+    options.layer_text = QStringLiteral(".type=signal&context=board");
+    controls_ = new wc::RunControls(this, options);
+    controls_->setJob(job_);
+    sets_ = new wc::ParameterSetActions(this, controls_, kRangeKey,
+                                        [this] { return parameterWidgets(); });
+
+    ratio_label_ = new QLabel(this);
+    ratio_label_->setObjectName(QStringLiteral("label_LineWidthRatio"));
+    ratio_ = new QLineEdit(QStringLiteral("0.5"), this);
+    ratio_->setObjectName(QStringLiteral("lineEdit_LineWidthRatio"));
+    ratio_->setValidator(
+        new QRegExpValidator(QRegExp(QStringLiteral("[0-9]*[0-9][0-9.][0-9]*[0-9]")), ratio_));
+    type_label_ = new QLabel(this);
+    type_label_->setObjectName(QStringLiteral("label_Type"));
+    type_ = new QComboBox(this);
+    type_->setObjectName(QStringLiteral("comboBox_Type"));
+    for (size_t index = 0; index < std::size(kTypes); ++index) {
+        type_->addItem(QString());
+    }
+    arc_label_ = new QLabel(this);
+    arc_label_->setObjectName(QStringLiteral("label_ArcAngle"));
+    arc_angle_ = new QLineEdit(this);
+    arc_angle_->setObjectName(QStringLiteral("lineEdit_ArcAngle"));
+    // Only what the hint promises can be typed.
+    arc_angle_->setValidator(
+        new QRegExpValidator(QRegExp(QStringLiteral("[0-9]|1[0-9]|20")), arc_angle_));
+    arc_hint_ = new QLabel(this);
+    arc_hint_->setObjectName(QStringLiteral("label_ArcAngleHint"));
+
+    operate_label_ = new QLabel(this);
+    operate_label_->setObjectName(QStringLiteral("label_Operate"));
+    drilled_ = new QCheckBox(this);
+    drilled_->setObjectName(QStringLiteral("checkBox_DrilledPads"));
+    drilled_->setChecked(true);
+    undrilled_ = new QCheckBox(this);
+    undrilled_->setObjectName(QStringLiteral("checkBox_UndrilledPads"));
+    undrilled_->setChecked(true);
+
+    lengths_ = std::make_unique<wc::FieldTable<teardrop_create_DFM_op_params>>(this, handle_,
+                                                                               lengthRows());
+    delete_old_ = wc::makeChoiceGroup(this, QStringLiteral("DeleteOld"), "Delete Old Teardrops",
+                                      {"Yes", "No", "Skip"}, 0);
+    apply_to_ =
+        wc::makeChoiceGroup(this, QStringLiteral("ApplyTo"), "Apply to", {"All", "Selected"}, 0);
+    work_mode_ =
+        wc::makeChoiceGroup(this, QStringLiteral("WorkMode"), "Work Mode", {"Report", "Repair"}, 1);
+    solder_mask_ = wc::makeChoiceGroup(this, QStringLiteral("ConsiderSolderMask"),
+                                       "Consider Solder Mask", {"Yes", "No"}, 1);
+    close_ = new QPushButton(this);
+    close_->setObjectName(QStringLiteral("pushButton_Close"));
+    set_unit_ = new QLabel(this);
+    set_unit_->setObjectName(QStringLiteral("label_ParameterSetUnit"));
+    set_unit_->hide();
+
+    // Label, field, unit; pairs of min and max share a row.
+    auto* grid = new QGridLayout;
+    auto place = [&](int row, int grid_row, int column) {
+        grid->addWidget(lengths_->label(row), grid_row, column);
+        grid->addWidget(lengths_->edit(row), grid_row, column + 1);
+        grid->addWidget(lengths_->unitLabel(row), grid_row, column + 2);
+    };
+    grid->addWidget(ratio_label_, 0, 0);
+    grid->addWidget(ratio_, 0, 1);
+    grid->addWidget(type_label_, 1, 0);
+    grid->addWidget(type_, 1, 1);
+    grid->addWidget(arc_label_, 2, 0);
+    grid->addWidget(arc_angle_, 2, 1);
+    grid->addWidget(arc_hint_, 2, 2);
+    grid->addWidget(operate_label_, 3, 0);
+    grid->addWidget(drilled_, 3, 1);
+    grid->addWidget(undrilled_, 3, 3, 1, 2);
+    place(RingMin, 4, 0);
+    place(DrillMin, 5, 0);
+    place(DrillMax, 5, 3);
+    place(TraceMin, 6, 0);
+    place(TraceMax, 6, 3);
+    place(CuSpacing, 7, 0);
+    place(DrillSpacing, 7, 3);
+    place(OvalExcess, 8, 0);
+    place(Extend, 8, 3);
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(4, 1);
+
+    auto* choices = new QGridLayout;
+    choices->addWidget(delete_old_.box, 0, 0);
+    choices->addWidget(apply_to_.box, 0, 1);
+    choices->addWidget(work_mode_.box, 1, 0);
+    choices->addWidget(solder_mask_.box, 1, 1);
+
+    auto* ranges_row = new QHBoxLayout;
+    ranges_row->addWidget(controls_->rangesButton());
+    ranges_row->addStretch();
+    auto* close_row = new QHBoxLayout;
+    close_row->addStretch();
+    close_row->addWidget(close_);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(controls_->makeErfRow());
+    layout->addLayout(grid);
+    layout->addLayout(choices);
+    layout->addLayout(controls_->makeLayerRow());
+    layout->addLayout(ranges_row);
+    layout->addLayout(controls_->makeRunRow());
+    layout->addWidget(controls_->timeLabel());
+    layout->addWidget(controls_->statusLabel());
+    layout->addLayout(close_row);
+
+    // The layer and "ERF:" buttons open their popups through the run controls.
+    connect(controls_->rangesButton(), SIGNAL(clicked()), this, SLOT(on_m_pRangesPB_clicked()));
+    connect(controls_->runButton(wc::ScopeGlobal), SIGNAL(clicked()), this,
+            SLOT(on_m_pRunGlobalPB_clicked()));
+    connect(controls_->runButton(wc::ScopeScreen), SIGNAL(clicked()), this,
+            SLOT(on_m_pScreenOnlyPB_clicked()));
+    connect(controls_->runButton(wc::ScopeProfile), SIGNAL(clicked()), this,
+            SLOT(on_m_pInsideProfilePB_clicked()));
+    connect(controls_->viewButton(), SIGNAL(clicked()), this, SLOT(on_m_pViewResultPB_clicked()));
+    connect(controls_->saveAsButton(), SIGNAL(clicked()), this, SLOT(on_m_pSaveAsPB_clicked()));
+    connect(close_, SIGNAL(clicked()), this, SLOT(on_m_pClosePB_clicked()));
+    connect(sets_, &wc::ParameterSetActions::saved, this,
+            &Widget_Teardrops::send_Sel_Template_Name);
+    connect(sets_, &wc::ParameterSetActions::loaded, this, [this] { fitLoadedUnit(); });
+
+    // Any change of a parameter makes the shown result stale.
+    for (QObject* widget : parameterWidgets()) {
+        if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
+            connect(edit, SIGNAL(editingFinished()), this, SLOT(change_viewbtn_stylesheet()));
+        } else if (auto* box = qobject_cast<QCheckBox*>(widget)) {
+            connect(box, SIGNAL(toggled(bool)), this, SLOT(change_viewbtn_stylesheet()));
+        } else if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+            connect(combo, SIGNAL(currentIndexChanged(int)), this,
+                    SLOT(change_viewbtn_stylesheet()));
+        } else if (auto* group = qobject_cast<QButtonGroup*>(widget)) {
+            connect(group, SIGNAL(buttonClicked(int)), this, SLOT(change_viewbtn_stylesheet()));
+        }
+    }
+    connect(controls_->layerEdit(), SIGNAL(editingFinished()), this,
+            SLOT(change_viewbtn_stylesheet()));
+
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_MouseTracking);
+
+    setTexts();
+}
+
+void Widget_Teardrops::setTexts() {
+    ratio_label_->setText(tr("Teardrop Line Width Ratio:"));
+    type_label_->setText(tr("Type"));
+    for (int index = 0; index < type_->count(); ++index) {
+        type_->setItemText(index, tr(kTypes[index]));
+    }
+    arc_label_->setText(tr("Arc Angle:"));
+    arc_hint_->setText(tr("(0-20)"));
+    operate_label_->setText(tr("Operate"));
+    drilled_->setText(tr("Drilled Pads"));
+    // Spelled so on purpose.
+    undrilled_->setText(tr("UNndrilled Pads"));
+    for (const wc::ChoiceGroup* group : {&delete_old_, &apply_to_, &work_mode_, &solder_mask_}) {
+        group->retranslate(this);
+    }
+    controls_->layerButton()->setText(tr("Layer: "));
+    controls_->erfButton()->setText(tr("ERF: "));
+    controls_->saveAsButton()->setText(tr("Save As"));
+    controls_->viewButton()->setToolTip(tr("View Results"));
+    close_->setText(tr("Close"));
+    setWindowTitle(tr(kTitle));
+}
+
+// ---- host calls -----------------------------------------------------------------------------
+
+void Widget_Teardrops::UpdateJobStep(const QString& job, const QString& step) {
+    job_ = job;
+    step_ = step;
+    controls_->setJob(job_);
+    if (!viewer_.isNull()) {
+        viewer_->setJobAndStep(job_, step_);
+    }
+}
+
+void Widget_Teardrops::setAffectedLayers(const QStringList& layers) {
+    controls_->layerEdit()->setText(layers.join(QLatin1Char(';')));
+}
+
+void Widget_Teardrops::setErfValues(const QString& name) {
+    WC_GUARDED({ sets_->load(name); });
+}
+
+bool Widget_Teardrops::isErfFileExist(const QString& name) const {
+    return get_Teardrops_ERF().contains(name);
+}
+
+QStringList Widget_Teardrops::get_Teardrops_ERF() const {
+    return Korvo::UIAPI::getERFList(kRangeKey);
+}
+
+QStringList Widget_Teardrops::getDefaultLayerList() const {
+    std::vector<std::string> steps;
+    std::vector<Korvo::API::layer_info> layers;
+    wc::recordedGetGraphics(job_.toStdString(), steps, layers);
+    QStringList names;
+    for (const Korvo::API::layer_info& layer : layers) {
+        if (layer.context == "board" && layer.type == "signal") {
+            names.append(QString::fromStdString(layer.name));
+        }
+    }
+    return names;
+}
+
+// ---- slots in the order the user meets them -------------------------------------------------
+
+void Widget_Teardrops::on_ERF_clicked() {
+    WC_GUARDED({ controls_->showErfPopup(); });
+}
+
+void Widget_Teardrops::on_m_pSaveAsPB_clicked() {
+    WC_GUARDED({ sets_->askName(); });
+}
+
+void Widget_Teardrops::on_m_pLayerPB_clicked() {
+    WC_GUARDED({ controls_->showLayerPopup(); });
+}
+
+void Widget_Teardrops::on_m_pRangesPB_clicked() {
+    WC_GUARDED({
+        if (ranges_.isNull()) {
+            auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
+            ranges_ = new Widget_Ranges(kRangeKey.toStdString(), std::string(kTitle), host, host);
+            connect(this, &Widget_Teardrops::unit_changed, ranges_, &Widget_Ranges::change_units);
+        }
+        ranges_->show();
+        ranges_->raise();
+    });
+}
+
+void Widget_Teardrops::on_m_pRunGlobalPB_clicked() {
+    WC_GUARDED({
+        controls_->pressRun(wc::ScopeGlobal);
+        RunonRanges(wc::ScopeGlobal);
+    });
+}
+
+void Widget_Teardrops::on_m_pScreenOnlyPB_clicked() {
+    WC_GUARDED({
+        controls_->pressRun(wc::ScopeScreen);
+        RunonRanges(wc::ScopeScreen);
+    });
+}
+
+void Widget_Teardrops::on_m_pInsideProfilePB_clicked() {
+    WC_GUARDED({
+        controls_->pressRun(wc::ScopeProfile);
+        RunonRanges(wc::ScopeProfile);
+    });
+}
+
+void Widget_Teardrops::on_m_pViewResultPB_clicked() {
+    WC_GUARDED({ showResultsViewer(true); });
+}
+
+void Widget_Teardrops::on_m_pClosePB_clicked() {
+    WC_GUARDED({ close(); });
+}
+
+// ---- the run --------------------------------------------------------------------------------
+
+void Widget_Teardrops::RunonRanges(int scope) {
+    if (!islineEditsValid() || !Judge_Lineedit_Legality()) {
+        return;
+    }
+    teardrop_create_DFM_op_params params;
+    getData(params, scope);
+    controls_->rememberScope(params.scope);
+    const std::vector<std::string> layers = getLayerList();
+    if (layers.empty()) {
+        controls_->setStatus(tr("No layers were processed"));
+        return;
+    }
+
+    const std::string job = job_.toStdString();
+    const std::string step = step_.toStdString();
+    wc::OptimisationTexts texts;
+    texts.terminated = "TearDrop dfm terminated";
+    teardrop_result_map fresh;
+    const wc::OptimisationOutcome outcome = wc::runOptimisation(
+        *controls_, this, "Widget_Teardrops", texts, job_, layers, fresh,
+        [job, step, params](const std::vector<std::string>& run_layers, teardrop_result_map& out,
+                            Korvo::COMMON::progress_value<void>* progress) {
+            return Korvo::API::teardrop_create_DFM_op(job, step, run_layers, params, out, progress);
+        });
+    if (outcome.dialog_gone) {
+        return;  // nothing of this dialog may be touched any more
+    }
+    if (!outcome.engine_ok) {
+        LOG(ERROR) << "teardrop_create_DFM_op failed on " << layers.size() << " layers";
+    }
+    // Only a run that reached its completion (also after a stop) has a result to show.
+    if (controls_->viewState() != wc::RunControls::ViewState::Fresh) {
+        return;
+    }
+    result_ = std::make_shared<const teardrop_result_map>(std::move(fresh));
+    processed_layers_ = layers;
+    has_results_ = true;
+    showResultsViewer(false);
+}
+
+// Every field but the arc angle must hold a number; the arc angle may stay empty.
+bool Widget_Teardrops::islineEditsValid() {
+    QList<QLineEdit*> edits{ratio_};
+    for (int row = 0; row < lengths_->size(); ++row) {
+        edits.append(lengths_->edit(row));
+    }
+    for (QLineEdit* edit : edits) {
+        if (edit->text().isEmpty()) {
+            information(tr("Illegal floating parameter : Empty text-box ! "));
+            return false;
+        }
+    }
+    // Half-typed text ("-", ".") is refused; a whole number the pattern would still extend
+    // ("0", "12") is taken as it reads.
+    for (QLineEdit* edit : edits) {
+        bool number = false;
+        edit->text().toDouble(&number);
+        if (!number) {
+            information(tr("Illegal floating parameter : ") + edit->text());
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Widget_Teardrops::Judge_Lineedit_Legality() {
+    for (const RangeCheck& check : kRangeChecks) {
+        const QString problem =
+            wc::teardropRangeProblem(handle_, lengths_->edit(check.row)->text(), check.limit_mil);
+        if (!problem.isEmpty()) {
+            information(problem);
+            return false;
+        }
+    }
+    return true;
+}
+
+void Widget_Teardrops::getData(teardrop_create_DFM_op_params& params, int scope) const {
+    params.drilled_pads = drilled_->isChecked();
+    params.undrilled_pads = undrilled_->isChecked();
+    lengths_->fill(params);
+    params.delete_old_teardrops = delete_old_.group->checkedId();
+    params.ranges = wc::buildRangeMap<teardrop_create_DFM_op_items, Korvo::API::dfm_range_value>(
+        kRangeKey.toStdString(), wc::toDfmRangeValue, wc::RangeLookup::ByRow);
+    params.teardrop_type = type_->currentIndex();
+    params.line_width_ratio = ratio_->text().toDouble();
+    params.arc_angle_given = !arc_angle_->text().isEmpty();
+    params.arc_angle = arc_angle_->text().toInt();
+    params.consider_solder_mask = solder_mask_.group->checkedId() == 0;
+    params.scope = wc::runScope(scope, apply_to_.group->checkedId() == 1);
+    params.report_only = work_mode_.group->checkedId() == 0;
+}
+
+std::vector<std::string> Widget_Teardrops::getLayerList() const {
+    const wc::LayerResolution resolution = controls_->resolveLayerField();
+    for (const QString& name : resolution.missing) {
+        LOG(ERROR) << "layer " << name.toStdString() << " is not in job " << job_.toStdString();
+    }
+    return resolution.layers;
+}
+
+// Fixed order; the unit tag says in which unit the lengths were written.
+QList<QObject*> Widget_Teardrops::parameterWidgets() const {
+    set_unit_->setText(QString::number(Korvo::UIAPI::getUnit(handle_)));
+    QList<QObject*> widgets{set_unit_, ratio_, type_, arc_angle_, drilled_, undrilled_};
+    widgets += lengths_->editObjects();
+    for (const wc::ChoiceGroup* group : {&delete_old_, &apply_to_, &work_mode_, &solder_mask_}) {
+        widgets.append(group->group);
+    }
+    return widgets;
+}
+
+// Lengths saved in another unit are re-expressed in the current one by the fields themselves:
+// told the saved unit first, then the current one.
+void Widget_Teardrops::fitLoadedUnit() {
+    bool known = false;
+    const int saved = set_unit_->text().toInt(&known);
+    const int current = Korvo::UIAPI::getUnit(handle_);
+    if (!known || saved == current) {
+        return;
+    }
+    for (int row = 0; row < lengths_->size(); ++row) {
+        Korvo::UIAPI::ZeLineEdit* edit = lengths_->edit(row);
+        const QString text = edit->text();
+        edit->changeunit(saved);
+        edit->setText(text);
+        edit->changeunit(current);
+    }
+}
+
+void Widget_Teardrops::change_viewbtn_stylesheet() {
+    controls_->markStale();
+}
+
+void Widget_Teardrops::mouseMoveEvent(QMouseEvent* event) {
+    lengths_->commitPendingOnLeave(event->pos());
+    QWidget::mouseMoveEvent(event);
+}
+
+// ---- viewer, language and units -------------------------------------------------------------
+
+// The view button opens the viewer; a run refreshes it when it is already open.
+void Widget_Teardrops::showResultsViewer(bool open) {
+    if (viewer_.isNull()) {
+        if (!open) {
+            return;
+        }
+        auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
+        viewer_ = new Widget_ResultsViewer(0, host, processed_layers_,
+                                           wc::SharedResult<wc::TeardropsResult>(result_));
+        viewer_->setJobAndStep(job_, step_);
+        connect(this, &Widget_Teardrops::unit_changed, viewer_, &Widget_ResultsViewer::change_unit);
+        connect(viewer_, &Widget_ResultsViewer::TearDrop_DFM_raise, this, [this] {
+            show();
+            raise();
+            activateWindow();
+        });
+    } else {
+        viewer_->RefreshTeardropsData(processed_layers_, result_);
+    }
+    if (open || viewer_->isVisible()) {
+        viewer_->show();
+        viewer_->raise();
+    }
+}
+
+void Widget_Teardrops::change_language() {
+    WC_GUARDED({
+        controls_->changeLanguage();
+        lengths_->changeLanguage();
+        setTexts();
+    });
+}
+
+void Widget_Teardrops::change_units() {
+    WC_GUARDED({
+        lengths_->changeUnit();
+        emit unit_changed();
+    });
+}
+
+void Widget_Teardrops::information(const QString& text) {
+    QMessageBox::information(this, tr("Information"), text, QMessageBox::Ok);
+}

@@ -1,0 +1,275 @@
+#include <QCheckBox>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <mutex>
+#include <stdexcept>
+
+#include "DataRows.h"
+#include "DfmDialogKit.h"
+#include "MessageBoxAnswerer.h"
+#include "PluginSpy.h"
+#include "ReferenceEngine.h"
+#include "ScopedEngineHook.h"
+#include "TemporaryWorkingDirectory.h"
+#include "analysis/Widget_ResultsViewer.h"
+#include "dfm/Widget_NFPRemoval.h"
+#include "frame/BackgroundRun.h"
+
+using namespace Korvo::API;
+using dfmtest::child;
+using wctest::row;
+
+namespace {
+
+const char* const kJob = "sample_job";
+
+struct EngineSpy {
+    std::mutex lock;
+    std::vector<NFP_removal_DFM_op_params> params;
+    std::vector<std::vector<std::string>> layers;
+    NFP_removal_result_map answer;
+
+    auto hook() {
+        return [this](const std::string&, const std::string&, const std::vector<std::string>& l,
+                      NFP_removal_DFM_op_params p, NFP_removal_result_map& result,
+                      Korvo::COMMON::progress_value<void>*) {
+            std::lock_guard<std::mutex> guard(lock);
+            params.push_back(p);
+            layers.push_back(l);
+            result = answer;
+            return true;
+        };
+    }
+};
+
+void click(QWidget& dialog, const QString& name) {
+    child<QAbstractButton>(dialog, name)->click();
+}
+
+}  // namespace
+
+class tst_Widget_NFPRemoval : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob(kJob));
+        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
+        host_ = std::make_unique<QWidget>();
+    }
+    void cleanup() {
+        host_.reset();
+        working_.reset();
+        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
+    }
+
+    // Clicks on the dialog, then the record the engine got. Columns of the record: pth, npth,
+    // via, remove undrilled, apply to, action, scope, pad kinds.
+    void recordFromTheForm_data() {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<QString>("run");
+        QTest::addColumn<QList<int>>("record");
+        QTest::addColumn<QList<int>>("kinds");
+        row("defaults", QStringList{}, "RunGlobally", QList<int>{1, 0, 1, 1, 0, 0, 0},
+            QList<int>{1, 4});
+        // Codes in the order of the boxes, not in code order.
+        row("all kinds, screen", QStringList{"checkBox_Duplicate", "checkBox_DrilledOver"},
+            "RunScreen", QList<int>{1, 0, 1, 1, 0, 0, 1}, QList<int>{1, 3, 2, 4});
+        row("selected wins", QStringList{"radioButton_ApplyTo_Selected"}, "RunProfile",
+            QList<int>{1, 0, 1, 1, 1, 0, 3}, QList<int>{1, 4});
+        row("everything else",
+            QStringList{"checkBox_PTH", "checkBox_NPTH", "checkBox_Via",
+                        "radioButton_RemoveUndrilled_No", "radioButton_Action_Mark",
+                        "checkBox_Isolated", "checkBox_DrilledOver"},
+            "RunGlobally", QList<int>{0, 1, 0, 0, 0, 1, 0}, QList<int>{3, 4});
+        // Shown and saved only: the record stays as with the defaults.
+        row("never in the record",
+            QStringList{"checkBox_PTHPressfit", "checkBox_ViaLaser", "checkBox_ViaPhoto",
+                        "radioButton_WorkOn_Copper"},
+            "RunGlobally", QList<int>{1, 0, 1, 1, 0, 0, 0}, QList<int>{1, 4});
+    }
+    void recordFromTheForm() {
+        QFETCH(QStringList, clicks);
+        QFETCH(QString, run);
+        QFETCH(QList<int>, record);
+        QFETCH(QList<int>, kinds);
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::NFP_removal_DFM_op, spy.hook());
+        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        for (const QString& name : clicks) {
+            click(dialog, name);
+        }
+        click(dialog, "pushButton_" + run);
+        QCOMPARE(spy.params.size(), size_t(1));
+        const NFP_removal_DFM_op_params& p = spy.params.front();
+        QCOMPARE((QList<int>{p.pth, p.npth, p.via, p.remove_undrilled_pads, p.apply_to, p.action,
+                             p.scope}),
+                 record);
+        QCOMPARE(QList<int>(p.pad_kinds.begin(), p.pad_kinds.end()), kinds);
+        QCOMPARE(p.ranges.size(), Korvo::UIAPI::getRanges("NFPRemoval").size());
+        // The default layers are the inner copper layers.
+        QCOMPARE(spy.layers.front(), (std::vector<std::string>{"l3", "l4"}));
+        QVERIFY(child<QPushButton>(dialog, "pushButton_" + run)
+                    ->styleSheet()
+                    .endsWith("border: 2px solid red;}"));
+    }
+
+    void layerError_data() {
+        QTest::addColumn<QString>("layers");
+        row("empty", "");
+        row("missing", "nosuch");
+        row("one of two missing", "l3;nosuch");
+        row("filter naming nothing", ".type=rout&context=board");
+    }
+    void layerError() {
+        QFETCH(QString, layers);
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::NFP_removal_DFM_op, spy.hook());
+        wctest::MessageBoxAnswerer answerer;
+        wctest::PluginSpy plugins;
+        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
+        dialog.on_m_pRunGlobalPB_clicked();
+        QCOMPARE(answerer.texts(), QStringList{"Layer error!"});
+        QCOMPARE(answerer.last().title, "Information");
+        QCOMPARE(spy.params.size(), size_t(0));
+        QCOMPARE(plugins.count(), 0);
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), QString());
+        QVERIFY(!dialog.hasResults());
+    }
+
+    void stopThenCompletion() {
+        wctest::ScopedEngineHook hook(
+            &wcref::EngineHooks::NFP_removal_DFM_op,
+            [](const std::string&, const std::string&, const std::vector<std::string>&,
+               NFP_removal_DFM_op_params, NFP_removal_result_map& result,
+               Korvo::COMMON::progress_value<void>* progress) {
+                result[nfp_isolated_removed].yellow.resize(3);
+                dfmtest::workUntilStopped(progress);
+                return true;
+            });
+        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;l4;bottom");
+        dfmtest::Stopper stopper(dialog);
+        dialog.on_m_pScreenOnlyPB_clicked();
+        QVERIFY(stopper.seen().contains("Remove NFP terminated|" + dfmtest::kRed));
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "4 NFP Removal layers processed");
+        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
+        QVERIFY(dialog.hasResults());
+        QCOMPARE(dialog.result().at(nfp_isolated_removed).yellow.size(), size_t(3));
+    }
+
+    void resultLabelAndViewer_data() {
+        QTest::addColumn<int>("red");
+        QTest::addColumn<int>("yellow");
+        QTest::addColumn<int>("green");
+        QTest::addColumn<QString>("style");
+        row("red wins", 1, 2, 3, "QLabel{background-color:rgb(255,0,0);}");
+        row("yellow", 0, 2, 3, "QLabel{background-color:rgb(255,255,0);}");
+        row("green", 0, 0, 3, "QLabel{background-color:rgb(0,255,0);}");
+        row("no hit", 0, 0, 0, "");
+    }
+    void resultLabelAndViewer() {
+        QFETCH(int, red);
+        QFETCH(int, yellow);
+        QFETCH(int, green);
+        QFETCH(QString, style);
+        EngineSpy spy;
+        spy.answer[nfp_covered_removed].red.resize(static_cast<size_t>(red));
+        spy.answer[nfp_marked].yellow.resize(static_cast<size_t>(yellow));
+        spy.answer[nfp_marked].green.resize(static_cast<size_t>(green));
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::NFP_removal_DFM_op, spy.hook());
+        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        dialog.on_m_pRunGlobalPB_clicked();
+        auto* time = child<QLabel>(dialog, "label_Time");
+        QCOMPARE(time->styleSheet(), style);
+        QVERIFY(QRegularExpression("^\\d{4}\\.\\d\\d\\.\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} - ")
+                    .match(time->text())
+                    .hasMatch());
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "2 NFP Removal layers processed");
+
+        // The open viewer follows the next run with its layers.
+        dialog.on_m_pViewResultPB_clicked();
+        Widget_ResultsViewer* viewer = dialog.resultsViewer();
+        QVERIFY(viewer != nullptr);
+        QCOMPARE(viewer->kind(), wc::ViewerKind::NFPRemoval);
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3");
+        dialog.on_m_pRunGlobalPB_clicked();
+        QCOMPARE(dialog.resultsViewer(), viewer);
+        QCOMPARE(viewer->model().layers().at(0).layer_names,
+                 (std::vector<std::string>{"top", "l3"}));
+    }
+
+    void notificationsAlsoAfterAnException_data() {
+        QTest::addColumn<bool>("throws");
+        row("engine returns", false);
+        row("engine throws", true);
+    }
+    void notificationsAlsoAfterAnException() {
+        QFETCH(bool, throws);
+        wctest::ScopedEngineHook hook(
+            &wcref::EngineHooks::NFP_removal_DFM_op,
+            [throws](const std::string&, const std::string&, const std::vector<std::string>&,
+                     NFP_removal_DFM_op_params, NFP_removal_result_map&,
+                     Korvo::COMMON::progress_value<void>*) -> bool {
+                if (throws) {
+                    throw std::runtime_error("pad table unreadable");
+                }
+                return true;
+            });
+        wctest::MessageBoxAnswerer answerer;
+        wctest::PluginSpy plugins;
+        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("l3");
+        dialog.on_m_pRunGlobalPB_clicked();
+        dfmtest::verifyNotifications(plugins, kJob);
+        QCOMPARE(answerer.count(), 0);
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "1 NFP Removal layers processed");
+        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
+        click(dialog, "checkBox_Covered");
+        QCOMPARE(dfmtest::viewStyle(dialog), QString());
+    }
+
+    void parameterSetRoundTrip() {
+        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        QSignalSpy named(&dialog, &Widget_NFPRemoval::send_Sel_Template_Name);
+        const QStringList changed = {"checkBox_Isolated",
+                                     "checkBox_Duplicate",
+                                     "checkBox_ViaLaser",
+                                     "radioButton_WorkOn_Copper",
+                                     "radioButton_RemoveUndrilled_No",
+                                     "radioButton_ApplyTo_Selected",
+                                     "radioButton_Action_Mark"};
+        for (const QString& name : changed) {
+            click(dialog, name);
+        }
+        dialog.on_m_pSaveAsPB_clicked();
+        auto* ask = child<QInputDialog>(dialog, "templateNameDialog");
+        ask->setTextValue("inner only");
+        ask->accept();
+        QCOMPARE(named.count(), 1);
+        QVERIFY(dialog.isErfFileExist("inner only"));
+
+        Widget_NFPRemoval other(kJob, "pcb", host_.get());
+        other.setErfValues("inner only");
+        for (const QString& name : changed) {
+            auto* button = child<QAbstractButton>(other, name);
+            // Check boxes toggled from their defaults, radios chosen.
+            const bool was_default_on = name == "checkBox_Isolated";
+            QCOMPARE(button->isChecked(), !was_default_on);
+        }
+        QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "inner only");
+    }
+
+private:
+    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
+    std::unique_ptr<QWidget> host_;
+};
+
+QTEST_MAIN(tst_Widget_NFPRemoval)
+#include "tst_Widget_NFPRemoval.moc"

@@ -1,0 +1,360 @@
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <mutex>
+#include <stdexcept>
+
+#include "DataRows.h"
+#include "DfmDialogKit.h"
+#include "MessageBoxAnswerer.h"
+#include "PluginSpy.h"
+#include "ReferenceEngine.h"
+#include "ScopedEngineHook.h"
+#include "TemporaryWorkingDirectory.h"
+#include "UnitScope.h"
+#include "analysis/Widget_ResultsViewer.h"
+#include "dfm/Widget_Teardrops.h"
+#include "frame/BackgroundRun.h"
+
+using namespace Korvo::API;
+using dfmtest::child;
+using wctest::row;
+
+namespace {
+
+const char* const kJob = "sample_job";
+
+// Length fields in screen order.
+const QStringList kLengths = {"AnnRingMin",    "DrillSizeMin",  "DrillSizeMax",
+                              "TraceWidthMin", "TraceWidthMax", "CuSpacing",
+                              "DrillSpacing",  "OvalExcess",    "Extend"};
+
+// What the engine was given (the hook runs on the worker).
+struct EngineSpy {
+    std::mutex lock;
+    std::vector<teardrop_create_DFM_op_params> params;
+    std::vector<std::vector<std::string>> layers;
+    teardrop_result_map answer;
+
+    auto hook() {
+        return [this](const std::string&, const std::string&, const std::vector<std::string>& l,
+                      teardrop_create_DFM_op_params p, teardrop_result_map& result,
+                      Korvo::COMMON::progress_value<void>*) {
+            std::lock_guard<std::mutex> guard(lock);
+            params.push_back(p);
+            layers.push_back(l);
+            result = answer;
+            return true;
+        };
+    }
+};
+
+QLineEdit* edit(QWidget& dialog, const QString& key) {
+    return child<QLineEdit>(dialog, "lineEdit_" + key);
+}
+
+}  // namespace
+
+class tst_Widget_Teardrops : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        wcref::resetEngine();
+        QVERIFY(wcref::openSampleJob(kJob));
+        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
+        host_ = std::make_unique<QWidget>();
+    }
+    void cleanup() {
+        host_.reset();
+        working_.reset();
+        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
+    }
+
+    void windowAsTheHostExpects() {
+        wctest::UnitScope unit(host_.get(), 0);
+        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        QCOMPARE(dialog.windowTitle(), "Advanced Teardrop Creation");
+        QCOMPARE(child<QCheckBox>(dialog, "checkBox_UndrilledPads")->text(), "UNndrilled Pads");
+        QCOMPARE(dfmtest::labelText(dialog, "label_ArcAngleHint"), "(0-20)");
+        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_Layer")->text(), ".type=signal&context=board");
+        QStringList defaults;
+        for (const QString& key : kLengths) {
+            defaults.append(edit(dialog, key)->text());
+        }
+        QCOMPARE(defaults, QStringList({"5.00", "0.00", "80.00", "0.00", "15.00", "5.00", "11.00",
+                                        "3.00", "11.00"}));
+        QCOMPARE(child<QRadioButton>(dialog, "radioButton_WorkMode_Repair")->isChecked(), true);
+        QCOMPARE(child<QRadioButton>(dialog, "radioButton_ConsiderSolderMask_No")->isChecked(),
+                 true);
+        QCOMPARE(dialog.getDefaultLayerList(), QStringList({"top", "l3", "bottom"}));
+    }
+
+    // Every length typed distinct, so that a field landing in the wrong member shows.
+    void recordFromTypedValues_data() {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<QStringList>("lengths");
+        QTest::addColumn<QList<int>>("expected_nm");
+        QTest::addColumn<bool>("options");
+        row("mil", 0, QStringList{"1", "2", "3", "4", "5", "6", "7", "8", "9"},
+            QList<int>{25400, 50800, 76200, 101600, 127000, 152400, 177800, 203200, 228600}, false);
+        // 3.33333 mil is 84666.58 nm: truncated, not rounded.
+        row("mil truncated", 0,
+            QStringList{"3.33333", "0", "80", "0", "15", "5", "11", "3", "0.00003"},
+            QList<int>{84666, 0, 2032000, 0, 381000, 127000, 279400, 76200, 0}, true);
+        row("mm", 1, QStringList{"0", "1.5", "5", "0.25", "2", "0", "6", "0.5", "12.5"},
+            QList<int>{0, 1500000, 5000000, 250000, 2000000, 0, 6000000, 500000, 12500000}, true);
+    }
+    void recordFromTypedValues() {
+        QFETCH(int, unit);
+        QFETCH(QStringList, lengths);
+        QFETCH(QList<int>, expected_nm);
+        QFETCH(bool, options);
+        wctest::UnitScope scope(host_.get(), unit);
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::teardrop_create_DFM_op, spy.hook());
+        wctest::MessageBoxAnswerer answerer;
+        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        for (int i = 0; i < kLengths.size(); ++i) {
+            edit(dialog, kLengths[i])->setText(lengths[i]);
+        }
+        if (options) {
+            child<QLineEdit>(dialog, "lineEdit_LineWidthRatio")->setText("0.75");
+            child<QComboBox>(dialog, "comboBox_Type")->setCurrentIndex(4);
+            child<QLineEdit>(dialog, "lineEdit_ArcAngle")->setText("20");
+            child<QCheckBox>(dialog, "checkBox_DrilledPads")->setChecked(false);
+            child<QRadioButton>(dialog, "radioButton_DeleteOld_Skip")->setChecked(true);
+            child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->setChecked(true);
+            child<QRadioButton>(dialog, "radioButton_WorkMode_Report")->setChecked(true);
+            child<QRadioButton>(dialog, "radioButton_ConsiderSolderMask_Yes")->setChecked(true);
+        }
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
+        dialog.on_m_pScreenOnlyPB_clicked();
+        QCOMPARE(answerer.texts(), QStringList());
+        QCOMPARE(spy.params.size(), size_t(1));
+        const teardrop_create_DFM_op_params& p = spy.params.front();
+        const QList<int> got = {p.annular_ring_min, p.drill_size_min,         p.drill_size_max,
+                                p.trace_width_min,  p.trace_width_max,        p.copper_spacing,
+                                p.drill_spacing,    p.oval_excess_over_trace, p.extend};
+        QCOMPARE(got, expected_nm);
+        QCOMPARE(p.drilled_pads, !options);
+        QCOMPARE(p.undrilled_pads, true);
+        QCOMPARE(p.line_width_ratio, options ? 0.75 : 0.5);
+        QCOMPARE(p.teardrop_type, options ? 4 : 0);
+        QCOMPARE(p.arc_angle_given, options);
+        QCOMPARE(p.arc_angle, options ? 20 : 0);
+        QCOMPARE(p.delete_old_teardrops, options ? 2 : 0);
+        // "Selected" wins over the pressed button.
+        QCOMPARE(p.scope, options ? 3 : 1);
+        QCOMPARE(p.report_only, options);
+        QCOMPARE(p.consider_solder_mask, options);
+        QCOMPARE(p.ranges.size(), Korvo::UIAPI::getRanges("TeardropsRanges").size());
+        QCOMPARE(spy.layers.front(), (std::vector<std::string>{"top", "bottom"}));
+    }
+
+    void checksBeforeTheRun_data() {
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<QStringList>("typed");  // "key=text" pairs
+        QTest::addColumn<QString>("message");    // empty: the run starts
+        row("twenty at its edge", 0, QStringList{"AnnRingMin=20", "CuSpacing=20"}, "");
+        row("ring above", 0, QStringList{"AnnRingMin=20.01"},
+            "The Value : 20.01 is outside of (0,20) !");
+        row("ring below", 0, QStringList{"AnnRingMin=-0.5"},
+            "The Value : -0.5 is outside of (0,20) !");
+        row("drill min edges", 0, QStringList{"DrillSizeMin=100.5"},
+            "The Value : 100.5 is outside of (0,100) !");
+        row("drill max", 0, QStringList{"DrillSizeMax=200.1"},
+            "The Value : 200.1 is outside of (0,200) !");
+        row("drill spacing edge", 0, QStringList{"DrillSpacing=270"}, "");
+        row("drill spacing above", 0, QStringList{"DrillSpacing=271"},
+            "The Value : 271 is outside of (0,270) !");
+        // Copper spacing is checked before drill size max, the other way round on screen.
+        row("order", 0, QStringList{"DrillSizeMax=201", "CuSpacing=21", "DrillSpacing=300"},
+            "The Value : 21 is outside of (0,20) !");
+        row("ring first", 0, QStringList{"DrillSizeMin=101", "AnnRingMin=25"},
+            "The Value : 25 is outside of (0,20) !");
+        row("mm under twenty mil", 1, QStringList{"AnnRingMin=0.5"}, "");
+        row("mm over twenty mil", 1, QStringList{"AnnRingMin=0.51"},
+            "The Value : 0.51 is outside of (0,0.508) !");
+        row("mm drill max at its limit", 1, QStringList{"DrillSizeMax=5.08"}, "");
+        row("mm drill max over", 1, QStringList{"DrillSizeMax=5.09"},
+            "The Value : 5.09 is outside of (0,5.08) !");
+        row("empty length", 0, QStringList{"Extend="},
+            "Illegal floating parameter : Empty text-box ! ");
+        row("empty ratio", 0, QStringList{"LineWidthRatio="},
+            "Illegal floating parameter : Empty text-box ! ");
+        row("empty before range", 0, QStringList{"AnnRingMin=99", "TraceWidthMax="},
+            "Illegal floating parameter : Empty text-box ! ");
+        row("unchecked length beyond the record", 0, QStringList{"Extend=90000"},
+            "The Value : 90000 is outside of (0,80000) !");
+        row("empty arc angle is fine", 0, QStringList{"ArcAngle="}, "");
+        row("half-typed", 0, QStringList{"CuSpacing=-"}, "Illegal floating parameter : -");
+    }
+    void checksBeforeTheRun() {
+        QFETCH(int, unit);
+        QFETCH(QStringList, typed);
+        QFETCH(QString, message);
+        wctest::UnitScope scope(host_.get(), unit);
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::teardrop_create_DFM_op, spy.hook());
+        wctest::MessageBoxAnswerer answerer;
+        wctest::PluginSpy plugins;
+        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        if (unit == 1) {
+            edit(dialog, "AnnRingMin")->setText("0");
+            edit(dialog, "CuSpacing")->setText("0");
+        }
+        for (const QString& pair : typed) {
+            edit(dialog, pair.section('=', 0, 0))->setText(pair.section('=', 1));
+        }
+        dialog.on_m_pRunGlobalPB_clicked();
+        if (message.isEmpty()) {
+            QCOMPARE(answerer.count(), 0);
+            QCOMPARE(spy.params.size(), size_t(1));
+            return;
+        }
+        QCOMPARE(answerer.texts(), QStringList{message});
+        QCOMPARE(answerer.last().title, "Information");
+        QCOMPARE(spy.params.size(), size_t(0));
+        QCOMPARE(plugins.count(), 0);
+    }
+
+    void stopThenCompletion() {
+        std::atomic<int> calls{0};
+        wctest::ScopedEngineHook hook(
+            &wcref::EngineHooks::teardrop_create_DFM_op,
+            [&calls](const std::string&, const std::string&, const std::vector<std::string>&,
+                     teardrop_create_DFM_op_params, teardrop_result_map& result,
+                     Korvo::COMMON::progress_value<void>* progress) {
+                ++calls;
+                result[tdi_created_drilled].red.resize(2);
+                dfmtest::workUntilStopped(progress);
+                return true;
+            });
+        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;bottom");
+        dfmtest::Stopper stopper(dialog);
+        dialog.on_m_pInsideProfilePB_clicked();
+        QCOMPARE(calls.load(), 1);
+        QVERIFY(stopper.seen().contains("TearDrop dfm terminated|" + dfmtest::kRed));
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "3 layers were processed");
+        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
+        QVERIFY(dfmtest::labelText(dialog, "label_Time").contains(" - "));
+        // What the engine had done by the stop is kept and shown.
+        QVERIFY(dialog.hasResults());
+        QCOMPARE(dialog.result().at(tdi_created_drilled).red.size(), size_t(2));
+        dialog.on_m_pViewResultPB_clicked();
+        QVERIFY(dialog.resultsViewer() != nullptr);
+        QCOMPARE(dialog.resultsViewer()->kind(), wc::ViewerKind::Teardrops);
+        QCOMPARE(dialog.resultsViewer()->model().layers().at(0).layer_names,
+                 (std::vector<std::string>{"top", "l3", "bottom"}));
+    }
+
+    void notifications_data() {
+        QTest::addColumn<QString>("engine");  // "ok", "false", "throws"
+        row("engine succeeds", "ok");
+        row("engine fails", "false");
+        row("engine throws", "throws");
+    }
+    void notifications() {
+        QFETCH(QString, engine);
+        wctest::ScopedEngineHook hook(
+            &wcref::EngineHooks::teardrop_create_DFM_op,
+            [engine](const std::string&, const std::string&, const std::vector<std::string>&,
+                     teardrop_create_DFM_op_params, teardrop_result_map& result,
+                     Korvo::COMMON::progress_value<void>*) {
+                result[tdi_missing_drilled].yellow.resize(1);
+                if (engine == "throws") {
+                    throw std::runtime_error("engine lost its job");
+                }
+                return engine == "ok";
+            });
+        wctest::MessageBoxAnswerer answerer;
+        wctest::PluginSpy plugins;
+        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top");
+        dialog.on_m_pRunGlobalPB_clicked();
+        dfmtest::verifyNotifications(plugins, kJob);
+        // The worker's exception is logged, not shown; the run completes.
+        QCOMPARE(answerer.count(), 0);
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "1 layers were processed");
+        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
+        // What the engine put into the map before it failed or threw is kept.
+        QCOMPARE(dialog.result().at(tdi_missing_drilled).yellow.size(), size_t(1));
+        // Any parameter change makes the shown result stale.
+        child<QComboBox>(dialog, "comboBox_Type")->setCurrentIndex(2);
+        QCOMPARE(dfmtest::viewStyle(dialog), QString());
+    }
+
+    void noLayerNoRun() {
+        EngineSpy spy;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::teardrop_create_DFM_op, spy.hook());
+        wctest::PluginSpy plugins;
+        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("nosuch");
+        dialog.on_m_pRunGlobalPB_clicked();
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "No layers were processed");
+        QCOMPARE(spy.params.size(), size_t(0));
+        QCOMPARE(plugins.count(), 0);
+        QVERIFY(!dialog.hasResults());
+    }
+
+    void parameterSetRoundTrip() {
+        wctest::UnitScope unit(host_.get(), 0);
+        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        QSignalSpy named(&dialog, &Widget_Teardrops::send_Sel_Template_Name);
+        child<QLineEdit>(dialog, "lineEdit_LineWidthRatio")->setText("0.75");
+        child<QComboBox>(dialog, "comboBox_Type")->setCurrentIndex(3);
+        child<QLineEdit>(dialog, "lineEdit_ArcAngle")->setText("12");
+        child<QCheckBox>(dialog, "checkBox_UndrilledPads")->setChecked(false);
+        edit(dialog, "DrillSpacing")->setText("250");
+        child<QRadioButton>(dialog, "radioButton_DeleteOld_No")->setChecked(true);
+        child<QRadioButton>(dialog, "radioButton_WorkMode_Report")->setChecked(true);
+        std::vector<Korvo::UIAPI::Analysis_Ranges_Record> ranges;
+        Korvo::UIAPI::getRanges("TeardropsRanges", ranges);
+        QVERIFY(Korvo::UIAPI::changeRangesValue("TeardropsRanges", ranges[1].name, "RedLv", 777));
+
+        // "Save As" as the user meets it: the name dialog, then OK.
+        dialog.on_m_pSaveAsPB_clicked();
+        auto* ask = child<QInputDialog>(dialog, "templateNameDialog");
+        ask->setTextValue("wide");
+        ask->accept();
+        QCOMPARE(named.count(), 1);
+        QCOMPARE(named.at(0).at(0).toString(), "wide");
+        QVERIFY(dialog.isErfFileExist("wide"));
+        QCOMPARE(dialog.get_Teardrops_ERF(), QStringList{"wide"});
+        QVERIFY(Korvo::UIAPI::changeRangesValue("TeardropsRanges", ranges[1].name, "RedLv", 1));
+
+        Widget_Teardrops other(kJob, "pcb", host_.get());
+        other.setErfValues("wide");
+        QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "wide");
+        QCOMPARE(child<QLineEdit>(other, "lineEdit_LineWidthRatio")->text(), "0.75");
+        QCOMPARE(child<QComboBox>(other, "comboBox_Type")->currentIndex(), 3);
+        QCOMPARE(child<QLineEdit>(other, "lineEdit_ArcAngle")->text(), "12");
+        QVERIFY(!child<QCheckBox>(other, "checkBox_UndrilledPads")->isChecked());
+        QCOMPARE(edit(other, "DrillSpacing")->text(), "250");
+        QVERIFY(child<QRadioButton>(other, "radioButton_DeleteOld_No")->isChecked());
+        QVERIFY(child<QRadioButton>(other, "radioButton_WorkMode_Report")->isChecked());
+        QCOMPARE(Korvo::UIAPI::getRanges("TeardropsRanges")[1].RedLv, 777.0);
+
+        // Lengths saved in mil come back in the unit shown now.
+        unit.change(1);
+        Widget_Teardrops metric(kJob, "pcb", host_.get());
+        metric.setErfValues("wide");
+        QCOMPARE(edit(metric, "DrillSpacing")->text(), "6.35");
+        QCOMPARE(edit(metric, "AnnRingMin")->text(), "0.127");
+    }
+
+private:
+    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
+    std::unique_ptr<QWidget> host_;
+};
+
+QTEST_MAIN(tst_Widget_Teardrops)
+#include "tst_Widget_Teardrops.moc"
