@@ -351,6 +351,40 @@ private slots:
         QCOMPARE(get_editop_count(kJob, "pcb") != edits, edited);
     }
 
+    // The run's scope picks the pads that are judged: the four planted pads of l2 lie at x = 0
+    // (isolated), 210 (covered), 500 (duplicate) and 700 (drilled over).
+    void scopeLimitsNfp_data() {
+        QTest::addColumn<int>("scope");
+        QTest::addColumn<int>("apply_to");
+        QTest::addColumn<int>("judged");
+        QTest::newRow("whole step") << 0 << 0 << 4;
+        QTest::newRow("on screen") << 1 << 0 << 2;
+        QTest::newRow("inside profile") << 2 << 0 << 2;
+        QTest::newRow("selected") << 3 << 0 << 1;
+        QTest::newRow("apply to selected") << 0 << 1 << 1;
+    }
+    void scopeLimitsNfp() {
+        QFETCH(int, scope);
+        QFETCH(int, apply_to);
+        QFETCH(int, judged);
+        wcref::setScreenBox({450 * kMil, -100 * kMil, 750 * kMil, 100 * kMil});
+        QVERIFY(set_step_profile(kJob, "pcb",
+                                 {mil(-100, -100), mil(250, -100), mil(250, 100), mil(-100, 100)}));
+        for (const featureInfo& f : layerFeatures("l2")) {
+            if (f.type == feature_pad && f.start.x == 0) {
+                QVERIFY(select_feature_by_info(kJob, "pcb", "l2", f));
+            }
+        }
+        NFP_removal_DFM_op_params p;
+        p.pad_kinds = {1, 2, 3, 4};
+        p.action = 1;
+        p.scope = scope;
+        p.apply_to = apply_to;
+        NFP_removal_result_map results;
+        QVERIFY(NFP_removal_DFM_op(kJob, "pcb", {"l2"}, p, results, nullptr));
+        QCOMPARE(int(results[nfp_marked].other.size()), judged);
+    }
+
     // A teardrop added by one run is recognised by the next: nothing is added twice.
     void teardropsAreNotAddedTwice() {
         teardrop_create_DFM_op_params p;
