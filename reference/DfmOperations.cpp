@@ -6,6 +6,7 @@
 #include <boost/geometry/index/rtree.hpp>
 #include <chrono>
 #include <cmath>
+#include <deque>
 #include <numeric>
 #include <set>
 #include <thread>
@@ -454,12 +455,16 @@ void apply(const std::string& job, const std::string& step, const std::string& l
     for (size_t k = 0; k < data.features.size(); ++k) {
         index[data.features[k].id] = k;
     }
+    // featureInfo copies rather than moves when a vector grows: make room once.
+    data.features.reserve(data.features.size() +
+                          std::count_if(edits.begin(), edits.end(),
+                                        [](const Edit& e) { return e.kind == Edit::add; }));
     std::set<int> removed;
     bool changed = false;
     for (Edit& edit : edits) {
         if (edit.kind == Edit::add) {
             edit.feature.layer = layer;
-            edit.new_id = data.add(edit.feature).id;
+            edit.new_id = data.add(std::move(edit.feature)).id;
             edit.applied = changed = true;
             continue;
         }
@@ -785,7 +790,7 @@ point direction(const point& a, const point& b) {
 void teardropsOne(const JobInput& input, const LayerInput& layer,
                   const teardrop_create_DFM_op_params& params,
                   std::map<teardrop_create_DFM_op_items, teardrop_create_DFM_op_result>& result,
-                  std::vector<Edit>& edits, std::vector<Fillet>& made, Run& run, double from,
+                  std::vector<Edit>& edits, std::deque<Fillet>& made, Run& run, double from,
                   double to) {
     const std::vector<featureInfo>& features = layer.copper.features;
     std::set<size_t> old;
@@ -814,7 +819,8 @@ void teardropsOne(const JobInput& input, const LayerInput& layer,
     const auto isTeardrop = [&](unsigned k) {
         return features[copper.pieces[k].feature].attributes.count(".tear_drop") != 0;
     };
-    std::vector<Fillet> fillets;
+    std::deque<Fillet> fillets;
+    Tree made_tree;  // the fillets' boxes
     point pa;
     point pb;
     for (unsigned t = 0; t < copper.pieces.size(); ++t) {
@@ -834,10 +840,6 @@ void teardropsOne(const JobInput& input, const LayerInput& layer,
         if (trace.type == feature_arc) {
             axis = CopperGeometry::arcPoints(trace.start, trace.end, trace.center, trace.clockwise);
         }
-        double trace_length = 0;
-        for (size_t k = 0; k + 1 < axis.size(); ++k) {
-            trace_length += length(axis[k], axis[k + 1]);
-        }
         for (int end = 0; end < 2 && axis.size() >= 2; ++end) {
             const point e = end == 0 ? axis.front() : axis.back();
             const point next = end == 0 ? axis[1] : axis[axis.size() - 2];
@@ -852,10 +854,11 @@ void teardropsOne(const JobInput& input, const LayerInput& layer,
                     continue;
                 }
                 const Hole* hole = holes.of(copper.pieces[p].shape);
-                if (hole != nullptr
-                        ? !params.drilled_pads || hole->diameter < params.drill_size_min ||
-                              hole->diameter > params.drill_size_max
-                        : !params.undrilled_pads) {
+                const bool wanted = hole != nullptr ? params.drilled_pads &&
+                                                          hole->diameter >= params.drill_size_min &&
+                                                          hole->diameter <= params.drill_size_max
+                                                    : params.undrilled_pads;
+                if (!wanted) {
                     continue;
                 }
                 const double r = std::min(hx, hy);
@@ -878,9 +881,9 @@ void teardropsOne(const JobInput& input, const LayerInput& layer,
                 const point c = pad.start;
                 const point u = direction(e, next);
                 const point n{-u.y, u.x};
-                const double reach = std::min(r + (params.extend > 0 ? params.extend : r),
-                                              (e.x - c.x) * u.x + (e.y - c.y) * u.y +
-                                                  std::min(trace_length, length(e, next)));
+                const double reach =
+                    std::min(r + (params.extend > 0 ? params.extend : r),
+                             (e.x - c.x) * u.x + (e.y - c.y) * u.y + length(e, next));
                 if (reach <= r || (u.x == 0 && u.y == 0)) {
                     continue;
                 }
@@ -929,7 +932,11 @@ void teardropsOne(const JobInput& input, const LayerInput& layer,
                                  params.drill_spacing);
                     }
                 }
-                for (const Fillet& other : fillets) {
+                found.clear();
+                made_tree.query(bgi::intersects(grown(fillet.shape.box, margin)),
+                                std::back_inserter(found));
+                for (const Entry& entry : found) {
+                    const Fillet& other = fillets[entry.second];
                     if (other.island != fillet.island) {
                         consider(CopperGeometry::distance(fillet.shape, other.shape, pa, pb),
                                  params.copper_spacing);
@@ -948,6 +955,7 @@ void teardropsOne(const JobInput& input, const LayerInput& layer,
                     continue;
                 }
                 fillet.item = drilled ? tdi_created_drilled : tdi_created_undrilled;
+                made_tree.insert(Entry(fillet.shape.box, static_cast<unsigned>(fillets.size())));
                 fillets.push_back(std::move(fillet));
             }
         }
@@ -1200,15 +1208,15 @@ bool DfmOperations::teardrops(const std::string& job, const std::string& step,
     for (size_t k = 0; k < n && !run.startStopped(); ++k) {
         const LayerInput& layer = input.layers[k];
         std::vector<Edit> edits;
-        std::vector<Fillet> fillets;
+        std::deque<Fillet> fillets;
         teardropsOne(input, layer, params, results, edits, fillets, run, share(k, n, 0),
                      share(k, n, 1));
         // The new surfaces get their ids when written; their hits follow.
         const size_t first = edits.size();
-        for (const Fillet& fillet : fillets) {
+        for (Fillet& fillet : fillets) {
             Edit edit;
             edit.kind = Edit::add;
-            edit.feature = fillet.surface;
+            edit.feature = std::move(fillet.surface);
             edits.push_back(std::move(edit));
         }
         apply(job, step, layer.info.name, edits);
