@@ -840,6 +840,10 @@ void teardropsOne(const JobInput& input, const LayerInput& layer,
         if (trace.type == feature_arc) {
             axis = CopperGeometry::arcPoints(trace.start, trace.end, trace.center, trace.clockwise);
         }
+        double trace_length = 0;
+        for (size_t k = 0; k + 1 < axis.size(); ++k) {
+            trace_length += length(axis[k], axis[k + 1]);
+        }
         for (int end = 0; end < 2 && axis.size() >= 2; ++end) {
             const point e = end == 0 ? axis.front() : axis.back();
             const point next = end == 0 ? axis[1] : axis[axis.size() - 2];
@@ -881,9 +885,8 @@ void teardropsOne(const JobInput& input, const LayerInput& layer,
                 const point c = pad.start;
                 const point u = direction(e, next);
                 const point n{-u.y, u.x};
-                const double reach =
-                    std::min(r + (params.extend > 0 ? params.extend : r),
-                             (e.x - c.x) * u.x + (e.y - c.y) * u.y + length(e, next));
+                const double reach = std::min(r + (params.extend > 0 ? params.extend : r),
+                                              (e.x - c.x) * u.x + (e.y - c.y) * u.y + trace_length);
                 if (reach <= r || (u.x == 0 && u.y == 0)) {
                     continue;
                 }

@@ -52,9 +52,9 @@
 //   with ".tear_drop" touching both pad and trace) is passed over.
 // - The fillet is a trapezoid from the pad's width across its centre to the trace's width
 //   along the trace, `extend` beyond the pad edge (the pad's half-size when 0), never past
-//   the trace's far end (for an arc, the end of its first chord). It is skipped ("Skipped for
-//   Spacing", value the distance) when it would come closer than `copper_spacing` to copper of
-//   another island or than `drill_spacing` to another hole.
+//   the trace's length (an arc's fillet follows the arc's direction at its end). It is skipped
+//   ("Skipped for Spacing", value the distance) when it would come closer than `copper_spacing` to
+//   copper of another island or than `drill_spacing` to another hole.
 // - Repair adds the fillet as a surface carrying ".tear_drop" ("Created on ... Pads"); report
 //   only changes nothing ("Missing on ... Pads"). Value: the pad's annular ring when drilled,
 //   its half-size less the trace's half-width when not.

@@ -59,7 +59,8 @@ layer_info row(const std::string& name, int number, const std::string& type,
 //  top:  A r40 on a 30 mil hole at (0,0), ring 5, free to grow; B the same at (200,0) with a
 //        trace of another island 5 mil away; two traces 3 mil apart at y=100/113; a line 7 mil
 //        under A; teardrop pads T (drilled, 500,0), U (800,0, old teardrop) and V (undrilled,
-//        1100,0, copper 5 mil from where its fillet would be).
+//        1100,0, copper 5 mil from where its fillet would be), W (undrilled, 1400,0) where a
+//        half-circle arc starts.
 //  top_mask: r44 over A (clearance 2), two r30 openings 5 mil apart at y=300.
 //  l2:   isolated drilled pad (0,0), connected pad (200,0) with a covered r10 (210,0), a
 //        duplicate pair (500,0) on a trace, a r20 pad drilled over by a 30 mil hole (700,0).
@@ -95,6 +96,15 @@ void openPlantedJob() {
     top.add(pad("r40", 1100, 0));
     top.add(line("r8", 1100, 0, 1200, 0));
     top.add(line("r2", 1095, 26, 1105, 26));
+    top.add(pad("r40", 1400, 0));
+    featureInfo arc;
+    arc.type = feature_arc;
+    arc.symbol = "r8";
+    arc.start = mil(1400, 0);
+    arc.end = mil(1500, 0);
+    arc.center = mil(1450, 0);
+    arc.clockwise = true;
+    top.add(arc);
     wcref::EngineLayerData& mask = step.layers["top_mask"];
     mask.add(pad("r44", 0, 0));
     mask.add(pad("r30", 0, 300));
@@ -274,11 +284,13 @@ private slots:
         QTest::newRow("mask bridge reported")
             << int(MaskOp) << "" << int(smo_bridge_below_min) << 1 << 2 << 5.0 << "top_mask" << QPointF(35, 300) << 1 << "r30" << "" << 0 << true;
         QTest::newRow("teardrops added, old one replaced")
-            << int(TeardropOp) << "" << int(tdi_created_drilled) << 2 << 3 << 10.0 << "top" << QPointF(500, 0) << 1 << "r40" << "" << 2 << true;
+            << int(TeardropOp) << "" << int(tdi_created_drilled) << 2 << 3 << 10.0 << "top" << QPointF(500, 0) << 1 << "r40" << "" << 3 << true;
         QTest::newRow("old teardrop deleted")
-            << int(TeardropOp) << "" << int(tdi_deleted_old) << 1 << 0 << 0.0 << "top" << QPointF(800, 0) << 1 << "r40" << "" << 2 << true;
+            << int(TeardropOp) << "" << int(tdi_deleted_old) << 1 << 0 << 0.0 << "top" << QPointF(800, 0) << 1 << "r40" << "" << 3 << true;
         QTest::newRow("teardrop too close to copper")
-            << int(TeardropOp) << "" << int(tdi_skipped_spacing) << 1 << 1 << 5.0 << "top" << QPointF(1100, 0) << 1 << "r40" << "" << 2 << true;
+            << int(TeardropOp) << "" << int(tdi_skipped_spacing) << 1 << 1 << 5.0 << "top" << QPointF(1100, 0) << 1 << "r40" << "" << 3 << true;
+        QTest::newRow("teardrop on an arc end")
+            << int(TeardropOp) << "" << int(tdi_created_undrilled) << 1 << 3 << 16.0 << "top" << QPointF(1400, 0) << 1 << "r40" << "" << 3 << true;
         QTest::newRow("report only changes nothing")
             << int(TeardropOp) << "report" << int(tdi_missing_drilled) << 1 << 2 << 10.0 << "top" << QPointF(500, 0) << 1 << "r40" << "" << 1 << false;
         QTest::newRow("isolated pad removed")
@@ -395,7 +407,7 @@ private slots:
         QVERIFY(teardrop_create_DFM_op(kJob, "pcb", {"top"}, p, first, nullptr));
         QCOMPARE(int(first[tdi_created_drilled].other.size() +
                      first[tdi_created_undrilled].other.size()),
-                 2);
+                 3);
         teardrop_result_map second;
         QVERIFY(teardrop_create_DFM_op(kJob, "pcb", {"top"}, p, second, nullptr));
         QVERIFY(second.count(tdi_created_drilled) == 0 && second.count(tdi_created_undrilled) == 0);
