@@ -1,10 +1,9 @@
 // The long operations of the reference engine (analyses, DFM operations, exports) and the
 // storage calls of the result database (ResultDatabase.h).
 //
-// The signal layer check computes real hits (SignalChecks.h). The DFM operations check their
-// job, step and layers, report progress from 0 to 100 over longOperationDuration(), stop early
-// when asked, and return success with EMPTY results: the reference engine does not compute
-// optimisations. The exports write an honest text listing of the features.
+// The signal layer check computes real hits (SignalChecks.h), and so do the four DFM operations,
+// which also change the layers (DfmOperations.h says what each finds and changes). The exports
+// write an honest text listing of the features.
 
 #include <glog/logging.h>
 
@@ -16,6 +15,7 @@
 #include <sstream>
 #include <thread>
 
+#include "DfmOperations.h"
 #include "EngineCallText.h"
 #include "EngineStore.h"
 #include "Korvo_API.h"
@@ -29,25 +29,6 @@ using wcref::enter;
 using wcref::store;
 
 namespace {
-
-// Validates job, step and layers with the lock held.
-bool layersExist(const std::string& job, const std::string& step,
-                 const std::vector<std::string>& layers) {
-    std::lock_guard<std::mutex> guard(store().mutex);
-    if (store().step(job, step) == nullptr) {
-        return false;
-    }
-    if (layers.empty()) {
-        LOG(ERROR) << "no layer given to a long operation on " << job << "/" << step;
-        return false;
-    }
-    for (const std::string& layer : layers) {
-        if (store().layer(job, step, layer) == nullptr) {
-            return false;
-        }
-    }
-    return true;
-}
 
 // Reports progress over the configured duration, polling the stop flag at least every 20 ms.
 // Returns false when the caller asked to stop; a null progress block runs to the end.
@@ -305,20 +286,7 @@ std::map<int, std::vector<std::string>> getCheckResultMaster() {
 }
 
 // ---- DFM optimisations ----------------------------------------------------------------------
-// Each returns success with EMPTY results and leaves the layers unchanged: the reference engine
-// does not compute optimisations. False for an unknown job, step or layer, or no layer.
-
-template <typename Results>
-bool emptyOptimisation(const std::string& job, const std::string& step,
-                       const std::vector<std::string>& layers, Results& results,
-                       COMMON::progress_value<void>* progress) {
-    if (!layersExist(job, step, layers)) {
-        return false;
-    }
-    results.clear();
-    reportProgress(progress);
-    return true;
-}
+// Computed by DfmOperations.h. False for an unknown job, step or layer, or no layer.
 
 bool signal_layer_DFM_op(const std::string& job, const std::string& step,
                          const std::vector<std::string>& layers, signal_layer_DFM_op_params params,
@@ -329,7 +297,7 @@ bool signal_layer_DFM_op(const std::string& job, const std::string& step,
                   &EngineHooks::signal_layer_DFM_op)) {
         return hook(job, step, layers, std::move(params), results, progress);
     }
-    return emptyOptimisation(job, step, layers, results, progress);
+    return wcref::DfmOperations::signalLayer(job, step, layers, params, results, progress);
 }
 
 bool solder_mask_DFM_op(const std::string& job, const std::string& step,
@@ -341,7 +309,7 @@ bool solder_mask_DFM_op(const std::string& job, const std::string& step,
                   &EngineHooks::solder_mask_DFM_op)) {
         return hook(job, step, layers, std::move(params), results, progress);
     }
-    return emptyOptimisation(job, step, layers, results, progress);
+    return wcref::DfmOperations::solderMask(job, step, layers, params, results, progress);
 }
 
 bool teardrop_create_DFM_op(const std::string& job, const std::string& step,
@@ -353,7 +321,7 @@ bool teardrop_create_DFM_op(const std::string& job, const std::string& step,
                   &EngineHooks::teardrop_create_DFM_op)) {
         return hook(job, step, layers, std::move(params), results, progress);
     }
-    return emptyOptimisation(job, step, layers, results, progress);
+    return wcref::DfmOperations::teardrops(job, step, layers, params, results, progress);
 }
 
 bool NFP_removal_DFM_op(const std::string& job, const std::string& step,
@@ -364,7 +332,7 @@ bool NFP_removal_DFM_op(const std::string& job, const std::string& step,
                   &EngineHooks::NFP_removal_DFM_op)) {
         return hook(job, step, layers, std::move(params), results, progress);
     }
-    return emptyOptimisation(job, step, layers, results, progress);
+    return wcref::DfmOperations::nfpRemoval(job, step, layers, params, results, progress);
 }
 
 // ---- output ---------------------------------------------------------------------------------

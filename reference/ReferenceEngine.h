@@ -5,9 +5,9 @@
 // opens the bundled sample job (steps "pcb" and "panel") under any job name; a path naming a
 // folder of Gerber and Excellon files opens a job built from them (JobFromFolder.h); other
 // paths are refused. file_identify and file_translate read fabrication files through libgerbv
-// (GerberImport.h). The signal layer check computes real hits (SignalChecks.h); the other
-// analyses and the DFM operations report progress and return success with empty results (see
-// EngineLongOperations.cpp).
+// (GerberImport.h). The signal layer check computes real hits (SignalChecks.h) and the four DFM
+// operations real hits and changes (DfmOperations.h); the other analyses report progress and
+// return success with empty results (see EngineLongOperations.cpp).
 //
 // Every engine operation can be replaced for one test through engineHooks(): when the member of
 // that name is set, the operation records its call and returns the hook's answer instead of its
@@ -187,7 +187,7 @@ void clearEngineCalls();
 EngineHooks& engineHooks();
 
 // How long each long operation (checks, DFM operations, exports) takes to report its progress
-// from 0 to 100; a few milliseconds by default.
+// from 0 to 100 (DFM operations: at least this long); a few milliseconds by default.
 void setLongOperationDuration(std::chrono::milliseconds duration);
 std::chrono::milliseconds longOperationDuration();
 

@@ -63,9 +63,10 @@ bool runLong(int operation, const std::string& layer, Progress* progress, CheckP
                    results.empty();
         }
         case Teardrops: {
-            teardrop_result_map results{{tdi_deleted_old, {}}};
+            // The record's defaults delete the old teardrops and create none.
+            teardrop_result_map results{{tdi_skipped_spacing, {}}};
             return teardrop_create_DFM_op(kJob, "pcb", layers, {}, results, progress) &&
-                   results.empty();
+                   results.count(tdi_skipped_spacing) == 0;
         }
         case NfpRemoval: {
             NFP_removal_result_map results{{nfp_marked, {}}};
