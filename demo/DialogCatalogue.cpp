@@ -151,8 +151,8 @@ DialogEntry signalLayerChecks() {
 
 const std::vector<DialogEntry>& dialogCatalogue() {
     static const std::vector<DialogEntry> entries = {
-        contourize(),    signalLayerChecks(), resultsViewer(),  ranges(),
-        featureFilter(), stepRepeatEditor(),  signalLayerOpt(), solderMaskOpt()};
+        contourize(),       signalLayerChecks(), resultsViewer(), ranges(),    featureFilter(),
+        stepRepeatEditor(), signalLayerOpt(),    solderMaskOpt(), teardrops(), nfpRemoval()};
     return entries;
 }
 

@@ -2,8 +2,10 @@
 
 #include <QObject>
 
+#include "dfm/Widget_NFPRemoval.h"
 #include "dfm/Widget_SignalLayerOpt.h"
 #include "dfm/Widget_SolderMaskOpt.h"
+#include "dfm/Widget_Teardrops.h"
 
 namespace demo {
 namespace {
@@ -39,6 +41,16 @@ DialogEntry signalLayerOpt() {
 DialogEntry solderMaskOpt() {
     return optimisation<Widget_SolderMaskOpt>("Solder Mask Optimization...",
                                               &Widget_SolderMaskOpt::on_m_pRunGlobalPB_clicked);
+}
+
+DialogEntry teardrops() {
+    return optimisation<Widget_Teardrops>("Advanced Teardrop Creation...",
+                                          &Widget_Teardrops::on_m_pRunGlobalPB_clicked);
+}
+
+DialogEntry nfpRemoval() {
+    return optimisation<Widget_NFPRemoval>("NFP Removal...",
+                                           &Widget_NFPRemoval::on_m_pRunGlobalPB_clicked);
 }
 
 }  // namespace demo

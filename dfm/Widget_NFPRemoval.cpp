@@ -103,6 +103,10 @@ Widget_NFPRemoval::Widget_NFPRemoval(const QString& job, const QString& step, QW
 
 Widget_NFPRemoval::~Widget_NFPRemoval() = default;
 
+Widget_ResultsViewer* Widget_NFPRemoval::resultsViewer() const {
+    return viewer_.data();
+}
+
 void Widget_NFPRemoval::initNFPRemoval() {
     wc::RunControlsOptions options;
     options.range_key = kRangeKey;

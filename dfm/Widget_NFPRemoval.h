@@ -49,7 +49,7 @@ public:
     const Korvo::API::NFP_removal_result_map& result() const { return *result_; }
     bool hasResults() const { return has_results_; }
     const std::vector<std::string>& processedLayers() const { return processed_layers_; }
-    Widget_ResultsViewer* resultsViewer() const { return viewer_.data(); }
+    Widget_ResultsViewer* resultsViewer() const;
 
 public slots:
     void on_m_pRunGlobalPB_clicked();

@@ -125,6 +125,10 @@ Widget_Teardrops::Widget_Teardrops(const QString& job, const QString& step, QWid
 
 Widget_Teardrops::~Widget_Teardrops() = default;
 
+Widget_ResultsViewer* Widget_Teardrops::resultsViewer() const {
+    return viewer_.data();
+}
+
 void Widget_Teardrops::initTeardrops() {
     wc::RunControlsOptions options;
     options.range_key = kRangeKey;

@@ -51,7 +51,7 @@ public:
     bool hasResults() const { return has_results_; }
     // The layers of the last run.
     const std::vector<std::string>& processedLayers() const { return processed_layers_; }
-    Widget_ResultsViewer* resultsViewer() const { return viewer_.data(); }
+    Widget_ResultsViewer* resultsViewer() const;
 
 public slots:
     void on_m_pRunGlobalPB_clicked();

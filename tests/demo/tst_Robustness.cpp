@@ -153,7 +153,9 @@ private slots:
         };
         const Dialog dialogs[] = {{"Signal Layer Checks...", false},
                                   {"Signal Layer Optimization...", true},
-                                  {"Solder Mask Optimization...", true}};
+                                  {"Solder Mask Optimization...", true},
+                                  {"Advanced Teardrop Creation...", true},
+                                  {"NFP Removal...", true}};
         const std::pair<const char*, Fault> faults[] = {
             {"returns false", Fault::ReturnsFalse},
             {"throws a text", Fault::ThrowsText},
@@ -323,6 +325,8 @@ private:
             {"Signal Layer Checks...", install(&wcref::EngineHooks::signal_layers_checks)},
             {"Signal Layer Optimization...", install(&wcref::EngineHooks::signal_layer_DFM_op)},
             {"Solder Mask Optimization...", install(&wcref::EngineHooks::solder_mask_DFM_op)},
+            {"Advanced Teardrop Creation...", install(&wcref::EngineHooks::teardrop_create_DFM_op)},
+            {"NFP Removal...", install(&wcref::EngineHooks::NFP_removal_DFM_op)},
         };
         return map;
     }
