@@ -368,9 +368,13 @@ void DemoWindow::tourRealBoard(const std::function<void(QWidget*, const QString&
         log(tr("No example board at %1: the real-board pictures are left out").arg(board));
         return;
     }
+    // Each dialog with the slot of its view button.
+    const std::map<QString, const char*> view_slots = {
+        {QStringLiteral("Signal Layer Checks..."), "on_ViewResult_clicked"},
+        {QStringLiteral("Signal Layer Optimization..."), "on_Check_clicked"}};
     for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
-        if (entry.menu != QLatin1String("Signal Layer Checks...") &&
-            entry.menu != QLatin1String("Signal Layer Optimization...")) {
+        const auto view = view_slots.find(entry.menu);
+        if (view == view_slots.end()) {
             continue;
         }
         // A dialog opened on the sample job is made anew for this one.
@@ -381,22 +385,20 @@ void DemoWindow::tourRealBoard(const std::function<void(QWidget*, const QString&
         QString name = entry.menu;
         name.remove(QStringLiteral("...")).replace(' ', '_');
         snap(dialog, name + QStringLiteral("_real_board"));
-        if (entry.menu == QLatin1String("Signal Layer Checks...")) {
-            QMetaObject::invokeMethod(dialog, "on_ViewResult_clicked", Qt::DirectConnection);
-            // The newest viewer is the one the check has just opened.
-            const auto viewers = dialog->parentWidget()->findChildren<Widget_ResultsViewer*>();
-            if (!viewers.isEmpty()) {
-                Widget_ResultsViewer* viewer = viewers.last();
-                // Every severity admitted and the first hit shown, as the viewer's own row does.
-                for (const demo::DialogEntry& row : demo::dialogCatalogue()) {
-                    if (row.menu == QLatin1String("Results Viewer...")) {
-                        row.apply(viewer);
-                    }
-                }
-                snap(viewer, QStringLiteral("Results_Viewer_real_board"));
-            }
-            snap(this, QStringLiteral("demo_real_hit"));
+        QMetaObject::invokeMethod(dialog, view->second, Qt::DirectConnection);
+        // The newest viewer is the one the dialog has just opened.
+        const auto viewers = dialog->parentWidget()->findChildren<Widget_ResultsViewer*>();
+        if (viewers.isEmpty()) {
+            continue;
         }
+        // Every severity admitted and the first hit shown, as the viewer's own row does.
+        for (const demo::DialogEntry& row : demo::dialogCatalogue()) {
+            if (row.menu == QLatin1String("Results Viewer...")) {
+                row.apply(viewers.last());
+            }
+        }
+        snap(viewers.last(), name + QStringLiteral("_real_board_results"));
+        snap(this, name + QStringLiteral("_real_board_hit"));
     }
 }
 

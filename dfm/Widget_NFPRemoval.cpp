@@ -34,9 +34,12 @@ const QString kRangeKey = QStringLiteral("NFPRemoval");
 const char* const kTitle = "NFP Removal";
 
 enum Drill { Pth, PthPressfit, Npth, ViaLaser, Via, ViaPhoto };
-const char* const kDrills[] = {QT_TR_NOOP("PTH"),  QT_TR_NOOP("PTH - Pressfit"),
-                               QT_TR_NOOP("NPTH"), QT_TR_NOOP("Via - Laser"),
-                               QT_TR_NOOP("Via"),  QT_TR_NOOP("Via - Photo")};
+const char* const kDrills[] = {QT_TRANSLATE_NOOP("Widget_NFPRemoval", "PTH"),
+                               QT_TRANSLATE_NOOP("Widget_NFPRemoval", "PTH - Pressfit"),
+                               QT_TRANSLATE_NOOP("Widget_NFPRemoval", "NPTH"),
+                               QT_TRANSLATE_NOOP("Widget_NFPRemoval", "Via - Laser"),
+                               QT_TRANSLATE_NOOP("Widget_NFPRemoval", "Via"),
+                               QT_TRANSLATE_NOOP("Widget_NFPRemoval", "Via - Photo")};
 const char* const kDrillNames[] = {"PTH", "PTHPressfit", "NPTH", "ViaLaser", "Via", "ViaPhoto"};
 
 QCheckBox* checkBox(QWidget* parent, const QString& name, bool checked) {

@@ -96,8 +96,11 @@ const RangeCheck kRangeChecks[] = {
     {Extend, kEngineReachMil},
 };
 
-const char* const kTypes[] = {QT_TR_NOOP("Filleted"), QT_TR_NOOP("Straight"),
-                              QT_TR_NOOP("Triangular"), QT_TR_NOOP("Rounded"), QT_TR_NOOP("Oval")};
+const char* const kTypes[] = {QT_TRANSLATE_NOOP("Widget_Teardrops", "Filleted"),
+                              QT_TRANSLATE_NOOP("Widget_Teardrops", "Straight"),
+                              QT_TRANSLATE_NOOP("Widget_Teardrops", "Triangular"),
+                              QT_TRANSLATE_NOOP("Widget_Teardrops", "Rounded"),
+                              QT_TRANSLATE_NOOP("Widget_Teardrops", "Oval")};
 
 }  // namespace
 

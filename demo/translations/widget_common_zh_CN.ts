@@ -16,6 +16,137 @@
     </message>
 </context>
 <context>
+    <name>Grc_Tbv_featuresfilter</name>
+    <message>
+        <source>Snap Features</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Include Symbols:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Exclude Symbols:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Include Attributes:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>...</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Exclude Attributes:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Text filter:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Lines</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Ovals</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Length</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Angle</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Min:</source>
+        <translation>最小 :</translation>
+    </message>
+    <message>
+        <source>Max:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>User filter ...</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Dcode :</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Attributes</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>All Profile</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>In Profile</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Out Profile</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Advanced ...</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Select</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Search</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Unselect</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Turn Off</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Histogram</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Close &amp; Reset</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Feature Seleciton filter</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Features Filter Popup</source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
         <source>Information</source>
@@ -91,6 +222,761 @@
     <message>
         <source>Mode          :</source>
         <translation>模式 :</translation>
+    </message>
+</context>
+<context>
+    <name>Widget_Filter_Attributes</name>
+    <message>
+        <source>Attribute :</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Value :</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Logic :</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>All conditions (and)</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Any condition (or)</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Add</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>应用</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Attributes Filter</source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
+    <name>Widget_Filter_Searchpopup</name>
+    <message>
+        <source>Find :</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Search</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n feature(s) found</source>
+        <translation type="unfinished">
+            <numerusform />
+        </translation>
+    </message>
+</context>
+<context>
+    <name>Widget_NFPRemoval</name>
+    <message>
+        <source>Work On</source>
+        <translation>作用于</translation>
+    </message>
+    <message>
+        <source>Copper</source>
+        <translation>铜</translation>
+    </message>
+    <message>
+        <source>Features</source>
+        <translation>图形</translation>
+    </message>
+    <message>
+        <source>Remove Undrilled Pads</source>
+        <translation>删除无钻孔焊盘</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>是</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>否</translation>
+    </message>
+    <message>
+        <source>Apply to</source>
+        <translation>应用于</translation>
+    </message>
+    <message>
+        <source>ALL</source>
+        <translation>全部</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>选中</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Mark</source>
+        <translation>标记</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Isolated</source>
+        <translation>孤立</translation>
+    </message>
+    <message>
+        <source>Drilled Over</source>
+        <translation>被钻穿</translation>
+    </message>
+    <message>
+        <source>Duplicate</source>
+        <translation>重复</translation>
+    </message>
+    <message>
+        <source>Covered</source>
+        <translation>被覆盖</translation>
+    </message>
+    <message>
+        <source>Drills</source>
+        <translation>钻孔</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Layer error!</source>
+        <translation>层错误！</translation>
+    </message>
+    <message>
+        <source>PTH</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>PTH - Pressfit</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>NPTH</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Via - Laser</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Via</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Via - Photo</source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
+    <name>Widget_Ranges</name>
+    <message>
+        <source>Ranges</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>The ranges could not be saved; the change holds until the program closes.</source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
+    <name>Widget_ResultsHistogram</name>
+    <message>
+        <source>Results Histogram</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>No results</source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
+    <name>Widget_ResultsViewer</name>
+    <message>
+        <source>All layers</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>All</source>
+        <translation>全部</translation>
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>No external editor is connected</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Results Viewer</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Layers</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>None</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Categories</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Meas:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Sv:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>First</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>&lt;---</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>---&gt;</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Last</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Index:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Show All</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Selection</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Auto Zoom</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pan Only</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Replace layers</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Keep layers</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>Widget_SR_Edit</name>
+    <message>
+        <source>Selected Steps : 0</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Align</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Mirror</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>S&amp;R Edit Popup</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Selected Steps : </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>illegal step &amp; repeat nesting </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Illegal step specified</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>There are overlapping pcss selected!</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Steps are not aligned properly /n Different steps or step angle/mirror not match</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>angle must be in range of '0' to '360'!</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The Modify Entry operation requires 1 step!</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The Modify Entry operation requires only 1 step!</source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
+    <name>Widget_SignalLayerChecks</name>
+    <message>
+        <source>Test List</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Save</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Load</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Signal Layer Check</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file! Do you want to overwrite?</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>illegal floating parameter</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>WARNING!</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source> is not exists !</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Please wait</source>
+        <translation>请稍候</translation>
+    </message>
+    <message>
+        <source>Processing</source>
+        <translation>处理中</translation>
+    </message>
+    <message>
+        <source>SignalLayer check terminated</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>the service is busy</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The check-list service failed</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source> layers were processed</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Save 2 db failed</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Save success</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Save failed</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>DB connection failed</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>No stored check with id </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+</context>
+<context>
+    <name>Widget_SignalLayerOpt</name>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal floating parameter</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Floating parameter out of range Value </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source> is outside of (0, </source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
+    <name>Widget_SolderMaskOpt</name>
+    <message>
+        <source>SolderMask opt terminated</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>Clearance Opt</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Coverage Opt</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Opt :</source>
+        <translation>最佳 :</translation>
+    </message>
+    <message>
+        <source>Main</source>
+        <translation>主要参数</translation>
+    </message>
+    <message>
+        <source>Advanced</source>
+        <translation>高级参数</translation>
+    </message>
+    <message>
+        <source>Advance</source>
+        <translation>高级</translation>
+    </message>
+    <message>
+        <source>Advanced Surplus</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>SMD Compensate Range</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Gas Range</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Range</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Value</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Add</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>WARNING!</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source> is not exists !</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Changes: </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+</context>
+<context>
+    <name>Widget_Teardrops</name>
+    <message>
+        <source>Teardrop Line Width Ratio:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>类型</translation>
+    </message>
+    <message>
+        <source>Arc Angle:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>(0-20)</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Operate</source>
+        <translation>操作</translation>
+    </message>
+    <message>
+        <source>Drilled Pads</source>
+        <translation>有钻孔焊盘</translation>
+    </message>
+    <message>
+        <source>UNndrilled Pads</source>
+        <translation>无钻孔焊盘</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>Illegal floating parameter : Empty text-box ! </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Illegal floating parameter : </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Filleted</source>
+        <translation>圆角</translation>
+    </message>
+    <message>
+        <source>Straight</source>
+        <translation>直线</translation>
+    </message>
+    <message>
+        <source>Triangular</source>
+        <translation>三角形</translation>
+    </message>
+    <message>
+        <source>Rounded</source>
+        <translation>圆形</translation>
+    </message>
+    <message>
+        <source>Oval</source>
+        <translation>椭圆</translation>
+    </message>
+</context>
+<context>
+    <name>Widget_UserFilterList</name>
+    <message>
+        <source>User filter</source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
+    <name>Widget_listpopup</name>
+    <message>
+        <source>*</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Symbol List</source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
+    <name>wc::HitTableModel</name>
+    <message>
+        <source>Index</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Value</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Layer</source>
+        <translation type="unfinished" />
+    </message>
+</context>
+<context>
+    <name>wc::ListPopup</name>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layers</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>ERF</source>
+        <translation type="unfinished" />
     </message>
 </context>
 </TS>
