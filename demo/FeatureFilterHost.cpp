@@ -1,5 +1,7 @@
 #include "FeatureFilterHost.h"
 
+#include <QLineF>
+#include <algorithm>
 #include <map>
 
 #include "DemoWindow.h"
@@ -8,6 +10,7 @@
 #include "GraphicView.h"
 #include "Korvo_API.h"
 #include "frame/PluginMessages.h"
+#include "toolbar/Grc_Tbv_featuresfilter.h"
 
 namespace demo {
 namespace {
@@ -21,6 +24,64 @@ FeatureFilterHost::FeatureFilterHost(DemoWindow* window) : QObject(window), wind
          {FilterSelect, FilterUnselect, FilterHighlight, FilterTurnOff, FilterHistogramOrClose}) {
         window->onMessage(code, [this](const PluginMetaData& message) { receive(message); });
     }
+    for (int code :
+         {PickIncludeSymbol, PickAddIncludeSymbol, PickExcludeSymbol, PickAddExcludeSymbol}) {
+        window->onMessage(code, [this](const PluginMetaData& message) {
+            if (message.receiver == wc::module::GraphicView) {
+                pending_pick_ = message.code;
+                window_->log(QObject::tr("view: pick a pad or line for its symbol"));
+            }
+        });
+    }
+    connect(window->view(), &GraphicView::pointPicked, this,
+            [this](const Korvo::API::point& at, bool) { pickSymbolAt(at); });
+}
+
+void FeatureFilterHost::pickSymbolAt(const Korvo::API::point& at) {
+    if (pending_pick_ == 0) {
+        return;
+    }
+    const int code = pending_pick_;
+    pending_pick_ = 0;
+    // The nearest pad centre or line within 50 mil of the click, on the displayed layers.
+    GraphicView* view = window_->view();
+    double best = 50 * 25400.0;
+    std::string symbol;
+    for (const std::string& layer : view->displayedLayers()) {
+        std::vector<Korvo::API::featureInfo> features;
+        Korvo::API::get_all_feature_info(view->job(), view->step(), layer, features,
+                                         Korvo::API::FT_All);
+        for (const Korvo::API::featureInfo& feature : features) {
+            if (feature.symbol.empty()) {
+                continue;
+            }
+            const QLineF segment(feature.start.x, feature.start.y, feature.end.x, feature.end.y);
+            const QPointF click(at.x, at.y);
+            double distance = QLineF(segment.p1(), click).length();
+            if (feature.type != Korvo::API::feature_pad && segment.length() > 0) {
+                // Distance to the segment: the click projected onto it, clamped to its ends.
+                const QPointF d = segment.p2() - segment.p1();
+                const double t = std::clamp(
+                    QPointF::dotProduct(click - segment.p1(), d) / QPointF::dotProduct(d, d), 0.0,
+                    1.0);
+                distance = QLineF(segment.pointAt(t), click).length();
+            }
+            if (distance < best) {
+                best = distance;
+                symbol = feature.symbol;
+            }
+        }
+    }
+    if (symbol.empty()) {
+        window_->log(QObject::tr("view: no pad or line near the pick"));
+        return;
+    }
+    const bool replace = code == PickIncludeSymbol || code == PickExcludeSymbol;
+    const bool include = code == PickIncludeSymbol || code == PickAddIncludeSymbol;
+    for (auto* popup : window_->findChildren<Grc_Tbv_featuresfilter*>()) {
+        popup->update_symbol_text(QString::fromStdString(symbol), replace, include);
+    }
+    window_->log(QObject::tr("view: picked symbol %1").arg(QString::fromStdString(symbol)));
 }
 
 void FeatureFilterHost::receive(const PluginMetaData& message) {

@@ -3,6 +3,7 @@
 // dialog.
 
 #include <QImage>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -15,6 +16,7 @@
 #include "FeatureFilterSettings.h"
 #include "GraphicView.h"
 #include "Korvo_API.h"
+#include "Korvo_UIAPI.h"
 #include "QTpluginsManger4CAM.h"
 #include "ReferenceEngine.h"
 #include "analysis_drawing_data.h"
@@ -155,6 +157,50 @@ private slots:
         const std::vector<std::string>& shown = view->displayedLayers();
         QCOMPARE(std::count(shown.begin(), shown.end(), "bottom") == 1, bottomShown);
         QCOMPARE(int(shown.size()), shownLayers);
+    }
+
+    // The popup's symbol pick buttons: after the request, a click near a pad of the shown
+    // layers puts its symbol into the field the button belongs to, replacing or adding.
+    void symbolPicks_data() {
+        using namespace wc::code;
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<bool>("replace");
+        QTest::newRow("include, replace") << PickIncludeSymbol << "lineEdit_IncludeSymbols" << true;
+        QTest::newRow("include, add") << PickAddIncludeSymbol << "lineEdit_IncludeSymbols" << false;
+        QTest::newRow("exclude, replace") << PickExcludeSymbol << "lineEdit_ExcludeSymbols" << true;
+        QTest::newRow("exclude, add") << PickAddExcludeSymbol << "lineEdit_ExcludeSymbols" << false;
+    }
+    void symbolPicks() {
+        QFETCH(int, code);
+        QFETCH(QString, field);
+        QFETCH(bool, replace);
+        DemoWindow window;
+        QVERIFY(window.openSampleJob());
+        GraphicView* view = window.view();
+        QWidget* popup = nullptr;
+        for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
+            if (entry.menu == QLatin1String("Feature filter...")) {
+                popup = window.openDialog(entry);
+            }
+        }
+        QVERIFY(popup != nullptr);
+        auto* edit = popup->findChild<QLineEdit*>(field);
+        QVERIFY(edit != nullptr);
+        edit->setText(QStringLiteral("s5"));
+        std::vector<Korvo::API::featureInfo> pads;
+        Korvo::API::get_all_feature_info(view->job(), view->step(), view->displayedLayers().front(),
+                                         pads, Korvo::API::FT_Pad);
+        QVERIFY(!pads.empty());
+        const Korvo::API::featureInfo& pad = pads.front();
+
+        emit view->pointPicked(pad.start, false);  // no request yet: nothing happens
+        QCOMPARE(edit->text(), QStringLiteral("s5"));
+        send(window, code, wc::module::GraphicView, nullptr);
+        emit view->pointPicked({pad.start.x + 2540, pad.start.y}, false);
+        QString expected = QString::fromStdString(pad.symbol);
+        Korvo::UIAPI::setSymbolDataByMilUnit(popup->parentWidget(), expected);
+        QCOMPARE(edit->text(), replace ? expected : QStringLiteral("s5;") + expected);
     }
 
     // Every pad of the placed board lands where the engine's own flattening puts it, for a
