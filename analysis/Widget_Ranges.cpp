@@ -252,3 +252,14 @@ void Widget_Ranges::setLineEditValue(QList<ZeLineEdit*>& fields) {
         }
     }
 }
+
+void Widget_Ranges::openFor(QPointer<Widget_Ranges>& editor, QWidget* dialog, const void* handle,
+                            const QString& key, const char* owner) {
+    if (editor.isNull()) {
+        auto* host = static_cast<QWidget*>(const_cast<void*>(handle));
+        editor = new Widget_Ranges(key.toStdString(), std::string(owner), host, host);
+        connect(dialog, SIGNAL(unit_changed()), editor.data(), SLOT(change_units()));
+    }
+    editor->show();
+    editor->raise();
+}

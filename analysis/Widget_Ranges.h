@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 #include <string>
@@ -30,6 +31,11 @@ public:
     // Reads the records of `key` from the range store; `owner` names the dialog in the title.
     Widget_Ranges(std::string key, std::string owner, QWidget* handle, QWidget* parent);
     Widget_Ranges(QString key, std::vector<Record>& records, QWidget* handle, QWidget* parent);
+
+    // What a dialog's "Ranges..." does: creates the editor of `key` once (kept in `editor`),
+    // follows the dialog's unit_changed() signal, and shows it.
+    static void openFor(QPointer<Widget_Ranges>& editor, QWidget* dialog, const void* handle,
+                        const QString& key, const char* owner);
 
     // Replaces the records and shows their values.
     void updateRangeData(std::vector<Record>& records);

@@ -821,15 +821,7 @@ void Widget_SignalLayerChecks::showResultsViewer(bool open) {
 }
 
 void Widget_SignalLayerChecks::openRangeEditor() {
-    if (ranges_.isNull()) {
-        auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
-        ranges_ = new Widget_Ranges(kRangeKey.toStdString(), std::string("Signal Layer Check"),
-                                    host, host);
-        connect(this, &Widget_SignalLayerChecks::unit_changed, ranges_,
-                &Widget_Ranges::change_units);
-    }
-    ranges_->show();
-    ranges_->raise();
+    Widget_Ranges::openFor(ranges_, this, handle_, kRangeKey, "Signal Layer Check");
 }
 
 // ---- language and units ---------------------------------------------------------------------

@@ -190,13 +190,6 @@ void Widget_SignalLayerOpt::initSignalLayerOpt() {
     close_->setObjectName(QStringLiteral("pushButton_Close"));
     wc::setSourceText(this, close_, "Close");
 
-    auto* ranges_row = new QHBoxLayout;
-    ranges_row->addWidget(controls_->rangesButton());
-    ranges_row->addStretch();
-    auto* close_row = new QHBoxLayout;
-    close_row->addWidget(controls_->statusLabel(), 1);
-    close_row->addWidget(close_);
-
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(controls_->makeErfRow());
     layout->addLayout(controls_->makeLayerRow());
@@ -205,25 +198,18 @@ void Widget_SignalLayerOpt::initSignalLayerOpt() {
     layout->addWidget(apply_to.box);
     layout->addWidget(work_on);
     layout->addWidget(modification);
-    layout->addLayout(ranges_row);
-    layout->addLayout(controls_->makeRunRow());
-    layout->addWidget(controls_->timeLabel());
-    layout->addLayout(close_row);
+    controls_->addClosingRows(layout, close_);
 
-    connect(controls_->runButton(wc::ScopeGlobal), SIGNAL(clicked()), this,
-            SLOT(on_unGlobally_clicked()));
-    connect(controls_->runButton(wc::ScopeScreen), SIGNAL(clicked()), this,
-            SLOT(on_RunScreen_clicked()));
-    connect(controls_->runButton(wc::ScopeProfile), SIGNAL(clicked()), this,
-            SLOT(on_RunProfile_clicked()));
+    controls_->connectTo(this, {{SLOT(on_unGlobally_clicked()), SLOT(on_RunScreen_clicked()),
+                                 SLOT(on_RunProfile_clicked())},
+                                SLOT(on_Check_clicked()),
+                                SLOT(on_m_pSaveAsPB_clicked()),
+                                SLOT(on_Range_clicked())});
     connect(controls_->layerButton(), SIGNAL(clicked()), this, SLOT(on_Layer_clicked()));
     // The run controls open the popups themselves; the dialog's slots are for the host.
     controls_->layerButton()->disconnect(controls_);
     controls_->erfButton()->disconnect(controls_);
     connect(controls_->erfButton(), SIGNAL(clicked()), this, SLOT(on_ERF_clicked()));
-    connect(controls_->saveAsButton(), SIGNAL(clicked()), this, SLOT(on_m_pSaveAsPB_clicked()));
-    connect(controls_->rangesButton(), SIGNAL(clicked()), this, SLOT(on_Range_clicked()));
-    connect(controls_->viewButton(), SIGNAL(clicked()), this, SLOT(on_Check_clicked()));
     connect(modifications_[Shave], SIGNAL(clicked()), this, SLOT(on_Shave_clicked()));
     connect(close_, &QPushButton::clicked, this, &QWidget::close);
     connect(sets_, &wc::ParameterSetActions::saved, this,
@@ -357,15 +343,7 @@ void Widget_SignalLayerOpt::on_m_pSaveAsPB_clicked() {
 
 void Widget_SignalLayerOpt::on_Range_clicked() {
     WC_GUARDED({
-        if (ranges_.isNull()) {
-            auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
-            ranges_ = new Widget_Ranges(kRangeKey.toStdString(),
-                                        std::string("Signal Layer Optimization"), host, host);
-            connect(this, &Widget_SignalLayerOpt::unit_changed, ranges_,
-                    &Widget_Ranges::change_units);
-        }
-        ranges_->show();
-        ranges_->raise();
+        Widget_Ranges::openFor(ranges_, this, handle_, kRangeKey, "Signal Layer Optimization");
     });
 }
 

@@ -185,28 +185,11 @@ void Widget_SolderMaskOpt::initSolderMaskOpt() {
     close_ = new QPushButton(this);
     close_->setObjectName(QStringLiteral("pushButton_Close"));
 
-    auto* ranges_row = new QHBoxLayout;
-    ranges_row->addWidget(controls_->rangesButton());
-    ranges_row->addStretch();
-    QHBoxLayout* run_row = controls_->makeRunRow();
-    run_row->addWidget(summary_);
-    auto* result_row = new QHBoxLayout;
-    result_row->addWidget(controls_->timeLabel());
-    result_row->addStretch();
-    result_row->addWidget(changes_);
-    auto* close_row = new QHBoxLayout;
-    close_row->addStretch();
-    close_row->addWidget(close_);
-
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(controls_->makeLayerRow());
     layout->addLayout(controls_->makeErfRow());
     layout->addWidget(pages_);
-    layout->addLayout(ranges_row);
-    layout->addLayout(run_row);
-    layout->addLayout(result_row);
-    layout->addWidget(controls_->statusLabel());
-    layout->addLayout(close_row);
+    controls_->addClosingRows(layout, close_, {changes_, summary_});
 
     actions_ = new wc::ParameterSetActions(this, controls_, kRangeKey,
                                            [this] { return parameterWidgets(); });
@@ -217,15 +200,12 @@ void Widget_SolderMaskOpt::initSolderMaskOpt() {
         restoreTableEditors(gas_table_);
     });
 
-    connect(controls_->saveAsButton(), SIGNAL(clicked()), this, SLOT(on_m_pSaveAsPB_clicked()));
-    connect(controls_->rangesButton(), SIGNAL(clicked()), this, SLOT(on_m_pRangesPB_clicked()));
-    connect(controls_->runButton(wc::ScopeGlobal), SIGNAL(clicked()), this,
-            SLOT(on_m_pRunGlobalPB_clicked()));
-    connect(controls_->runButton(wc::ScopeScreen), SIGNAL(clicked()), this,
-            SLOT(on_m_pScreenOnlyPB_clicked()));
-    connect(controls_->runButton(wc::ScopeProfile), SIGNAL(clicked()), this,
-            SLOT(on_m_pInsideProfilePB_clicked()));
-    connect(controls_->viewButton(), SIGNAL(clicked()), this, SLOT(on_m_pViewResultPB_clicked()));
+    controls_->connectTo(this,
+                         {{SLOT(on_m_pRunGlobalPB_clicked()), SLOT(on_m_pScreenOnlyPB_clicked()),
+                           SLOT(on_m_pInsideProfilePB_clicked())},
+                          SLOT(on_m_pViewResultPB_clicked()),
+                          SLOT(on_m_pSaveAsPB_clicked()),
+                          SLOT(on_m_pRangesPB_clicked())});
     connect(close_, SIGNAL(clicked()), this, SLOT(on_m_pClosePB_clicked()));
     connect(advance_, SIGNAL(stateChanged(int)), this,
             SLOT(on_m_pAdvancedSurplusCB_stateChanged(int)));
@@ -523,15 +503,7 @@ void Widget_SolderMaskOpt::on_deletegastablerowpb_clicked() {
 }
 
 void Widget_SolderMaskOpt::on_m_pRangesPB_clicked() {
-    WC_GUARDED({
-        if (ranges_.isNull()) {
-            ranges_ = new Widget_Ranges(kRangeKey.toStdString(), std::string(kTitle), host_, host_);
-            connect(this, &Widget_SolderMaskOpt::unit_changed, ranges_,
-                    &Widget_Ranges::change_units);
-        }
-        ranges_->show();
-        ranges_->raise();
-    });
+    WC_GUARDED({ Widget_Ranges::openFor(ranges_, this, host_, kRangeKey, kTitle); });
 }
 
 void Widget_SolderMaskOpt::on_m_pRunGlobalPB_clicked() {

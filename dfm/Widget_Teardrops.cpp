@@ -224,34 +224,20 @@ void Widget_Teardrops::initTeardrops() {
     choices->addWidget(work_mode_.box, 1, 0);
     choices->addWidget(solder_mask_.box, 1, 1);
 
-    auto* ranges_row = new QHBoxLayout;
-    ranges_row->addWidget(controls_->rangesButton());
-    ranges_row->addStretch();
-    auto* close_row = new QHBoxLayout;
-    close_row->addStretch();
-    close_row->addWidget(close_);
-
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(controls_->makeErfRow());
     layout->addLayout(grid);
     layout->addLayout(choices);
     layout->addLayout(controls_->makeLayerRow());
-    layout->addLayout(ranges_row);
-    layout->addLayout(controls_->makeRunRow());
-    layout->addWidget(controls_->timeLabel());
-    layout->addWidget(controls_->statusLabel());
-    layout->addLayout(close_row);
+    controls_->addClosingRows(layout, close_);
 
     // The layer and "ERF:" buttons open their popups through the run controls.
-    connect(controls_->rangesButton(), SIGNAL(clicked()), this, SLOT(on_m_pRangesPB_clicked()));
-    connect(controls_->runButton(wc::ScopeGlobal), SIGNAL(clicked()), this,
-            SLOT(on_m_pRunGlobalPB_clicked()));
-    connect(controls_->runButton(wc::ScopeScreen), SIGNAL(clicked()), this,
-            SLOT(on_m_pScreenOnlyPB_clicked()));
-    connect(controls_->runButton(wc::ScopeProfile), SIGNAL(clicked()), this,
-            SLOT(on_m_pInsideProfilePB_clicked()));
-    connect(controls_->viewButton(), SIGNAL(clicked()), this, SLOT(on_m_pViewResultPB_clicked()));
-    connect(controls_->saveAsButton(), SIGNAL(clicked()), this, SLOT(on_m_pSaveAsPB_clicked()));
+    controls_->connectTo(this,
+                         {{SLOT(on_m_pRunGlobalPB_clicked()), SLOT(on_m_pScreenOnlyPB_clicked()),
+                           SLOT(on_m_pInsideProfilePB_clicked())},
+                          SLOT(on_m_pViewResultPB_clicked()),
+                          SLOT(on_m_pSaveAsPB_clicked()),
+                          SLOT(on_m_pRangesPB_clicked())});
     connect(close_, SIGNAL(clicked()), this, SLOT(on_m_pClosePB_clicked()));
     connect(sets_, &wc::ParameterSetActions::saved, this,
             &Widget_Teardrops::send_Sel_Template_Name);
@@ -357,15 +343,7 @@ void Widget_Teardrops::on_m_pLayerPB_clicked() {
 }
 
 void Widget_Teardrops::on_m_pRangesPB_clicked() {
-    WC_GUARDED({
-        if (ranges_.isNull()) {
-            auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
-            ranges_ = new Widget_Ranges(kRangeKey.toStdString(), std::string(kTitle), host, host);
-            connect(this, &Widget_Teardrops::unit_changed, ranges_, &Widget_Ranges::change_units);
-        }
-        ranges_->show();
-        ranges_->raise();
-    });
+    WC_GUARDED({ Widget_Ranges::openFor(ranges_, this, handle_, kRangeKey, kTitle); });
 }
 
 void Widget_Teardrops::on_m_pRunGlobalPB_clicked() {

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPixmap>
 #include <QPushButton>
+#include <QVBoxLayout>
 #include <QWidget>
 
 #include "Korvo_API.h"
@@ -106,6 +107,39 @@ RunControls::RunControls(QWidget* dialog, RunControlsOptions options)
 
     connect(layer_button_, &QPushButton::clicked, this, &RunControls::showLayerPopup);
     connect(erf_button_, &QPushButton::clicked, this, &RunControls::showErfPopup);
+}
+
+void RunControls::connectTo(QObject* dialog, const ButtonSlots& targets) const {
+    const auto wire = [dialog](QPushButton* button, const char* slot) {
+        if (slot != nullptr) {
+            connect(button, SIGNAL(clicked()), dialog, slot);
+        }
+    };
+    for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
+        wire(run_buttons_[scope], targets.run[scope]);
+    }
+    wire(view_button_, targets.view);
+    wire(save_as_button_, targets.save_as);
+    wire(ranges_button_, targets.ranges);
+}
+
+void RunControls::addClosingRows(QVBoxLayout* layout, QPushButton* close,
+                                 const QList<QWidget*>& extras) const {
+    auto* ranges_row = new QHBoxLayout;
+    ranges_row->addWidget(ranges_button_);
+    ranges_row->addStretch();
+    QHBoxLayout* run_row = makeRunRow();
+    for (QWidget* extra : extras) {
+        run_row->addWidget(extra);
+    }
+    auto* close_row = new QHBoxLayout;
+    close_row->addStretch();
+    close_row->addWidget(close);
+    layout->addLayout(ranges_row);
+    layout->addLayout(run_row);
+    layout->addWidget(time_label_);
+    layout->addWidget(status_label_);
+    layout->addLayout(close_row);
 }
 
 QHBoxLayout* RunControls::makeLayerRow() const {

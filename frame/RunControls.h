@@ -6,6 +6,7 @@
 // buttons to its own slots; the controls keep the styles and the remembered scope.
 
 #include <QDateTime>
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -16,6 +17,7 @@ class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QVBoxLayout;
 class QWidget;
 
 namespace wc {
@@ -68,6 +70,21 @@ public:
     QPushButton* viewButton() const { return view_button_; }
     QLabel* timeLabel() const { return time_label_; }
     QLabel* statusLabel() const { return status_label_; }
+
+    // The dialog's slots behind the buttons, as SLOT(...) strings; a null entry is not
+    // connected.
+    struct ButtonSlots {
+        const char* run[3] = {nullptr, nullptr, nullptr};  // by scope
+        const char* view = nullptr;
+        const char* save_as = nullptr;
+        const char* ranges = nullptr;
+    };
+    void connectTo(QObject* dialog, const ButtonSlots& targets) const;
+
+    // The rows every optimisation dialog ends with: "Ranges...", the run buttons (with `extras`
+    // at their right), the time label, the status label, and `close` at the right.
+    void addClosingRows(QVBoxLayout* layout, QPushButton* close,
+                        const QList<QWidget*>& extras = {}) const;
 
     // Rows ready to be put in the dialog's layout.
     QHBoxLayout* makeLayerRow() const;
