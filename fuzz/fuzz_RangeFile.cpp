@@ -11,8 +11,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const wcref::RangeStore::Table defaults = wcref::RangeStore::defaultTable();
     wcref::RangeStore::Table table = defaults;
     QString error;
-    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data),
-                                                     static_cast<int>(size));
+    const QByteArray bytes =
+        QByteArray::fromRawData(reinterpret_cast<const char*>(data), static_cast<int>(size));
     if (!wcref::RangeStore::parse(bytes, table, error)) {
         if (error.isEmpty()) {
             __builtin_trap();  // a refusal always says why

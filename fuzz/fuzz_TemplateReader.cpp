@@ -9,8 +9,8 @@
 #include "analysis/SignalCheckForm.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromRawData(
-        reinterpret_cast<const char*>(data), static_cast<int>(size)));
+    const QJsonDocument document = QJsonDocument::fromJson(
+        QByteArray::fromRawData(reinterpret_cast<const char*>(data), static_cast<int>(size)));
     if (!document.isObject()) {
         return 0;
     }

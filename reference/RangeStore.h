@@ -55,7 +55,6 @@ public:
     static Table defaultTable();
 
 private:
-
     RangeStore() = default;
     void ensureLoaded();
     bool save();
