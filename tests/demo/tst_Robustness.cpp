@@ -33,7 +33,20 @@ namespace {
 
 const char* const kJob = "sample_job";
 
-enum class Fault { ReturnsFalse, ThrowsText, ThrowsStd, RunsUntilStopped, DialogDestroyed };
+enum class Fault {
+    ReturnsFalse,
+    ThrowsText,
+    ThrowsStd,
+    PartialAfterStop,
+    DialogDestroyed,
+    ReenteredDuringRun
+};
+
+template <typename Arg, typename = void>
+struct IsMap : std::false_type {};
+template <typename Arg>
+struct IsMap<Arg, std::void_t<typename Arg::key_type, typename Arg::mapped_type>> : std::true_type {
+};
 
 // The progress block among an engine call's arguments, if it has one.
 template <typename... Args>
@@ -63,12 +76,22 @@ auto faulty(Fault fault, std::shared_ptr<std::atomic<int>> calls) {
                 throw std::string("engine lost its licence");
             case Fault::ThrowsStd:
                 throw std::runtime_error("engine ran out of memory");
-            case Fault::RunsUntilStopped:
-            case Fault::DialogDestroyed: {
+            case Fault::PartialAfterStop:
+            case Fault::DialogDestroyed:
+            case Fault::ReenteredDuringRun: {
                 Korvo::COMMON::progress_state* progress = progressOf(args...);
                 while (progress != nullptr && !progress->is_stop_requested()) {
                     std::this_thread::sleep_for(std::chrono::milliseconds(2));
                 }
+                // One default entry in each writable map argument (the result, and maybe a
+                // copy of the ranges): what an engine had found when it was stopped.
+                const auto fill = [](auto&& arg) {
+                    using Arg = std::remove_reference_t<decltype(arg)>;
+                    if constexpr (!std::is_const_v<Arg> && IsMap<Arg>::value) {
+                        arg[typename Arg::key_type{}];
+                    }
+                };
+                (fill(args), ...);
                 return true;
             }
         }
@@ -160,8 +183,9 @@ private slots:
             {"returns false", Fault::ReturnsFalse},
             {"throws a text", Fault::ThrowsText},
             {"throws std::exception", Fault::ThrowsStd},
-            {"runs until stopped", Fault::RunsUntilStopped},
+            {"partial results after a stop", Fault::PartialAfterStop},
             {"dialog destroyed during the run", Fault::DialogDestroyed},
+            {"unit, language and close during the run", Fault::ReenteredDuringRun},
         };
         for (const Dialog& dialog : dialogs) {
             for (const auto& fault : faults) {
@@ -188,7 +212,14 @@ private slots:
             }
             if (fault == Fault::DialogDestroyed && !dialog.isNull()) {
                 delete dialog.data();
-            } else if (fault == Fault::RunsUntilStopped) {
+            } else if (fault == Fault::PartialAfterStop) {
+                stopProgressWindows();
+            } else if (fault == Fault::ReenteredDuringRun && !dialog.isNull()) {
+                // What a host may do while the progress window keeps the user out.
+                interferer.stop();
+                entry.changeUnit(dialog);
+                entry.changeLanguage(dialog);
+                dialog->close();
                 stopProgressWindows();
             }
         });
@@ -213,6 +244,7 @@ private slots:
             QCOMPARE(messages.withCode(20002400).size(), 1);
         }
         // Usable afterwards: the next run reaches the engine again and ends.
+        dialog->show();
         wcref::engineHooks() = wcref::EngineHooks();
         installers().at(menu)(Fault::ReturnsFalse, calls);
         const int before = *calls;
