@@ -18,8 +18,8 @@
 #include "DataRows.h"
 #include "MessageBoxAnswerer.h"
 #include "ReferenceEngine.h"
+#include "SampleJobScene.h"
 #include "ScopedEngineHook.h"
-#include "TemporaryWorkingDirectory.h"
 #include "UnitScope.h"
 #include "ZeProgressDialog.h"
 #include "analysis/SignalCheckForm.h"
@@ -32,7 +32,7 @@ using wctest::row;
 
 namespace {
 
-const char* const kJob = "sample_job";
+const char* const kJob = wctest::SampleJobScene::kJob;
 
 template <typename T = QWidget>
 T* child(QWidget& dialog, const QString& name) {
@@ -104,18 +104,8 @@ class tst_Widget_SignalLayerChecks : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() {
-        wcref::resetEngine();
-        QVERIFY(wcref::openSampleJob(kJob));
-        Korvo::Cache::common_cache::instance()->clear();
-        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
-        host_ = std::make_unique<QWidget>();
-    }
-    void cleanup() {
-        host_.reset();
-        working_.reset();
-        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
-    }
+    void init() { QVERIFY(scene_.open()); }
+    void cleanup() { QVERIFY(scene_.close()); }
 
     // ---- without a window --------------------------------------------------------------------
 
@@ -156,12 +146,12 @@ private slots:
         QFETCH(int, unit);
         QFETCH(QString, spacing);
         QFETCH(double, spacing_nm);
-        wctest::UnitScope scope(host_.get(), unit);
+        wctest::UnitScope scope(scene_.host(), unit);
         wc::SignalCheckForm form = formWithTests({sl_spacing});
         form.distances[wc::DistSpacing] = spacing;
         form.distances[wc::DistDrillToCu] = QStringLiteral("1");
         form.distances[wc::DistRoutToCu] = QStringLiteral("2");
-        const signal_check_params p = wc::signalCheckParams(form, host_.get());
+        const signal_check_params p = wc::signalCheckParams(form, scene_.host());
         QCOMPARE(p.spacing, spacing_nm);
         // Drill before rout in the record, the other way round on screen.
         QVERIFY(p.drill_to_copper < p.rout_to_copper);
@@ -215,7 +205,7 @@ private slots:
         spy.answer[sli_line_width] = withHits(0, 0, 0);
         spy.answer[sli_pad_size] = withHits(red, yellow, green);
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         auto* summary = child<QLabel>(dialog, "label_Summary");
         summary->setText("before");
         summary->setStyleSheet("QLabel{background:blue;}");
@@ -229,8 +219,8 @@ private slots:
     // ---- the dialog --------------------------------------------------------------------------
 
     void windowAsTheHostExpects() {
-        wctest::UnitScope scope(host_.get(), 0);
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        wctest::UnitScope scope(scene_.host(), 0);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         QCOMPARE(dialog.windowTitle(), "Signal Layer Check");
         QCOMPARE(child<QLineEdit>(dialog, "lineEdit_Layer")->text(),
                  ".type=signal|mixed&side=top|bottom&context=board");
@@ -273,7 +263,7 @@ private slots:
         QFETCH(int, remembered);
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top");
         child<QRadioButton>(dialog,
                             selected ? "radioButton_ApplyTo_Selected" : "radioButton_ApplyTo_All")
@@ -315,7 +305,7 @@ private slots:
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         wctest::MessageBoxAnswerer answerer;
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
         child<QLineEdit>(dialog, "lineEdit_Spacing")->setText(spacing);
         dialog.on_RunGlobally_clicked();
@@ -346,7 +336,7 @@ private slots:
                 }
                 return true;
             });
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;bottom");
         QTimer stopper;
         QObject::connect(&stopper, &QTimer::timeout, [] {
@@ -366,7 +356,7 @@ private slots:
     }
 
     void staleMarking() {
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.on_RunGlobally_clicked();
         QVERIFY(!button(dialog, "pushButton_View")->styleSheet().isEmpty());
         child<QCheckBox>(dialog, "checkBox_Sliver")->click();
@@ -374,13 +364,13 @@ private slots:
     }
 
     void templateJsonAsWritten() {
-        wctest::UnitScope scope(host_.get(), 0);
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        wctest::UnitScope scope(scene_.host(), 0);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QCheckBox>(dialog, "checkBox_Smd")->setChecked(false);
         child<QRadioButton>(dialog, "radioButton_CompensatedRout_Skeleton")->setChecked(true);
         child<QLineEdit>(dialog, "lineEdit_Spacing")->setText("7.5");
         dialog.get_ERF_Name("mine");
-        QFile file(working_->filePath("ERFconfig/SignalLayerRanges/mine.json"));
+        QFile file(scene_.working().filePath("ERFconfig/SignalLayerRanges/mine.json"));
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QJsonObject root = QJsonDocument::fromJson(file.readAll()).object();
         const QByteArray expected =
@@ -410,8 +400,8 @@ private slots:
     void overwriteQuestion() {
         QFETCH(int, answer);
         QFETCH(QString, spacing_in_file);
-        wctest::UnitScope scope(host_.get(), 0);
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        wctest::UnitScope scope(scene_.host(), 0);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.get_ERF_Name("set");
         child<QLineEdit>(dialog, "lineEdit_Spacing")->setText("3");
         wctest::MessageBoxAnswerer answerer{QMessageBox::StandardButton(answer)};
@@ -419,7 +409,7 @@ private slots:
         QCOMPARE(answerer.count(), 1);
         QCOMPARE(answerer.last().title, "Warning");
         QCOMPARE(answerer.last().text, "set have a same name file! Do you want to overwrite?");
-        QFile file(working_->filePath("ERFconfig/SignalLayerRanges/set.json"));
+        QFile file(scene_.working().filePath("ERFconfig/SignalLayerRanges/set.json"));
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QJsonArray entries =
             QJsonDocument::fromJson(file.readAll()).object().value("signalLayerChecks").toArray();
@@ -427,7 +417,7 @@ private slots:
     }
 
     void templateRoundTripRestoresSkeleton() {
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QRadioButton>(dialog, "radioButton_CompensatedRout_Skeleton")->setChecked(true);
         child<QCheckBox>(dialog, "checkBox_Stubs")->setChecked(false);
         std::vector<Korvo::UIAPI::Analysis_Ranges_Record> ranges;
@@ -436,7 +426,7 @@ private slots:
         dialog.get_ERF_Name("skeleton");
         QVERIFY(Korvo::UIAPI::changeRangesValue("SignalLayerRanges", ranges[3].name, "RedLv", 1));
 
-        Widget_SignalLayerChecks other(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks other(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         other.get_ERF_text("skeleton");
         QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "skeleton");
         QVERIFY(child<QRadioButton>(other, "radioButton_CompensatedRout_Skeleton")->isChecked());
@@ -444,7 +434,7 @@ private slots:
         QCOMPARE(Korvo::UIAPI::getRanges("SignalLayerRanges")[3].RedLv, 777.0);
 
         // A broken file leaves the form as it was and says why.
-        QFile broken(working_->filePath("ERFconfig/SignalLayerRanges/broken.json"));
+        QFile broken(scene_.working().filePath("ERFconfig/SignalLayerRanges/broken.json"));
         QVERIFY(broken.open(QIODevice::WriteOnly));
         broken.write(R"({"signalLayerChecks":[{"Apply to":7}]})");
         broken.close();
@@ -459,8 +449,8 @@ private slots:
         EngineSpy spy;
         spy.answer[sli_pad_size] = withHits(0, 2, 0);
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
-        wctest::UnitScope scope(host_.get(), 1);
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        wctest::UnitScope scope(scene_.host(), 1);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.on_db_connected(true);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
         child<QLineEdit>(dialog, "lineEdit_Slivermin")->setText("0.1");
@@ -475,7 +465,7 @@ private slots:
                  qPrintable(answerer.last().text));
         QVERIFY(QFile::exists(Common::getPath_database() + "/results.sqlite"));
 
-        Widget_SignalLayerChecks other(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks other(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         other.on_db_connected(true);
         other.refresh_load_result(0);
         // Distances come back in mil whatever the unit; a flag cannot say "Skeleton".
@@ -489,7 +479,7 @@ private slots:
 
     void databaseMessages() {
         wctest::MessageBoxAnswerer answerer;
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.on_LoadFromDb_clicked();
         dialog.on_SaveToDb_clicked();
         dialog.on_check_result_2_db_end({false, -1, "disk full"});
@@ -513,7 +503,7 @@ private slots:
             cached["l" + std::to_string(i)];
         }
         Korvo::Cache::common_cache::instance()->setSignalResult(cached);
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Engine);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.viewSetShowResult();
         QCOMPARE(text(dialog, "label_Status"), status);
         QCOMPARE(dialog.layersWithinCheck().size(), layers);
@@ -523,7 +513,7 @@ private slots:
         EngineSpy spy;
         spy.answer[sli_smd_pitch] = withHits(0, 0, 1);
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
-        Widget_SignalLayerChecks dialog(kJob, "pcb", host_.get(), Korvo::UIAPI::Check_Service);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Service);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
         child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->setChecked(true);
         dialog.on_RunProfile_clicked();
@@ -566,8 +556,7 @@ private slots:
     }
 
 private:
-    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
-    std::unique_ptr<QWidget> host_;
+    wctest::SampleJobScene scene_;
 };
 
 QTEST_MAIN(tst_Widget_SignalLayerChecks)

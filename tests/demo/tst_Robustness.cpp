@@ -23,7 +23,7 @@
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
 #include "ReferenceEngine.h"
-#include "TemporaryWorkingDirectory.h"
+#include "SampleJobScene.h"
 #include "UnitScope.h"
 #include "ZeProgressDialog.h"
 #include "frame/BackgroundRun.h"
@@ -31,7 +31,7 @@
 
 namespace {
 
-const char* const kJob = "sample_job";
+const char* const kJob = wctest::SampleJobScene::kJob;
 
 enum class Fault {
     ReturnsFalse,
@@ -146,21 +146,16 @@ class tst_Robustness : public QObject {
 
 private slots:
     void init() {
-        wcref::resetEngine();
+        QVERIFY(scene_.open());
         wcref::setLongOperationDuration(std::chrono::milliseconds(0));
-        QVERIFY(wcref::openSampleJob(kJob));
-        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
-        host_ = std::make_unique<QWidget>();
-        context_.host = host_.get();
+        context_.host = scene_.host();
         context_.log = [](const QString&) {};
         context_.job = QString::fromLatin1(kJob);
         context_.step = QStringLiteral("pcb");
     }
     void cleanup() {
         wcref::engineHooks() = wcref::EngineHooks();
-        host_.reset();
-        working_.reset();
-        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
+        QVERIFY(scene_.close());
     }
 
     // Every engine-running dialog against every fault: no crash, no box for a worker's
@@ -265,7 +260,7 @@ private slots:
     void monkey() {
         QFETCH(int, index);
         const demo::DialogEntry& entry = demo::dialogCatalogue()[size_t(index)];
-        wctest::UnitScope units(host_.get(), 0);
+        wctest::UnitScope units(scene_.host(), 0);
         int unit = 0;
         QPointer<QWidget> dialog = entry.create(context_);
         dialog->show();
@@ -363,8 +358,7 @@ private:
         return map;
     }
 
-    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
-    std::unique_ptr<QWidget> host_;
+    wctest::SampleJobScene scene_;
     demo::DemoContext context_;
 };
 

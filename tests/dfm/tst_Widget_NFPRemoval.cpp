@@ -13,8 +13,8 @@
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
 #include "ReferenceEngine.h"
+#include "SampleJobScene.h"
 #include "ScopedEngineHook.h"
-#include "TemporaryWorkingDirectory.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_NFPRemoval.h"
 #include "frame/BackgroundRun.h"
@@ -25,7 +25,7 @@ using wctest::row;
 
 namespace {
 
-const char* const kJob = "sample_job";
+const char* const kJob = wctest::SampleJobScene::kJob;
 
 struct EngineSpy {
     std::mutex lock;
@@ -56,17 +56,8 @@ class tst_Widget_NFPRemoval : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() {
-        wcref::resetEngine();
-        QVERIFY(wcref::openSampleJob(kJob));
-        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
-        host_ = std::make_unique<QWidget>();
-    }
-    void cleanup() {
-        host_.reset();
-        working_.reset();
-        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
-    }
+    void init() { QVERIFY(scene_.open()); }
+    void cleanup() { QVERIFY(scene_.close()); }
 
     // Clicks on the dialog, then the record the engine got. Columns of the record: pth, npth,
     // via, remove undrilled, apply to, action, scope, pad kinds.
@@ -100,7 +91,7 @@ private slots:
         QFETCH(QList<int>, kinds);
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::NFP_removal_DFM_op, spy.hook());
-        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
         for (const QString& name : clicks) {
             click(dialog, name);
         }
@@ -132,7 +123,7 @@ private slots:
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::NFP_removal_DFM_op, spy.hook());
         wctest::MessageBoxAnswerer answerer;
         wctest::PluginSpy plugins;
-        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
         dialog.on_m_pRunGlobalPB_clicked();
         QCOMPARE(answerer.texts(), QStringList{"Layer error!"});
@@ -153,7 +144,7 @@ private slots:
                 dfmtest::workUntilStopped(progress);
                 return true;
             });
-        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;l4;bottom");
         dfmtest::Stopper stopper(dialog);
         dialog.on_m_pScreenOnlyPB_clicked();
@@ -184,7 +175,7 @@ private slots:
         spy.answer[nfp_marked].yellow.resize(static_cast<size_t>(yellow));
         spy.answer[nfp_marked].green.resize(static_cast<size_t>(green));
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::NFP_removal_DFM_op, spy.hook());
-        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
         dialog.on_m_pRunGlobalPB_clicked();
         auto* time = child<QLabel>(dialog, "label_Time");
         QCOMPARE(time->styleSheet(), style);
@@ -224,7 +215,7 @@ private slots:
             });
         wctest::MessageBoxAnswerer answerer;
         wctest::PluginSpy plugins;
-        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("l3");
         dialog.on_m_pRunGlobalPB_clicked();
         dfmtest::verifyNotifications(plugins, kJob);
@@ -236,7 +227,7 @@ private slots:
     }
 
     void parameterSetRoundTrip() {
-        Widget_NFPRemoval dialog(kJob, "pcb", host_.get());
+        Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
         QSignalSpy named(&dialog, &Widget_NFPRemoval::send_Sel_Template_Name);
         const QStringList changed = {"checkBox_Isolated",
                                      "checkBox_Duplicate",
@@ -255,7 +246,7 @@ private slots:
         QCOMPARE(named.count(), 1);
         QVERIFY(dialog.isErfFileExist("inner only"));
 
-        Widget_NFPRemoval other(kJob, "pcb", host_.get());
+        Widget_NFPRemoval other(kJob, "pcb", scene_.host());
         other.setErfValues("inner only");
         for (const QString& name : changed) {
             auto* button = child<QAbstractButton>(other, name);
@@ -267,8 +258,7 @@ private slots:
     }
 
 private:
-    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
-    std::unique_ptr<QWidget> host_;
+    wctest::SampleJobScene scene_;
 };
 
 QTEST_MAIN(tst_Widget_NFPRemoval)

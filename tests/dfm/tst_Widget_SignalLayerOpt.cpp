@@ -11,11 +11,12 @@
 #include <thread>
 
 #include "DataRows.h"
+#include "DfmDialogKit.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
 #include "ReferenceEngine.h"
+#include "SampleJobScene.h"
 #include "ScopedEngineHook.h"
-#include "TemporaryWorkingDirectory.h"
 #include "UnitScope.h"
 #include "ZeProgressDialog.h"
 #include "analysis/Widget_ResultsViewer.h"
@@ -30,19 +31,8 @@ using wctest::row;
 
 namespace {
 
-const char* const kJob = "sample_job";
-const char* const kRed = "QPushButton{background-image:url(:/Widget_Common/Resources/viewred.jpg)}";
-const char* const kGreen =
-    "QPushButton{background-image:url(:/Widget_Common/Resources/viewgreen.jpg)}";
-
-template <typename T = QWidget>
-T* child(QWidget& dialog, const QString& name) {
-    T* found = dialog.findChild<T*>(name);
-    if (found == nullptr) {
-        qFatal("no child %s", qPrintable(name));
-    }
-    return found;
-}
+const char* const kJob = wctest::SampleJobScene::kJob;
+using dfmtest::child;
 
 QLineEdit* field(QWidget& dialog, const QString& key) {
     return child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key);
@@ -71,34 +61,14 @@ struct EngineSpy {
     }
 };
 
-void stopWhenTheWindowShows(QTimer& stopper) {
-    QObject::connect(&stopper, &QTimer::timeout, [] {
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
-                window->requestStop();
-            }
-        }
-    });
-    stopper.start(5);
-}
-
 }  // namespace
 
 class tst_Widget_SignalLayerOpt : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() {
-        wcref::resetEngine();
-        QVERIFY(wcref::openSampleJob(kJob));
-        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
-        host_ = std::make_unique<QWidget>();
-    }
-    void cleanup() {
-        host_.reset();
-        working_.reset();
-        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
-    }
+    void init() { QVERIFY(scene_.open()); }
+    void cleanup() { QVERIFY(scene_.close()); }
 
     // Every field goes to its own member, truncated to whole nanometres, in either unit; the
     // disabled rows and the options the dialog does not own never reach the record.
@@ -117,8 +87,8 @@ private slots:
         QFETCH(bool, selected);
         QFETCH(QString, button);
         QFETCH(int, scope);
-        wctest::UnitScope units(host_.get(), unit);
-        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        wctest::UnitScope units(scene_.host(), unit);
+        Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         // Distinct values per field, so that any two swapped members show.
         const QStringList keys = {
             "PTHARMin",    "PTHAROpt",    "VIAARMin",   "VIAAROpt",   "LaserARMin",  "LaserAROpt",
@@ -206,8 +176,8 @@ private slots:
         QFETCH(QString, key);
         QFETCH(QString, text);
         QFETCH(QString, message);
-        wctest::UnitScope units(host_.get(), unit);
-        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        wctest::UnitScope units(scene_.host(), unit);
+        Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         field(dialog, key)->setText(text);
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
@@ -224,7 +194,7 @@ private slots:
     }
 
     void shaveEnablesShaveSameNetWithoutTouchingIt() {
-        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         auto* shave = child<QCheckBox>(dialog, "checkBox_Shave");
         auto* same_net = child<QCheckBox>(dialog, "checkBox_ShaveSameNet");
         shave->click();
@@ -240,7 +210,7 @@ private slots:
     }
 
     void noLayerNoRunNoNotification() {
-        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         dialog.setAffectedLayers({});
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
@@ -262,64 +232,43 @@ private slots:
     }
     void stopThenCompletion() {
         QFETCH(bool, throws);
-        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         dialog.setAffectedLayers({"top", "bottom"});
-        QStringList seen_while_stopping;
-        auto* status = child<QLabel>(dialog, "label_Status");
-        auto* view = child<QPushButton>(dialog, "pushButton_View");
         wctest::ScopedEngineHook hook(
             &wcref::EngineHooks::signal_layer_DFM_op,
             [throws](const std::string&, const std::string&, const std::vector<std::string>&,
                      Params, signal_layer_DFM_result_map& result,
                      Korvo::COMMON::progress_value<void>* progress) {
                 result["top"][sdi_spacing].yellow.resize(1);
-                while (!progress->is_stop_requested()) {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-                }
-                // Long enough for the dialog to show the stop.
-                std::this_thread::sleep_for(std::chrono::milliseconds(450));
+                dfmtest::workUntilStopped(progress);
                 if (throws) {
                     throw std::runtime_error("engine failure");
                 }
                 return false;
             });
-        QTimer watcher;
-        QObject::connect(&watcher, &QTimer::timeout, [&] {
-            seen_while_stopping << status->text() + QStringLiteral(" | ") + view->styleSheet();
-        });
-        watcher.start(50);
-        QTimer stopper;
-        stopWhenTheWindowShows(stopper);
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer boxes;
-        dialog.on_unGlobally_clicked();
-        watcher.stop();
-
-        QVERIFY(
-            seen_while_stopping.contains(QStringLiteral("SignalLayer opt terminated | ") + kRed));
-        QCOMPARE(status->text(), "2 layers were processed");
-        QCOMPARE(view->styleSheet(), kGreen);
+        {
+            dfmtest::Stopper stopper(dialog);
+            dialog.on_unGlobally_clicked();
+            QVERIFY(stopper.seen().contains("SignalLayer opt terminated|" + dfmtest::kRed));
+        }
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "2 layers were processed");
+        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
         QVERIFY(dialog.hasResults());
         QCOMPARE(dialog.result().size(), size_t(1));
-        QVERIFY(child<QLabel>(dialog, "label_Time")->text().contains(" - "));
+        QVERIFY(dfmtest::labelText(dialog, "label_Time").contains(" - "));
         QCOMPARE(boxes.count(), 0);
-        QCOMPARE(messages.codes(), (QList<int>{20002401, 20002400}));
-        const QList<wctest::SeenMessage> seen = messages.messages();
-        QCOMPARE(seen[0].sender, "CAM_PNData_View.dll");
-        QCOMPARE(seen[0].receiver, "Matrix.dll");
-        QCOMPARE(seen[0].values.value("DstType").toString(), "Matrix");
-        QCOMPARE(seen[1].sender, "CAM_PNData_View.dll");
-        QCOMPARE(seen[1].receiver, "Graphic_JobList.dll");
-        QCOMPARE(seen[1].values.value("DstType").toString(), "Graphic");
+        dfmtest::verifyNotifications(messages, kJob);
     }
 
     void viewerShowsTheRunWithKindSeven() {
-        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
         dialog.on_unGlobally_clicked();
         dialog.on_Check_clicked();
-        auto* viewer = host_->findChild<Widget_ResultsViewer*>();
+        auto* viewer = scene_.host()->findChild<Widget_ResultsViewer*>();
         QVERIFY(viewer != nullptr);
         QCOMPARE(viewer->tag(), 7);
         QCOMPARE(viewer->kind(), wc::ViewerKind::SignalLayerDFM);
@@ -327,11 +276,11 @@ private slots:
         // A second run refreshes the same window.
         dialog.on_unGlobally_clicked();
         dialog.on_Check_clicked();
-        QCOMPARE(host_->findChildren<Widget_ResultsViewer*>().size(), 1);
+        QCOMPARE(scene_.host()->findChildren<Widget_ResultsViewer*>().size(), 1);
     }
 
     void parameterSetRoundTrip() {
-        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         QSignalSpy named(&dialog, &Widget_SignalLayerOpt::send_Sel_Template_Name);
         field(dialog, "PTHARMin")->setText("7.25");
         child<QCheckBox>(dialog, "checkBox_Shave")->click();
@@ -340,7 +289,7 @@ private slots:
         QCOMPARE(named.size(), 1);
         QCOMPARE(named.at(0).at(0).toString(), "thin copper");
 
-        Widget_SignalLayerOpt other(kJob, "pcb", host_.get());
+        Widget_SignalLayerOpt other(kJob, "pcb", scene_.host());
         other.setErfValues("thin copper");
         QCOMPARE(field(other, "PTHARMin")->text(), "7.25");
         QVERIFY(!child<QCheckBox>(other, "checkBox_Shave")->isChecked());
@@ -350,8 +299,8 @@ private slots:
     }
 
     void unitChangeConvertsEveryFieldIncludingDisabledOnes() {
-        wctest::UnitScope units(host_.get(), 0);
-        Widget_SignalLayerOpt dialog(kJob, "pcb", host_.get());
+        wctest::UnitScope units(scene_.host(), 0);
+        Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         units.change(1);
         dialog.change_unit();
         QCOMPARE(field(dialog, "AloneDrill")->text(), "0.3048");
@@ -359,8 +308,7 @@ private slots:
     }
 
 private:
-    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
-    std::unique_ptr<QWidget> host_;
+    wctest::SampleJobScene scene_;
 };
 
 QTEST_MAIN(tst_Widget_SignalLayerOpt)

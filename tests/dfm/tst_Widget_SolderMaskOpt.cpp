@@ -17,8 +17,8 @@
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
 #include "ReferenceEngine.h"
+#include "SampleJobScene.h"
 #include "ScopedEngineHook.h"
-#include "TemporaryWorkingDirectory.h"
 #include "UnitScope.h"
 #include "ZeProgressDialog.h"
 #include "analysis/Widget_ResultsViewer.h"
@@ -32,7 +32,7 @@ using wctest::row;
 
 namespace {
 
-const char* const kJob = "sample_job";
+const char* const kJob = wctest::SampleJobScene::kJob;
 using Entries = QList<QPair<int, int>>;
 const QString kGreen = wc::RunControls::viewStyle(wc::RunControls::ViewState::Fresh);
 const QString kRed = wc::RunControls::viewStyle(wc::RunControls::ViewState::Stopped);
@@ -144,17 +144,8 @@ class tst_Widget_SolderMaskOpt : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() {
-        wcref::resetEngine();
-        QVERIFY(wcref::openSampleJob(kJob));
-        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
-        host_ = std::make_unique<QWidget>();
-    }
-    void cleanup() {
-        host_.reset();
-        working_.reset();
-        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
-    }
+    void init() { QVERIFY(scene_.open()); }
+    void cleanup() { QVERIFY(scene_.close()); }
 
     // ---- without a window --------------------------------------------------------------------
 
@@ -174,21 +165,21 @@ private slots:
         QFETCH(int, unit);
         QFETCH(wc::RangeRows, rows);
         QFETCH(Entries, entries);
-        wctest::UnitScope scope(host_.get(), unit);
+        wctest::UnitScope scope(scene_.host(), unit);
         std::map<int32_t, int32_t> expected;
         for (const auto& entry : entries) {
             expected[entry.first] = entry.second;
         }
-        QCOMPARE(wc::rangeTableMap(rows, host_.get()), expected);
+        QCOMPARE(wc::rangeTableMap(rows, scene_.host()), expected);
     }
 
     // ---- the record ---------------------------------------------------------------------------
 
     void everyFieldInItsMember() {
-        wctest::UnitScope scope(host_.get(), 0);
+        wctest::UnitScope scope(scene_.host(), 0);
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
-        Widget_SolderMaskOpt dialog(kJob, "pcb", host_.get());
+        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         // Distinct quarter mils, exact in engine units.
         for (size_t i = 0; i < std::size(kIntFields); ++i) {
             type(dialog, kIntFields[i].key, QString::number(0.25 * double(i + 1)));
@@ -253,10 +244,10 @@ private slots:
         QFETCH(int, cut_coverage_nm);
         QFETCH(int, smd_range_nm);
         QFETCH(int, scope);
-        wctest::UnitScope units(host_.get(), unit);
+        wctest::UnitScope units(scene_.host(), unit);
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
-        Widget_SolderMaskOpt dialog(kJob, "pcb", host_.get());
+        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         if (unit == 1) {
             passFirstChecksInMm(dialog);
         }
@@ -331,12 +322,12 @@ private slots:
         QFETCH(int, unit);
         QFETCH(QStringList, edits);
         QFETCH(QString, message);
-        wctest::UnitScope scope(host_.get(), unit);
+        wctest::UnitScope scope(scene_.host(), unit);
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer answerer;
-        Widget_SolderMaskOpt dialog(kJob, "pcb", host_.get());
+        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         for (const QString& edit : edits) {
             type(dialog, edit.section('=', 0, 0), edit.section('=', 1));
         }
@@ -366,7 +357,7 @@ private slots:
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer answerer;
-        Widget_SolderMaskOpt dialog(kJob, "pcb", host_.get());
+        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         dialog.setLayerText(expression);
         // An engine value out of range is not reached: the layers come first.
         type(dialog, "PartialClearance", "9");
@@ -385,7 +376,7 @@ private slots:
         spy.mode = EngineSpy::WaitForStop;
         spy.answer[smo_bridge_removed] = {hits(1, 0, 0), hits(0, 2, 0)};
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
-        Widget_SolderMaskOpt dialog(kJob, "pcb", host_.get());
+        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         QLabel* status = child<QLabel>(dialog, "label_Status");
         QPushButton* view = child<QPushButton>(dialog, "pushButton_View");
         QList<QPair<QString, QString>> seen;
@@ -414,7 +405,7 @@ private slots:
         QCOMPARE(text(dialog, "label_Changes"), "Changes: 3");
 
         dialog.on_m_pViewResultPB_clicked();
-        auto* viewer = host_->findChild<Widget_ResultsViewer*>();
+        auto* viewer = scene_.host()->findChild<Widget_ResultsViewer*>();
         QVERIFY(viewer != nullptr);
         QCOMPARE(viewer->mode(), 8);
         QCOMPARE(dialog.result().at(smo_bridge_removed).size(), size_t(2));
@@ -435,7 +426,7 @@ private slots:
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer answerer;
-        Widget_SolderMaskOpt dialog(kJob, "pcb", host_.get());
+        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         dialog.on_m_pRunGlobalPB_clicked();
         QCOMPARE(spy.calls, 1);
         QCOMPARE(messages.codes(), (QList<int>{20002401, 20002400}));
@@ -455,10 +446,10 @@ private slots:
     // ---- parameter sets and units -------------------------------------------------------------
 
     void parameterSetRoundTrip() {
-        wctest::UnitScope scope(host_.get(), 0);
+        wctest::UnitScope scope(scene_.host(), 0);
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
-        Widget_SolderMaskOpt dialog(kJob, "pcb", host_.get());
+        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         QSignalSpy named(&dialog, SIGNAL(send_Sel_Template_Name(QString)));
         auto* smd = child<QTableWidget>(dialog, "tableWidget_SMDCompensateRange");
         for (int i = 0; i < 3; ++i) {
@@ -508,8 +499,8 @@ private slots:
     }
 
     void unitChangeConvertsFieldsAndCells() {
-        wctest::UnitScope scope(host_.get(), 0);
-        Widget_SolderMaskOpt dialog(kJob, "pcb", host_.get());
+        wctest::UnitScope scope(scene_.host(), 0);
+        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         dialog.setgastablerow({{"8", ""}});
         QCOMPARE(child<QLineEdit>(dialog, "lineEdit_BridgeSize")->text(), "4.00");
         scope.change(1);
@@ -521,8 +512,7 @@ private slots:
     }
 
 private:
-    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
-    std::unique_ptr<QWidget> host_;
+    wctest::SampleJobScene scene_;
 };
 
 QTEST_MAIN(tst_Widget_SolderMaskOpt)

@@ -15,8 +15,8 @@
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
 #include "ReferenceEngine.h"
+#include "SampleJobScene.h"
 #include "ScopedEngineHook.h"
-#include "TemporaryWorkingDirectory.h"
 #include "UnitScope.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_Teardrops.h"
@@ -28,7 +28,7 @@ using wctest::row;
 
 namespace {
 
-const char* const kJob = "sample_job";
+const char* const kJob = wctest::SampleJobScene::kJob;
 
 // Length fields in screen order.
 const QStringList kLengths = {"AnnRingMin",    "DrillSizeMin",  "DrillSizeMax",
@@ -65,21 +65,12 @@ class tst_Widget_Teardrops : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() {
-        wcref::resetEngine();
-        QVERIFY(wcref::openSampleJob(kJob));
-        working_ = std::make_unique<wctest::TemporaryWorkingDirectory>();
-        host_ = std::make_unique<QWidget>();
-    }
-    void cleanup() {
-        host_.reset();
-        working_.reset();
-        QVERIFY(wc::BackgroundRun::waitForDetachedWorkers(10000));
-    }
+    void init() { QVERIFY(scene_.open()); }
+    void cleanup() { QVERIFY(scene_.close()); }
 
     void windowAsTheHostExpects() {
-        wctest::UnitScope unit(host_.get(), 0);
-        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        wctest::UnitScope unit(scene_.host(), 0);
+        Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         QCOMPARE(dialog.windowTitle(), "Advanced Teardrop Creation");
         QCOMPARE(child<QCheckBox>(dialog, "checkBox_UndrilledPads")->text(), "UNndrilled Pads");
         QCOMPARE(dfmtest::labelText(dialog, "label_ArcAngleHint"), "(0-20)");
@@ -116,11 +107,11 @@ private slots:
         QFETCH(QStringList, lengths);
         QFETCH(QList<int>, expected_nm);
         QFETCH(bool, options);
-        wctest::UnitScope scope(host_.get(), unit);
+        wctest::UnitScope scope(scene_.host(), unit);
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::teardrop_create_DFM_op, spy.hook());
         wctest::MessageBoxAnswerer answerer;
-        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         for (int i = 0; i < kLengths.size(); ++i) {
             edit(dialog, kLengths[i])->setText(lengths[i]);
         }
@@ -200,12 +191,12 @@ private slots:
         QFETCH(int, unit);
         QFETCH(QStringList, typed);
         QFETCH(QString, message);
-        wctest::UnitScope scope(host_.get(), unit);
+        wctest::UnitScope scope(scene_.host(), unit);
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::teardrop_create_DFM_op, spy.hook());
         wctest::MessageBoxAnswerer answerer;
         wctest::PluginSpy plugins;
-        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         if (unit == 1) {
             edit(dialog, "AnnRingMin")->setText("0");
             edit(dialog, "CuSpacing")->setText("0");
@@ -237,7 +228,7 @@ private slots:
                 dfmtest::workUntilStopped(progress);
                 return true;
             });
-        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;bottom");
         dfmtest::Stopper stopper(dialog);
         dialog.on_m_pInsideProfilePB_clicked();
@@ -277,7 +268,7 @@ private slots:
             });
         wctest::MessageBoxAnswerer answerer;
         wctest::PluginSpy plugins;
-        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top");
         dialog.on_m_pRunGlobalPB_clicked();
         dfmtest::verifyNotifications(plugins, kJob);
@@ -296,7 +287,7 @@ private slots:
         EngineSpy spy;
         wctest::ScopedEngineHook hook(&wcref::EngineHooks::teardrop_create_DFM_op, spy.hook());
         wctest::PluginSpy plugins;
-        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("nosuch");
         dialog.on_m_pRunGlobalPB_clicked();
         QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "No layers were processed");
@@ -306,8 +297,8 @@ private slots:
     }
 
     void parameterSetRoundTrip() {
-        wctest::UnitScope unit(host_.get(), 0);
-        Widget_Teardrops dialog(kJob, "pcb", host_.get());
+        wctest::UnitScope unit(scene_.host(), 0);
+        Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         QSignalSpy named(&dialog, &Widget_Teardrops::send_Sel_Template_Name);
         child<QLineEdit>(dialog, "lineEdit_LineWidthRatio")->setText("0.75");
         child<QComboBox>(dialog, "comboBox_Type")->setCurrentIndex(3);
@@ -331,7 +322,7 @@ private slots:
         QCOMPARE(dialog.get_Teardrops_ERF(), QStringList{"wide"});
         QVERIFY(Korvo::UIAPI::changeRangesValue("TeardropsRanges", ranges[1].name, "RedLv", 1));
 
-        Widget_Teardrops other(kJob, "pcb", host_.get());
+        Widget_Teardrops other(kJob, "pcb", scene_.host());
         other.setErfValues("wide");
         QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "wide");
         QCOMPARE(child<QLineEdit>(other, "lineEdit_LineWidthRatio")->text(), "0.75");
@@ -345,15 +336,14 @@ private slots:
 
         // Lengths saved in mil come back in the unit shown now.
         unit.change(1);
-        Widget_Teardrops metric(kJob, "pcb", host_.get());
+        Widget_Teardrops metric(kJob, "pcb", scene_.host());
         metric.setErfValues("wide");
         QCOMPARE(edit(metric, "DrillSpacing")->text(), "6.35");
         QCOMPARE(edit(metric, "AnnRingMin")->text(), "0.127");
     }
 
 private:
-    std::unique_ptr<wctest::TemporaryWorkingDirectory> working_;
-    std::unique_ptr<QWidget> host_;
+    wctest::SampleJobScene scene_;
 };
 
 QTEST_MAIN(tst_Widget_Teardrops)
