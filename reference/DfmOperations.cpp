@@ -1135,13 +1135,16 @@ bool isInnerCopper(const layer_info& info) {
 
 // ---- the operations ---------------------------------------------------------------------------
 
-bool DfmOperations::signalLayer(const std::string& job, const std::string& step,
-                                const std::vector<std::string>& layers,
-                                const signal_layer_DFM_op_params& params,
-                                signal_layer_DFM_result_map& results,
-                                Korvo::COMMON::progress_state* progress) {
-    results.clear();
-    JobInput input;
+namespace {
+
+// What every operation does around its per-layer work: the snapshot, the run's progress and
+// stop, and the edits written back layer by layer. `one(layer, from, to)` works on one layer
+// between the two progress shares and returns its edits (after putting its hits in the
+// operation's result); layers `wanted` refuses are skipped. A stopped run keeps the layers done.
+template <typename Wanted, typename One>
+bool forEachLayer(const std::string& job, const std::string& step,
+                  const std::vector<std::string>& layers, Korvo::COMMON::progress_state* progress,
+                  JobInput& input, Wanted wanted, One one) {
     if (!snapshot(job, step, layers, input)) {
         return false;
     }
@@ -1149,19 +1152,42 @@ bool DfmOperations::signalLayer(const std::string& job, const std::string& step,
     const size_t n = input.layers.size();
     for (size_t k = 0; k < n && !run.startStopped(); ++k) {
         const LayerInput& layer = input.layers[k];
-        std::map<signal_layer_DFM_op_items, signal_layer_DFM_op_result> result;
-        std::vector<Edit> edits;
-        signalLayerOne(input, layer, params, result, edits, run, share(k, n, 0), share(k, n, 1));
-        apply(job, step, layer.info.name, edits);
-        if (!result.empty()) {
-            results[layer.info.name] = std::move(result);
+        if (!wanted(layer)) {
+            continue;
         }
+        std::vector<Edit> edits = one(layer, run, share(k, n, 0), share(k, n, 1));
+        apply(job, step, layer.info.name, edits);
         if (run.stopped()) {
             return true;
         }
     }
     run.finish();
     return true;
+}
+
+bool everyLayer(const LayerInput&) {
+    return true;
+}
+
+}  // namespace
+
+bool DfmOperations::signalLayer(const std::string& job, const std::string& step,
+                                const std::vector<std::string>& layers,
+                                const signal_layer_DFM_op_params& params,
+                                signal_layer_DFM_result_map& results,
+                                Korvo::COMMON::progress_state* progress) {
+    results.clear();
+    JobInput input;
+    return forEachLayer(job, step, layers, progress, input, everyLayer,
+                        [&](const LayerInput& layer, Run& run, double from, double to) {
+                            std::map<signal_layer_DFM_op_items, signal_layer_DFM_op_result> result;
+                            std::vector<Edit> edits;
+                            signalLayerOne(input, layer, params, result, edits, run, from, to);
+                            if (!result.empty()) {
+                                results[layer.info.name] = std::move(result);
+                            }
+                            return edits;
+                        });
 }
 
 bool DfmOperations::solderMask(const std::string& job, const std::string& step,
@@ -1171,29 +1197,20 @@ bool DfmOperations::solderMask(const std::string& job, const std::string& step,
                                Korvo::COMMON::progress_state* progress) {
     results.clear();
     JobInput input;
-    if (!snapshot(job, step, layers, input)) {
-        return false;
-    }
-    Run run(progress, input.duration);
-    const size_t n = input.layers.size();
-    for (size_t k = 0; k < n && !run.startStopped(); ++k) {
-        const LayerInput& layer = input.layers[k];
-        if (layer.info.type != "solder_mask" || layer.beneath_info.name.empty()) {
-            continue;
-        }
-        std::map<solder_mask_DFM_op_items, solder_mask_DFM_op_result> result;
-        std::vector<Edit> edits;
-        solderMaskOne(input, layer, params, result, edits, run, share(k, n, 0), share(k, n, 1));
-        apply(job, step, layer.info.name, edits);
-        for (auto& entry : result) {
-            results[entry.first].push_back(std::move(entry.second));
-        }
-        if (run.stopped()) {
-            return true;
-        }
-    }
-    run.finish();
-    return true;
+    return forEachLayer(
+        job, step, layers, progress, input,
+        [](const LayerInput& layer) {
+            return layer.info.type == "solder_mask" && !layer.beneath_info.name.empty();
+        },
+        [&](const LayerInput& layer, Run& run, double from, double to) {
+            std::map<solder_mask_DFM_op_items, solder_mask_DFM_op_result> result;
+            std::vector<Edit> edits;
+            solderMaskOne(input, layer, params, result, edits, run, from, to);
+            for (auto& entry : result) {
+                results[entry.first].push_back(std::move(entry.second));
+            }
+            return edits;
+        });
 }
 
 bool DfmOperations::teardrops(const std::string& job, const std::string& step,
@@ -1203,39 +1220,32 @@ bool DfmOperations::teardrops(const std::string& job, const std::string& step,
                               Korvo::COMMON::progress_state* progress) {
     results.clear();
     JobInput input;
-    if (!snapshot(job, step, layers, input)) {
-        return false;
-    }
-    Run run(progress, input.duration);
-    const size_t n = input.layers.size();
-    for (size_t k = 0; k < n && !run.startStopped(); ++k) {
-        const LayerInput& layer = input.layers[k];
-        std::vector<Edit> edits;
-        std::deque<Fillet> fillets;
-        teardropsOne(input, layer, params, results, edits, fillets, run, share(k, n, 0),
-                     share(k, n, 1));
-        // The new surfaces get their ids when written; their hits follow.
-        const size_t first = edits.size();
-        for (Fillet& fillet : fillets) {
-            Edit edit;
-            edit.kind = Edit::add;
-            edit.feature = std::move(fillet.surface);
-            edits.push_back(std::move(edit));
-        }
-        apply(job, step, layer.info.name, edits);
-        for (size_t f = 0; f < fillets.size(); ++f) {
-            const Fillet& fillet = fillets[f];
-            grade(fillet.item,
-                  boxHit(fillet.value, fillet.shape.box,
-                         {fillet.trace, fillet.pad, {layer.copper.row, edits[first + f].new_id}}),
-                  params.ranges, results);
-        }
-        if (run.stopped()) {
-            return true;
-        }
-    }
-    run.finish();
-    return true;
+    return forEachLayer(
+        job, step, layers, progress, input, everyLayer,
+        [&](const LayerInput& layer, Run& run, double from, double to) {
+            std::vector<Edit> edits;
+            std::deque<Fillet> fillets;
+            teardropsOne(input, layer, params, results, edits, fillets, run, from, to);
+            // The new surfaces get their ids when written; their hits follow.
+            const size_t first = edits.size();
+            for (Fillet& fillet : fillets) {
+                Edit edit;
+                edit.kind = Edit::add;
+                edit.feature = std::move(fillet.surface);
+                edits.push_back(std::move(edit));
+            }
+            apply(job, step, layer.info.name, edits);
+            for (size_t f = 0; f < fillets.size(); ++f) {
+                const Fillet& fillet = fillets[f];
+                grade(
+                    fillet.item,
+                    boxHit(fillet.value, fillet.shape.box,
+                           {fillet.trace, fillet.pad, {layer.copper.row, edits[first + f].new_id}}),
+                    params.ranges, results);
+            }
+            // Written above, where the new ids are needed.
+            return std::vector<Edit>();
+        });
 }
 
 bool DfmOperations::nfpRemoval(const std::string& job, const std::string& step,
@@ -1245,25 +1255,14 @@ bool DfmOperations::nfpRemoval(const std::string& job, const std::string& step,
                                Korvo::COMMON::progress_state* progress) {
     results.clear();
     JobInput input;
-    if (!snapshot(job, step, layers, input)) {
-        return false;
-    }
-    Run run(progress, input.duration);
-    const size_t n = input.layers.size();
-    for (size_t k = 0; k < n && !run.startStopped(); ++k) {
-        const LayerInput& layer = input.layers[k];
-        if (!isInnerCopper(layer.info)) {
-            continue;
-        }
-        std::vector<Edit> edits;
-        nfpOne(input, layer, params, results, edits, run, share(k, n, 0), share(k, n, 1));
-        apply(job, step, layer.info.name, edits);
-        if (run.stopped()) {
-            return true;
-        }
-    }
-    run.finish();
-    return true;
+    return forEachLayer(
+        job, step, layers, progress, input,
+        [](const LayerInput& layer) { return isInnerCopper(layer.info); },
+        [&](const LayerInput& layer, Run& run, double from, double to) {
+            std::vector<Edit> edits;
+            nfpOne(input, layer, params, results, edits, run, from, to);
+            return edits;
+        });
 }
 
 }  // namespace wcref
