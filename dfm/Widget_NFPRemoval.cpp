@@ -115,7 +115,7 @@ void Widget_NFPRemoval::initNFPRemoval() {
     options.range_key = kRangeKey;
     // Pads on the outer layers carry components; non-functional pads are an inner-layer matter.
     options.layer_text = QStringLiteral(".type=signal|mixed&side=inner&context=board");
-    controls_ = new wc::RunControls(this, options);
+    controls_ = new wc::RunControls(this, wc::spacedLabels(options));
     controls_->setJob(job_);
     // The default filter is long; it should be readable whole.
     controls_->layerEdit()->setMinimumWidth(320);
@@ -207,10 +207,6 @@ void Widget_NFPRemoval::setTexts() {
     for (const wc::ChoiceGroup* group : {&work_on_, &undrilled_, &apply_to_, &action_}) {
         group->retranslate(this);
     }
-    controls_->layerButton()->setText(tr("Layer: "));
-    controls_->erfButton()->setText(tr("ERF: "));
-    controls_->saveAsButton()->setText(tr("Save As"));
-    controls_->viewButton()->setToolTip(tr("View Results"));
     close_->setText(tr("Close"));
     setWindowTitle(tr(kTitle));
 }

@@ -165,7 +165,7 @@ void Widget_SolderMaskOpt::initSolderMaskOpt() {
     wc::RunControlsOptions options;
     options.range_key = kRangeKey;
     options.layer_text = QStringLiteral(".type=solder_mask&context=board");
-    controls_ = new wc::RunControls(this, options);
+    controls_ = new wc::RunControls(this, wc::spacedLabels(options));
     controls_->setJob(job_);
     controls_->viewButton()->setIcon(QIcon(QStringLiteral(":/Widget_Common/Resources/zoom.png")));
 
@@ -373,10 +373,6 @@ QGroupBox* Widget_SolderMaskOpt::makeTableBox(const QString& key, const QString&
 // Every translated text; the same at construction and on a language change.
 void Widget_SolderMaskOpt::applyTexts() {
     controls_->changeLanguage();
-    controls_->layerButton()->setText(tr("Layer: "));
-    controls_->erfButton()->setText(tr("ERF: "));
-    controls_->saveAsButton()->setText(tr("Save As"));
-    controls_->viewButton()->setToolTip(tr("View Results"));
     fields_->changeLanguage();
     fields_->edit(ClearanceOpt)->setToolTip(tr("Clearance Opt"));
     fields_->edit(CoverageOpt)->setToolTip(tr("Coverage Opt"));

@@ -136,7 +136,7 @@ void Widget_Teardrops::initTeardrops() {
     wc::RunControlsOptions options;
     options.range_key = kRangeKey;
     options.layer_text = QStringLiteral(".type=signal&context=board");
-    controls_ = new wc::RunControls(this, options);
+    controls_ = new wc::RunControls(this, wc::spacedLabels(options));
     controls_->setJob(job_);
     sets_ = new wc::ParameterSetActions(this, controls_, kRangeKey,
                                         [this] { return parameterWidgets(); });
@@ -280,10 +280,6 @@ void Widget_Teardrops::setTexts() {
     for (const wc::ChoiceGroup* group : {&delete_old_, &apply_to_, &work_mode_, &solder_mask_}) {
         group->retranslate(this);
     }
-    controls_->layerButton()->setText(tr("Layer: "));
-    controls_->erfButton()->setText(tr("ERF: "));
-    controls_->saveAsButton()->setText(tr("Save As"));
-    controls_->viewButton()->setToolTip(tr("View Results"));
     close_->setText(tr("Close"));
     setWindowTitle(tr(kTitle));
 }

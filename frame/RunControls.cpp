@@ -40,6 +40,14 @@ QPushButton* pictureButton(QWidget* dialog, const char* picture, const QString& 
 
 }  // namespace
 
+RunControlsOptions spacedLabels(RunControlsOptions options) {
+    options.layer_label = "Layer: ";
+    options.erf_label = "ERF: ";
+    options.save_as_label = "Save As";
+    options.view_tip = "View Results";
+    return options;
+}
+
 int runScope(int button_scope, bool selected_only) {
     return selected_only ? ScopeSelected : button_scope;
 }
@@ -73,17 +81,20 @@ LayerResolution resolveLayers(const QString& job, const QString& expression) {
 RunControls::RunControls(QWidget* dialog, RunControlsOptions options)
     : QObject(dialog), dialog_(dialog), options_(std::move(options)) {
     setObjectName(QStringLiteral("runControls"));
-    layer_button_ = new QPushButton(translateFor(dialog, QStringLiteral("Layer:")), dialog);
+    layer_button_ =
+        new QPushButton(translateFor(dialog, QString::fromUtf8(options_.layer_label)), dialog);
     layer_button_->setObjectName(QStringLiteral("pushButton_Layer"));
     layer_edit_ = new QLineEdit(options_.layer_text, dialog);
     layer_edit_->setObjectName(QStringLiteral("lineEdit_Layer"));
 
-    erf_button_ = new QPushButton(translateFor(dialog, QStringLiteral("ERF:")), dialog);
+    erf_button_ =
+        new QPushButton(translateFor(dialog, QString::fromUtf8(options_.erf_label)), dialog);
     erf_button_->setObjectName(QStringLiteral("pushButton_ERF"));
     erf_edit_ = new QLineEdit(options_.erf_text, dialog);
     erf_edit_->setObjectName(QStringLiteral("lineEdit_ERF"));
     erf_edit_->setReadOnly(options_.read_only_erf);
-    save_as_button_ = new QPushButton(translateFor(dialog, QStringLiteral("Save as")), dialog);
+    save_as_button_ =
+        new QPushButton(translateFor(dialog, QString::fromUtf8(options_.save_as_label)), dialog);
     save_as_button_->setObjectName(QStringLiteral("pushButton_SaveAs"));
 
     ranges_button_ = new QPushButton(translateFor(dialog, QStringLiteral("Ranges...")), dialog);
@@ -97,7 +108,7 @@ RunControls::RunControls(QWidget* dialog, RunControlsOptions options)
     }
     resetCheckedStyle();
     view_button_ = pictureButton(dialog, "viewgreen.jpg", QStringLiteral("pushButton_View"));
-    view_button_->setToolTip(translateFor(dialog, QStringLiteral("View results")));
+    view_button_->setToolTip(translateFor(dialog, QString::fromUtf8(options_.view_tip)));
     setViewState(ViewState::Stale);
 
     time_label_ = new QLabel(translateFor(dialog, QStringLiteral("No results")), dialog);
@@ -263,15 +274,15 @@ void RunControls::showErfPopup() {
 }
 
 void RunControls::changeLanguage() {
-    layer_button_->setText(translateFor(dialog_, QStringLiteral("Layer:")));
-    erf_button_->setText(translateFor(dialog_, QStringLiteral("ERF:")));
-    save_as_button_->setText(translateFor(dialog_, QStringLiteral("Save as")));
+    layer_button_->setText(translateFor(dialog_, QString::fromUtf8(options_.layer_label)));
+    erf_button_->setText(translateFor(dialog_, QString::fromUtf8(options_.erf_label)));
+    save_as_button_->setText(translateFor(dialog_, QString::fromUtf8(options_.save_as_label)));
     ranges_button_->setText(translateFor(dialog_, QStringLiteral("Ranges...")));
     for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
         run_buttons_[scope]->setToolTip(
             translateFor(dialog_, QString::fromLatin1(kRunTips[scope])));
     }
-    view_button_->setToolTip(translateFor(dialog_, QStringLiteral("View results")));
+    view_button_->setToolTip(translateFor(dialog_, QString::fromUtf8(options_.view_tip)));
 }
 
 }  // namespace wc

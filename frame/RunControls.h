@@ -47,7 +47,16 @@ struct RunControlsOptions {
     QString layer_text;  // default of the "Layer:" field
     QString erf_text;    // default of the "ERF:" field
     bool read_only_erf = true;
+    // The buttons' texts as the dialog writes them (the later dialogs say "Layer: ", "ERF: ",
+    // "Save As" and "View Results").
+    const char* layer_label = "Layer:";
+    const char* erf_label = "ERF:";
+    const char* save_as_label = "Save as";
+    const char* view_tip = "View results";
 };
+
+// The button texts of the optimisation dialogs other than the signal layer one.
+RunControlsOptions spacedLabels(RunControlsOptions options);
 
 class RunControls : public QObject {
     Q_OBJECT
