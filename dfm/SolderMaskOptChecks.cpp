@@ -1,6 +1,7 @@
 #include "SolderMaskOptChecks.h"
 
 #include "Korvo_UIAPI.h"
+#include "frame/EngineInt.h"
 #include "frame/FieldCommit.h"
 #include "frame/LimitCheck.h"
 
@@ -58,8 +59,8 @@ std::map<int32_t, int32_t> rangeTableMap(const RangeRows& rows, const void* hand
         if (!range_ok || !value_ok) {
             continue;
         }
-        map[static_cast<int32_t>(Korvo::UIAPI::getUnitAPIData(handle, 1, range))] =
-            static_cast<int32_t>(Korvo::UIAPI::getUnitAPIData(handle, 1, value));
+        map[wc::toEngineInt(Korvo::UIAPI::getUnitAPIData(handle, 1, range))] =
+            wc::toEngineInt(Korvo::UIAPI::getUnitAPIData(handle, 1, value));
     }
     return map;
 }

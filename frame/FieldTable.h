@@ -21,6 +21,8 @@
 
 #include "FieldCommit.h"
 
+#include "frame/EngineInt.h"
+
 class QGridLayout;
 class QObject;
 class QLabel;
@@ -35,7 +37,7 @@ class ZeLineEdit;
 namespace wc {
 
 // Where a field's engine value goes in the record: a double member as it is, an int32 member
-// truncated.
+// truncated (and clamped to its range).
 template <class Record>
 class RecordMember {
 public:
@@ -43,9 +45,7 @@ public:
     RecordMember(double Record::*member)
         : store_([member](Record& record, double value) { record.*member = value; }) {}
     RecordMember(int32_t Record::*member)
-        : store_([member](Record& record, double value) {
-              record.*member = static_cast<int32_t>(value);
-          }) {}
+        : store_([member](Record& record, double value) { record.*member = toEngineInt(value); }) {}
 
     // Rows without a member (shown and checked, never sent) store nothing.
     bool isSet() const { return static_cast<bool>(store_); }

@@ -8,6 +8,8 @@
 #include <limits>
 #include <numeric>
 
+#include "frame/EngineInt.h"
+
 namespace wc {
 namespace panel {
 
@@ -63,7 +65,7 @@ reply_box unionBox(const std::vector<reply_box>& boxes) {
 }
 
 int32_t clampInt(double v) {
-    return static_cast<int32_t>(std::clamp(v, double(INT32_MIN), double(INT32_MAX)));
+    return wc::toEngineInt(v);
 }
 
 long long truncated(double v) {

@@ -16,12 +16,15 @@
 #include <QRegExpValidator>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <memory>
 #include <tuple>
 
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
 #include "QTpluginsManger4CAM.h"
+#include "frame/EngineInt.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/PluginMessages.h"
 #include "frame/UnitChange.h"
@@ -488,8 +491,8 @@ void Widget_SR_Edit::on_Copy_clicked() {
     WC_GUARDED({
         runEdit("Copy Select Step", "copy steps", [this] {
             return wc::panel::copyInstances(
-                rows_, static_cast<int>(engineValue(lengths_["lineEdit_OffsetX"])),
-                static_cast<int>(engineValue(lengths_["lineEdit_OffsetY"])), panelFrame(true));
+                rows_, wc::toEngineInt(engineValue(lengths_["lineEdit_OffsetX"])),
+                wc::toEngineInt(engineValue(lengths_["lineEdit_OffsetY"])), panelFrame(true));
         });
     });
 }
@@ -498,8 +501,8 @@ void Widget_SR_Edit::on_Move_clicked() {
     WC_GUARDED({
         runEdit("Move Select Step", "move steps", [this] {
             return wc::panel::moveInstances(
-                rows_, static_cast<int>(engineValue(lengths_["lineEdit_OffsetX"])),
-                static_cast<int>(engineValue(lengths_["lineEdit_OffsetY"])));
+                rows_, wc::toEngineInt(engineValue(lengths_["lineEdit_OffsetX"])),
+                wc::toEngineInt(engineValue(lengths_["lineEdit_OffsetY"])));
         });
     });
 }
@@ -762,7 +765,9 @@ void Widget_SR_Edit::on_PanelSize_clicked() {
         }
         const double width = engineValue(lengths_["lineEdit_PanelWidth"]);
         const double height = engineValue(lengths_["lineEdit_PanelHeight"]);
-        if (width <= 0 || height <= 0) {
+        // Written so that NaN fails too; the profile's corners must stay engine coordinates.
+        constexpr double kMax = std::numeric_limits<int32_t>::max();
+        if (!(width > 0 && height > 0 && box.xmin + width <= kMax && box.ymin + height <= kMax)) {
             inform(tr("Illegal field value"));
             return;
         }
@@ -780,12 +785,12 @@ void Widget_SR_Edit::on_PanelSize_clicked() {
         }
         if (!keep_sr_->isChecked()) {
             // The instances move with the panel's centre.
-            const int dx = static_cast<int>((width - (box.xmax - box.xmin)) / 2);
-            const int dy = static_cast<int>((height - (box.ymax - box.ymin)) / 2);
+            const double dx = std::trunc((width - (box.xmax - box.xmin)) / 2);
+            const double dy = std::trunc((height - (box.ymax - box.ymin)) / 2);
             Rows moved = rows_;
             for (Korvo::API::step_repeat_op& r : moved) {
-                r.x += dx;
-                r.y += dy;
+                r.x = wc::toEngineInt(r.x + dx);
+                r.y = wc::toEngineInt(r.y + dy);
             }
             Korvo::API::set_step_repeat(job_, step_, moved);
         }
@@ -801,7 +806,7 @@ void Widget_SR_Edit::on_Margins_clicked() {
         uncheckAll();
         setStatus("Margins");
         const auto value = [this](const char* name) {
-            return static_cast<int>(engineValue(lengths_[name]));
+            return wc::toEngineInt(engineValue(lengths_[name]));
         };
         if (!Korvo::API::set_panel_margin(
                 job_, step_, value("lineEdit_MarginLeft"), value("lineEdit_MarginRight"),
@@ -1008,7 +1013,7 @@ PanelFrame Widget_SR_Edit::panelFrame(bool horizontal_gap) {
         *margins[k] = it == attributes.end() ? 0 : std::atoi(it->second.c_str());
     }
     if (keep_gap_->isChecked()) {
-        f.gap = static_cast<int>(
+        f.gap = wc::toEngineInt(
             engineValue(lengths_[horizontal_gap ? "lineEdit_HorizGap" : "lineEdit_VertGap"]));
     }
     return f;
@@ -1079,7 +1084,7 @@ void Widget_SR_Edit::showEngineValue(QLineEdit* field, double engine) const {
 Korvo::API::step_repeat_op Widget_SR_Edit::entryFromFields() const {
     Korvo::API::step_repeat_op r;
     const auto value = [this](const char* name) {
-        return static_cast<int32_t>(engineValue(lengths_.at(name)));
+        return wc::toEngineInt(engineValue(lengths_.at(name)));
     };
     r.x = value("lineEdit_EntryX");
     r.y = value("lineEdit_EntryY");
