@@ -450,6 +450,9 @@ void Widget_SignalLayerChecks::readConfigJson() {
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_SignalLayerChecks::signalLayerChecks(int scope) {
+    if (wc::BackgroundRun::activeFor(this)) {
+        return;  // a second click while this dialog's run is under way
+    }
     const std::vector<std::string> layers = checkLayer();
     if (layers.empty()) {
         controls_->setStatus(tr("No layers were processed"));

@@ -17,6 +17,7 @@
 #include "Korvo_UIAPI.h"
 #include "analysis/Widget_Ranges.h"
 #include "analysis/Widget_ResultsViewer.h"
+#include "frame/BackgroundRun.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/OptimisationRun.h"
 #include "frame/ParameterSetActions.h"
@@ -289,6 +290,9 @@ void Widget_NFPRemoval::on_m_pClosePB_clicked() {
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_NFPRemoval::run(int scope) {
+    if (wc::BackgroundRun::activeFor(this)) {
+        return;  // a second click while this dialog's run is under way
+    }
     controls_->pressRun(scope);
     NFP_removal_DFM_op_params params;
     std::vector<std::string> layers;

@@ -17,6 +17,7 @@
 #include "ZeLineEdit.h"
 #include "analysis/Widget_Ranges.h"
 #include "analysis/Widget_ResultsViewer.h"
+#include "frame/BackgroundRun.h"
 #include "frame/ChoiceGroup.h"
 #include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
@@ -374,6 +375,9 @@ void Widget_SignalLayerOpt::change_viewbtn_stylesheet() {
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_SignalLayerOpt::SignalLayerDFM(int scope) {
+    if (wc::BackgroundRun::activeFor(this)) {
+        return;  // a second click while this dialog's run is under way
+    }
     Params params;
     if (!getOptData(params)) {
         return;

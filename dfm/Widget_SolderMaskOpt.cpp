@@ -23,6 +23,7 @@
 #include "ZeLineEdit.h"
 #include "analysis/Widget_Ranges.h"
 #include "analysis/Widget_ResultsViewer.h"
+#include "frame/BackgroundRun.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/OptimisationRun.h"
 #include "frame/ParameterSetActions.h"
@@ -543,6 +544,9 @@ void Widget_SolderMaskOpt::mouseMoveEvent(QMouseEvent* event) {
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_SolderMaskOpt::solderMaskOpt(int scope) {
+    if (wc::BackgroundRun::activeFor(this)) {
+        return;  // a second click while this dialog's run is under way
+    }
     if (!Judge_Lineedit_Legality()) {
         return;
     }

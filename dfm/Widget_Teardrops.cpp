@@ -22,6 +22,7 @@
 #include "ZeLineEdit.h"
 #include "analysis/Widget_Ranges.h"
 #include "analysis/Widget_ResultsViewer.h"
+#include "frame/BackgroundRun.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/LimitCheck.h"
 #include "frame/OptimisationRun.h"
@@ -374,6 +375,9 @@ void Widget_Teardrops::on_m_pClosePB_clicked() {
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_Teardrops::RunonRanges(int scope) {
+    if (wc::BackgroundRun::activeFor(this)) {
+        return;  // a second click while this dialog's run is under way
+    }
     if (!islineEditsValid() || !Judge_Lineedit_Legality()) {
         return;
     }

@@ -4,6 +4,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QGuiApplication>
+#include <QList>
 #include <QRect>
 #include <QScreen>
 #include <QTimer>
@@ -120,13 +121,35 @@ WorkerEnd runGuarded(const std::function<void()>& work, const char* file, int li
 
 }  // namespace
 
+namespace {
+
+// The runs under way, all on the GUI thread.
+QList<const BackgroundRun*>& runsUnderWay() {
+    static QList<const BackgroundRun*> runs;
+    return runs;
+}
+
+}  // namespace
+
 BackgroundRun::BackgroundRun(BackgroundRunOptions options)
     : options_(std::move(options)),
       owner_(options_.parent),
-      had_owner_(options_.parent != nullptr) {}
+      had_owner_(options_.parent != nullptr) {
+    runsUnderWay().append(this);
+}
 
 BackgroundRun::~BackgroundRun() {
+    runsUnderWay().removeOne(this);
     finish();
+}
+
+bool BackgroundRun::activeFor(const QWidget* owner) {
+    for (const BackgroundRun* run : runsUnderWay()) {
+        if (owner != nullptr && run->owner_.data() == owner) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool BackgroundRun::ownerDestroyed() const {

@@ -121,6 +121,11 @@ public:
     // The progress window while it is open, else null.
     ZeProgressDialog* progressWindow() const;
 
+    // True while a run whose window belongs to `owner` is under way (GUI thread). The window is
+    // modal, but a host's call or a queued click can still reach the dialog's run button: the
+    // dialog then starts no second run inside the first.
+    static bool activeFor(const QWidget* owner);
+
     // Workers that were left running after a stop. They are waited for at process exit;
     // a host (or a test) may wait for them earlier.
     static int detachedWorkers();
