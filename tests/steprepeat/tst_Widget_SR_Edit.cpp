@@ -135,13 +135,7 @@ private slots:
         auto* label = dialog.findChild<QLabel*>(QStringLiteral("label_Status"));
         wctest::MessageBoxAnswerer answerer(QMessageBox::No);
         // The status is set before the question is asked.
-        QTimer probe;
-        connect(&probe, &QTimer::timeout, [&] {
-            if (status_seen.isEmpty() && QApplication::activeModalWidget() != nullptr) {
-                status_seen = label->text();
-            }
-        });
-        probe.start(0);
+        answerer.onEachBox([&](QMessageBox*) { status_seen = label->text(); });
         wcref::clearEngineCalls();
         press(dialog, button);
         QCOMPARE(answerer.count(), 1);

@@ -51,6 +51,9 @@ void MessageBoxAnswerer::poll() {
 }
 
 void MessageBoxAnswerer::answer(QMessageBox* box) {
+    if (seen_) {
+        seen_(box);
+    }
     const QMessageBox::StandardButton wanted =
         scripted_.isEmpty() ? answer_ : scripted_.takeFirst();
     QAbstractButton* button = box->button(wanted);

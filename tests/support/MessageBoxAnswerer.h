@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <functional>
 
 namespace wctest {
 
@@ -30,6 +31,8 @@ public:
     // Answers for the next boxes, in order; after them `answer` applies again.
     void script(const QList<QMessageBox::StandardButton>& answers);
     void setDefaultAnswer(QMessageBox::StandardButton answer) { answer_ = answer; }
+    // Called with each box before it is answered: what the dialog showed while asking.
+    void onEachBox(std::function<void(QMessageBox*)> seen) { seen_ = std::move(seen); }
 
     const QList<ShownBox>& boxes() const { return boxes_; }
     int count() const { return boxes_.size(); }
@@ -46,6 +49,7 @@ private:
     QMessageBox::StandardButton answer_;
     QList<QMessageBox::StandardButton> scripted_;
     QList<ShownBox> boxes_;
+    std::function<void(QMessageBox*)> seen_;
 };
 
 }  // namespace wctest
