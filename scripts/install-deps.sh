@@ -7,7 +7,7 @@ packages=(
     qtbase5-dev qttools5-dev-tools fonts-dejavu-core fonts-wqy-microhei
     libgoogle-glog-dev libjsoncpp-dev libboost-dev
     libgtest-dev libbenchmark-dev
-    clang clang-format ccache
+    clang clang-format ccache lld
     gerbv postgresql libqt5sql5-sqlite libqt5sql5-psql
 )
 
