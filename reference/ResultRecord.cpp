@@ -3,14 +3,15 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <climits>
+#include <cmath>
+#include <cstdint>
 
 namespace wcref {
 namespace resultrecord {
 namespace {
 
-using Korvo::API::check_info;
-using Korvo::API::dms_signal_check_params;
-using Korvo::API::signal_check_result_map;
+using namespace Korvo::API;
 
 QJsonArray hitsToJson(const std::vector<check_info>& hits) {
     QJsonArray array;
@@ -33,26 +34,67 @@ QJsonArray hitsToJson(const std::vector<check_info>& hits) {
     return array;
 }
 
-std::vector<check_info> hitsFromJson(const QJsonArray& array) {
-    std::vector<check_info> hits;
-    hits.reserve(static_cast<size_t>(array.size()));
-    for (const QJsonValue& value : array) {
-        const QJsonObject object = value.toObject();
-        check_info hit;
-        hit.value = object.value(QStringLiteral("v")).toDouble();
-        hit.shape.kind = static_cast<Korvo::API::check_points::kind_t>(
-            object.value(QStringLiteral("k")).toInt());
+// The writers store enum values and ints as whole JSON numbers and doubles as finite ones; a row
+// holding anything else (a fraction, a value out of range, text, null) was damaged or edited.
+bool readInt(const QJsonValue& value, int low, int high, int& out) {
+    const double number = value.toDouble();
+    if (!value.isDouble() || !(number >= low && number <= high) || number != std::trunc(number)) {
+        return false;
+    }
+    out = static_cast<int>(number);
+    return true;
+}
+
+bool readDouble(const QJsonValue& value, double& out) {
+    out = value.toDouble();
+    return value.isDouble() && std::isfinite(out);
+}
+
+bool readString(const QJsonValue& value, std::string& out) {
+    out = value.toString().toStdString();
+    return value.isString();
+}
+
+bool readBool(const QJsonValue& value, bool& out) {
+    out = value.toBool();
+    return value.isBool();
+}
+
+bool hitsFromJson(const QJsonValue& value, std::vector<check_info>& hits) {
+    // No reserve for the array's size: a long array of anything but hits is refused before it
+    // costs more than the text's own parse.
+    for (const QJsonValue& entry : value.toArray()) {
+        const QJsonObject object = entry.toObject();
         const QJsonArray points = object.value(QStringLiteral("p")).toArray();
-        for (int i = 0; i + 1 < points.size(); i += 2) {
-            hit.shape.points.push_back({points[i].toDouble(), points[i + 1].toDouble()});
-        }
         const QJsonArray features = object.value(QStringLiteral("f")).toArray();
-        for (int i = 0; i + 1 < features.size(); i += 2) {
-            hit.features.push_back({features[i].toInt(), features[i + 1].toInt()});
+        check_info hit;
+        int kind = 0;
+        if (!entry.isObject() || !readDouble(object.value(QStringLiteral("v")), hit.value) ||
+            !readInt(object.value(QStringLiteral("k")), check_points::line, check_points::polygon,
+                     kind) ||
+            !object.value(QStringLiteral("p")).isArray() || points.size() % 2 != 0 ||
+            !object.value(QStringLiteral("f")).isArray() || features.size() % 2 != 0) {
+            return false;
+        }
+        hit.shape.kind = static_cast<check_points::kind_t>(kind);
+        hit.shape.points.resize(static_cast<size_t>(points.size() / 2));
+        for (int i = 0; i < points.size(); i += 2) {
+            Korvo::API::point& p = hit.shape.points[static_cast<size_t>(i / 2)];
+            if (!readDouble(points[i], p.x) || !readDouble(points[i + 1], p.y)) {
+                return false;
+            }
+        }
+        hit.features.resize(static_cast<size_t>(features.size() / 2));
+        for (int i = 0; i < features.size(); i += 2) {
+            Korvo::API::feature_ref& f = hit.features[static_cast<size_t>(i / 2)];
+            if (!readInt(features[i], INT32_MIN, INT32_MAX, f.layer_row) ||
+                !readInt(features[i + 1], INT32_MIN, INT32_MAX, f.id)) {
+                return false;
+            }
         }
         hits.push_back(std::move(hit));
     }
-    return hits;
+    return value.isArray();
 }
 
 const char* const kLevels[] = {"red", "yellow", "green", "other"};
@@ -91,16 +133,28 @@ bool resultFromJson(const QString& text, signal_check_result_map& result) {
     signal_check_result_map read;
     const QJsonObject layers = document.object();
     for (auto layer = layers.begin(); layer != layers.end(); ++layer) {
-        auto& items = read[layer.key().toStdString()];
+        // Two keys may name one layer in UTF-8: a lone surrogate and "?" both become "?".
+        const std::string name = layer.key().toStdString();
+        if (!layer.value().isArray() || read.count(name) != 0) {
+            return false;
+        }
+        auto& items = read[name];
         for (const QJsonValue& value : layer.value().toArray()) {
             const QJsonObject object = value.toObject();
-            const auto item = static_cast<Korvo::API::signal_layers_checks_items>(
-                object.value(QStringLiteral("item")).toInt());
-            Korvo::API::signal_check_result& record = items[item];
-            record.item = item;
+            int item = 0;
+            // A layer's items are a map when written: a repeated item would replace the first.
+            if (!readInt(object.value(QStringLiteral("item")), sli_pad_to_pad_spacing,
+                         sli_isolated_copper, item) ||
+                items.count(static_cast<signal_layers_checks_items>(item)) != 0) {
+                return false;
+            }
+            signal_check_result& record = items[static_cast<signal_layers_checks_items>(item)];
+            record.item = static_cast<signal_layers_checks_items>(item);
             for (int level = 0; level < 4; ++level) {
-                record.*levelMember(level) =
-                    hitsFromJson(object.value(QLatin1String(kLevels[level])).toArray());
+                if (!hitsFromJson(object.value(QLatin1String(kLevels[level])),
+                                  record.*levelMember(level))) {
+                    return false;
+                }
             }
         }
     }
@@ -146,36 +200,46 @@ QString paramsToJson(const dms_signal_check_params& record) {
 
 bool paramsFromJson(const QString& text, dms_signal_check_params& record) {
     const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
-    if (!document.isObject()) {
+    const QJsonObject o = document.object();
+    const auto value = [&o](const char* key) { return o.value(QLatin1String(key)); };
+    dms_signal_check_params read;
+    signal_check_params& p = read.params;
+    // Scope 3 is the run on the selected features, the last of the run scopes.
+    if (!document.isObject() || !readString(value("job"), read.job) ||
+        !readString(value("step"), read.step) || !readInt(value("scope"), 0, 3, read.scope) ||
+        !value("tests").isArray() || !readString(value("layers"), p.layers) ||
+        !readDouble(value("spacing"), p.spacing) ||
+        !readDouble(value("drill_to_copper"), p.drill_to_copper) ||
+        !readDouble(value("rout_to_copper"), p.rout_to_copper) ||
+        !readDouble(value("sliver_min"), p.sliver_min) ||
+        !readDouble(value("min_pad_overlap"), p.min_pad_overlap) ||
+        !readString(value("apply_to"), p.apply_to) ||
+        !readBool(value("check_missing_pads_for_drills"), p.check_missing_pads_for_drills) ||
+        !readBool(value("use_compensated_rout"), p.use_compensated_rout) ||
+        !readBool(value("sort_spacing_by_solder_mask"), p.sort_spacing_by_solder_mask) ||
+        !readBool(value("always_on"), p.always_on) ||
+        !readInt(value("mode"), INT_MIN, INT_MAX, p.mode) || !value("thresholds").isArray() ||
+        !value("threshold_enabled").isArray()) {
         return false;
     }
-    const QJsonObject o = document.object();
-    dms_signal_check_params read;
-    read.job = o.value(QStringLiteral("job")).toString().toStdString();
-    read.step = o.value(QStringLiteral("step")).toString().toStdString();
-    read.scope = o.value(QStringLiteral("scope")).toInt();
-    for (const QJsonValue& test : o.value(QStringLiteral("tests")).toArray()) {
-        read.tests.push_back(static_cast<Korvo::API::signal_layers_checks_list>(test.toInt()));
+    for (const QJsonValue& entry : value("tests").toArray()) {
+        int test = 0;
+        if (!readInt(entry, sl_spacing, sl_pad_connection, test)) {
+            return false;
+        }
+        read.tests.push_back(static_cast<signal_layers_checks_list>(test));
     }
-    Korvo::API::signal_check_params& p = read.params;
-    p.layers = o.value(QStringLiteral("layers")).toString().toStdString();
-    p.spacing = o.value(QStringLiteral("spacing")).toDouble();
-    p.drill_to_copper = o.value(QStringLiteral("drill_to_copper")).toDouble();
-    p.rout_to_copper = o.value(QStringLiteral("rout_to_copper")).toDouble();
-    p.sliver_min = o.value(QStringLiteral("sliver_min")).toDouble();
-    p.min_pad_overlap = o.value(QStringLiteral("min_pad_overlap")).toDouble();
-    p.apply_to = o.value(QStringLiteral("apply_to")).toString().toStdString();
-    p.check_missing_pads_for_drills =
-        o.value(QStringLiteral("check_missing_pads_for_drills")).toBool();
-    p.use_compensated_rout = o.value(QStringLiteral("use_compensated_rout")).toBool();
-    p.sort_spacing_by_solder_mask = o.value(QStringLiteral("sort_spacing_by_solder_mask")).toBool();
-    p.always_on = o.value(QStringLiteral("always_on")).toBool();
-    p.mode = o.value(QStringLiteral("mode")).toInt();
-    for (const QJsonValue& value : o.value(QStringLiteral("thresholds")).toArray()) {
-        p.thresholds.push_back(value.toDouble());
+    for (const QJsonValue& entry : value("thresholds").toArray()) {
+        if (!readDouble(entry, p.thresholds.emplace_back())) {
+            return false;
+        }
     }
-    for (const QJsonValue& value : o.value(QStringLiteral("threshold_enabled")).toArray()) {
-        p.threshold_enabled.push_back(value.toBool());
+    for (const QJsonValue& entry : value("threshold_enabled").toArray()) {
+        bool enabled = false;
+        if (!readBool(entry, enabled)) {
+            return false;
+        }
+        p.threshold_enabled.push_back(enabled);
     }
     record = std::move(read);
     return true;

@@ -1,6 +1,8 @@
 #pragma once
 // The two JSON texts a stored signal layer check is kept as in the result database: its parameter
-// record and its result.
+// record and its result. The readers take a database row, which may have been damaged or edited by
+// hand, so they answer false and leave their output unchanged for any text the writers could not
+// have produced.
 
 #include <QString>
 
