@@ -1,5 +1,5 @@
 // The reference engine: jobs and matrix, features and edits, hooks and the call log, long
-// operations with their stop flag, exports and the result database.
+// operations with their stop flag, and exports.
 
 #include <QtTest>
 #include <chrono>
@@ -9,7 +9,6 @@
 
 #include "Korvo_API.h"
 #include "ReferenceEngine.h"
-#include "TemporaryWorkingDirectory.h"
 
 using namespace Korvo::API;
 using Progress = Korvo::COMMON::progress_value<void>;
@@ -40,8 +39,7 @@ const featureInfo* findAt(const std::vector<featureInfo>& list, double x_mil, do
 
 enum LongOperation { SignalChecks, SignalOpt, MaskOpt, Teardrops, NfpRemoval, LayerOut, StepOut };
 
-// Runs one long operation on `layer` of "pcb", files below `folder`. Stale results handed in
-// must be cleared.
+// Runs one long operation on `layer` of "pcb", files below `folder`; stale results must go.
 bool runLong(int operation, const std::string& layer, Progress* progress, CheckProgress* checks,
              const QString& folder) {
     const std::vector<std::string> layers{layer};
@@ -222,17 +220,7 @@ private slots:
         QCOMPARE(get_editop_count(kJob, "pcb"), edits + 1);
     }
 
-    void copyAndFlatten() {
-        const size_t top = features("pcb", "top").size();
-        const size_t doc = features("pcb", "doc").size();
-        QVERIFY(copy_layer_features(kJob, "pcb", "top", "doc", true));
-        QCOMPARE(features("pcb", "doc").size(), doc + top);
-        QVERIFY(copy_layer_features(kJob, "pcb", "top", "doc", false));
-        const std::vector<featureInfo> copied = features("pcb", "doc");
-        QCOMPARE(copied.size(), top);
-        QCOMPARE(copied.front().layer, std::string("doc"));
-        QVERIFY(!copy_layer_features(kJob, "pcb", "top", "nosuch", true));
-
+    void flattenPlacesEveryBoard() {
         // Eight boards on the panel: each board's drills land, placed, in the panel's drill layer.
         const size_t board_drills = features("pcb", "drill").size();
         const size_t panel_drills = features("panel", "drill").size();
@@ -251,7 +239,7 @@ private slots:
         QVERIFY(!flatten_step(kJob, "panel", "drill", "nosuch"));
     }
 
-    void profileAndAttributes() {
+    void profile() {
         reply_box box;
         QVERIFY(!set_step_profile(kJob, "pcb", {{0, 0}, {1, 1}}));  // not an area
         QVERIFY(set_step_profile(kJob, "pcb", {{0, 0}, {10, 0}, {10, 20}}));
@@ -260,20 +248,6 @@ private slots:
         QVERIFY(set_step_profile(kJob, "pcb", {}));
         QVERIFY(!has_profile(kJob, "pcb"));
         QVERIFY(!profile_box(kJob, "pcb", box));
-
-        QVERIFY(set_datum_point(kJob, "panel", {5, 6}));
-        step_header_info header;
-        QVERIFY(get_step_header_infos(kJob, "panel", header));
-        QCOMPARE(header.datum, (point{5, 6}));
-        QCOMPARE(header.repeat_rows, 2);
-        std::map<std::string, std::string> attributes;
-        QVERIFY(get_step_attributes(kJob, "panel", attributes));
-        const size_t count = attributes.size();
-        QVERIFY(edit_step_attributes(kJob, "panel", {{".new", "1"}}));
-        QVERIFY(get_step_attributes(kJob, "panel", attributes));
-        QCOMPARE(attributes.size(), count + 1);
-        QCOMPARE(attributes[".new"], std::string("1"));
-        QCOMPARE(get_editop_count(kJob, "panel"), 2);  // datum and attributes
     }
 
     void hookReplacesAndRecords() {
@@ -425,66 +399,13 @@ private slots:
         QVERIFY(progress.get_value() < 100.0);
     }
 
-    void exportsWriteListings() {
+    void exportsNeedTheirFolder() {
         QTemporaryDir folder;
         QVERIFY(folder.isValid());
-        const QString path = folder.filePath("drill.txt");
-        QVERIFY(layer_export(kJob, "pcb", "drill", export_drill, path.toStdString(), nullptr));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
-        const QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
-        const size_t drills = features("pcb", "drill").size();
-        QVERIFY(lines.contains(QString("features %1").arg(drills)));
-        QVERIFY(lines.contains("format drill"));
-        QCOMPARE(lines.filter(QRegExp("^pad ")).size(), int(drills));
-        QCOMPARE(lines.filter("non_plated").size(), 4);
-
         QVERIFY(!layer_export(kJob, "pcb", "drill", export_drill,
                               folder.filePath("missing/dir/x.txt").toStdString(), nullptr));
         QVERIFY(Export_step(kJob, "panel", folder.filePath("panel").toStdString(), nullptr));
         QCOMPARE(QDir(folder.filePath("panel")).entryList(QDir::Files).size(), 14);  // one a layer
-    }
-
-    void resultDatabase() {
-        // A database of its own: other test programs clear the shared one when they reset.
-        wctest::TemporaryWorkingDirectory working;
-        dms_signal_check_params params;
-        params.job = kJob;
-        params.step = "pcb";
-        params.scope = 2;
-        params.params.layers = "top;bottom";
-        params.tests = {sl_spacing, sl_smd};
-        signal_check_result_map result;
-        check_info hit;
-        hit.value = 1234;
-        result["top"][sli_line_width].red.push_back(hit);
-
-        const auto first = insertSignalLayerAnalysisResult(params, result);
-        params.step = "panel";
-        const auto second = insertSignalLayerAnalysisResult(params, {});
-        QVERIFY(first.success && second.success);
-        QVERIFY(first.id != second.id);
-        QCOMPARE(first.message, "stored as " + std::to_string(first.id));
-
-        dms_signal_check_params loaded;
-        signal_check_result_map loaded_result;
-        QVERIFY(getSignalLayerAnalysisResult(first.id, loaded, loaded_result));
-        QCOMPARE(loaded.step, std::string("pcb"));
-        QCOMPARE(loaded.scope, 2);
-        QCOMPARE(loaded.tests.size(), size_t(2));
-        QCOMPARE(loaded_result["top"][sli_line_width].red.at(0).value, 1234.0);
-        QVERIFY(!getSignalLayerAnalysisResult(second.id + 1, loaded, loaded_result));
-
-        signal_check_result_map tq;
-        QVERIFY(getTqSignalLayerAnalysisResult("tq" + std::to_string(first.id), tq));
-        QCOMPARE(tq.size(), size_t(1));
-        for (const std::string& key : std::vector<std::string>{
-                 "tq", "tqx", std::to_string(first.id), "tq-1", "tq999", "tq99999999999999999999"})
-            QVERIFY2(!getTqSignalLayerAnalysisResult(key, tq), key.c_str());
-
-        const auto master = getCheckResultMaster();
-        QCOMPARE(master.size(), size_t(2));
-        QCOMPARE(master.at(second.id).at(2), std::string("panel"));
     }
 };
 
