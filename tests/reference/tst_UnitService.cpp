@@ -10,15 +10,14 @@ namespace {
 const int kMil = 0;
 const int kMm = 1;
 
-// One mil value through every display form: fixed decimals, truncated, rounded, exact, and the
-// 3-decimal form of the same length given in engine units.
+// One mil value through every display form: fixed decimals, truncated, exact, and the 3-decimal
+// form of the same length given in engine units.
 struct Judge {
     int unit;
     double mil;
     int decimals;
     QString text;
     int truncated;
-    int rounded;
     double exact;
     QString engine_text;
 };
@@ -36,16 +35,16 @@ private slots:
 
     void judge_data() {
         QTest::addColumn<Judge>("row");
-        QTest::newRow("mil 8") << Judge{kMil, 8, 2, "8.00", 8, 8, 8, "8.000"};
-        QTest::newRow("mil fraction") << Judge{kMil, 0.25, 2, "0.25", 0, 0, 0.25, "0.250"};
-        QTest::newRow("mil 7.6") << Judge{kMil, 7.6, 2, "7.60", 7, 8, 7.6, "7.600"};
-        QTest::newRow("mm 2-mil limit reads 0") << Judge{kMm, 2, 2, "0.05", 0, 0, 0.0508, "0.051"};
-        QTest::newRow("mm 8") << Judge{kMm, 8, 2, "0.20", 0, 0, 0.2032, "0.203"};
-        QTest::newRow("mm 3 decimals") << Judge{kMm, 10, 3, "0.254", 0, 0, 0.254, "0.254"};
-        QTest::newRow("mm 20") << Judge{kMm, 20, 2, "0.51", 0, 1, 0.508, "0.508"};
-        QTest::newRow("mm no decimals") << Judge{kMm, 100, 0, "3", 2, 3, 2.54, "2.540"};
-        QTest::newRow("mm negative") << Judge{kMm, -100, 2, "-2.54", -2, -3, -2.54, "-2.540"};
-        QTest::newRow("mm 8000") << Judge{kMm, 8000, 2, "203.20", 203, 203, 203.2, "203.200"};
+        QTest::newRow("mil 8") << Judge{kMil, 8, 2, "8.00", 8, 8, "8.000"};
+        QTest::newRow("mil fraction") << Judge{kMil, 0.25, 2, "0.25", 0, 0.25, "0.250"};
+        QTest::newRow("mil 7.6") << Judge{kMil, 7.6, 2, "7.60", 7, 7.6, "7.600"};
+        QTest::newRow("mm 2-mil limit reads 0") << Judge{kMm, 2, 2, "0.05", 0, 0.0508, "0.051"};
+        QTest::newRow("mm 8") << Judge{kMm, 8, 2, "0.20", 0, 0.2032, "0.203"};
+        QTest::newRow("mm 3 decimals") << Judge{kMm, 10, 3, "0.254", 0, 0.254, "0.254"};
+        QTest::newRow("mm 20") << Judge{kMm, 20, 2, "0.51", 0, 0.508, "0.508"};
+        QTest::newRow("mm no decimals") << Judge{kMm, 100, 0, "3", 2, 2.54, "2.540"};
+        QTest::newRow("mm negative") << Judge{kMm, -100, 2, "-2.54", -2, -2.54, "-2.540"};
+        QTest::newRow("mm 8000") << Judge{kMm, 8000, 2, "203.20", 203, 203.2, "203.200"};
     }
     void judge() {
         QFETCH(Judge, row);
@@ -53,36 +52,30 @@ private slots:
         setUnit(&handle, row.unit);
         QCOMPARE(getUnitJudgeString(&handle, row.mil, row.decimals), row.text);
         QCOMPARE(getUnitJudgeData(&handle, row.mil), row.truncated);
-        QCOMPARE(getUnitJudgeData2(&handle, row.mil), row.rounded);
         QVERIFY(qAbs(getUnitJudgeDouble(&handle, row.mil) - row.exact) < 1e-9);
         QCOMPARE(getUnitJudgeStringMetric(&handle, row.mil * 25400.0), row.engine_text);
     }
 
-    void apiAndMilData_data() {
+    void apiData_data() {
         QTest::addColumn<int>("unit");
         QTest::addColumn<int>("kind");  // 1 length, 2 area, else unit-free
         QTest::addColumn<double>("display");
         QTest::addColumn<double>("engine");
-        QTest::addColumn<double>("mil");
-        QTest::newRow("mil length") << kMil << 1 << 8.0 << 203200.0 << 8.0;
-        QTest::newRow("mm length") << kMm << 1 << 0.2032 << 203200.0 << 8.0;
-        QTest::newRow("mil area") << kMil << 2 << 1.0 << 645160000.0 << 1.0;
-        QTest::newRow("mm area") << kMm << 2 << 1.0 << 1e12 << 1.0 / (0.0254 * 0.0254);
-        QTest::newRow("mil unit-free") << kMil << 0 << 5.0 << 5.0 << 5.0;
-        QTest::newRow("mm unit-free") << kMm << 3 << 45.0 << 45.0 << 45.0;
+        QTest::newRow("mil length") << kMil << 1 << 8.0 << 203200.0;
+        QTest::newRow("mm length") << kMm << 1 << 0.2032 << 203200.0;
+        QTest::newRow("mil area") << kMil << 2 << 1.0 << 645160000.0;
+        QTest::newRow("mm area") << kMm << 2 << 1.0 << 1e12;
+        QTest::newRow("mil unit-free") << kMil << 0 << 5.0 << 5.0;
+        QTest::newRow("mm unit-free") << kMm << 3 << 45.0 << 45.0;
     }
-    void apiAndMilData() {
+    void apiData() {
         QFETCH(int, unit);
         QFETCH(int, kind);
         QFETCH(double, display);
         QFETCH(double, engine);
-        QFETCH(double, mil);
         int handle = 0;
         setUnit(&handle, unit);
         QVERIFY(qFuzzyCompare(getUnitAPIData(&handle, kind, display), engine));
-        QVERIFY(qFuzzyCompare(getUnitMilData(&handle, kind, display), mil));
-        if (kind == 1)
-            QVERIFY(qFuzzyCompare(getUnitPointData(&handle, display), engine));
     }
 
     // Re-expressing a typed value after the host changed the unit.
@@ -105,48 +98,6 @@ private slots:
         for (int unit : units)
             setUnit(&handle, unit);
         QVERIFY(qAbs(getUnitData(&handle, typed) - expected) < 1e-9);
-    }
-
-    // Limits are in mil, the value in the handle's unit; a symbol is legal when all its
-    // numbers are.
-    void valueLegal_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<double>("min");
-        QTest::addColumn<double>("max");
-        QTest::addColumn<bool>("legal");
-        QTest::newRow("mil upper bound") << kMil << "2" << 0.0 << 2.0 << true;
-        QTest::newRow("mil above") << kMil << "2.0001" << 0.0 << 2.0 << false;
-        QTest::newRow("mil lower bound") << kMil << "1.001" << 1.001 << 100000.0 << true;
-        QTest::newRow("mil below") << kMil << "1" << 1.001 << 100000.0 << false;
-        QTest::newRow("mm upper bound") << kMm << "0.0508" << 0.0 << 2.0 << true;
-        QTest::newRow("mm above") << kMm << "0.0509" << 0.0 << 2.0 << false;
-        QTest::newRow("mm negative") << kMm << "-0.1" << 0.0 << 2.0 << false;
-        QTest::newRow("not a number") << kMil << "abc" << 0.0 << 2.0 << false;
-        QTest::newRow("empty") << kMm << "" << 0.0 << 2.0 << false;
-        QTest::newRow("symbol mil inside") << kMil << "rect20x40" << 1.0 << 100.0 << true;
-        QTest::newRow("symbol one number out") << kMil << "rect20x400" << 1.0 << 100.0 << false;
-        QTest::newRow("symbol mm inside") << kMm << "r0.254" << 1.0 << 100.0 << true;
-        QTest::newRow("symbol mm read as mil") << kMm << "r10" << 1.0 << 100.0 << false;
-        QTest::newRow("symbol no number") << kMil << "star" << 1.0 << 100.0 << false;
-    }
-    void valueLegal() {
-        QFETCH(int, unit);
-        QFETCH(QString, value);
-        QFETCH(double, min);
-        QFETCH(double, max);
-        QFETCH(bool, legal);
-        int handle = 0;
-        setUnit(&handle, unit);
-        if (QByteArray(QTest::currentDataTag()).startsWith("symbol")) {
-            QCOMPARE(isSymbolValueLegal(value, min, max, &handle), legal);
-            return;
-        }
-        QCOMPARE(isNumValueLegal(value, min, max, &handle), legal);
-        bool number = false;
-        const double v = value.toDouble(&number);
-        if (number)
-            QCOMPARE(isValueLegal(v, min, max, &handle), legal);
     }
 
     void symbols_data() {
@@ -176,9 +127,6 @@ private slots:
         QString back = display;
         setSymbolAPIData(&handle, back);
         QCOMPARE(back, engine);
-        QString to_mil = display;
-        setSymbolDataByUnit(&handle, kMil, to_mil);
-        QCOMPARE(to_mil, engine);
     }
 
     void handlesAndDefault() {
