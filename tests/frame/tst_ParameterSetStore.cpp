@@ -149,19 +149,6 @@ private slots:
                  QStringList());
     }
 
-    void unwritableFolderIsReported() {
-        // A file where the folder should be.
-        QVERIFY(QDir().mkpath(dir_->filePath(QStringLiteral("ERFconfig"))));
-        QFile blocker(dir_->filePath(QStringLiteral("ERFconfig/TeardropsRanges")));
-        QVERIFY(blocker.open(QIODevice::WriteOnly));
-        blocker.close();
-        QString error;
-        QCOMPARE(ParameterSetStore(QStringLiteral("TeardropsRanges"))
-                     .save(QStringLiteral("s"), QJsonObject(), &error),
-                 ParameterSetStore::SaveResult::WriteFailed);
-        QVERIFY(!error.isEmpty());
-    }
-
 private:
     wctest::TemporaryWorkingDirectory* dir_ = nullptr;
 };
