@@ -3,10 +3,13 @@
 
 #include <QtTest>
 
+#include "DataRows.h"
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
 #include "LayerExpression.h"
 #include "ReferenceEngine.h"
+
+using wctest::row;
 
 namespace {
 
@@ -15,11 +18,6 @@ QString joined(const std::vector<std::string>& names) {
     for (const std::string& name : names)
         list << QString::fromStdString(name);
     return list.join(';');
-}
-
-template <typename... Texts>
-void row(const char* name, const Texts&... texts) {
-    (QTest::newRow(name) << ... << QString(texts));
 }
 
 std::vector<std::string> viaService(const QString& expression) {
