@@ -101,8 +101,7 @@ private slots:
             QCOMPARE(store.save(QString::fromLatin1(name), QJsonObject()),
                      ParameterSetStore::SaveResult::Saved);
         }
-        QFile other(store.folder() + QStringLiteral("notes.txt"));
-        QVERIFY(other.open(QIODevice::WriteOnly));
+        QVERIFY(wctest::writeFile(store.folder() + QStringLiteral("notes.txt"), "{}"));
         QVERIFY(QDir().mkpath(store.folder() + QStringLiteral("folder.json")));
         QCOMPARE(store.names(), (QStringList{"Alpha", "beta", "zeta"}));
         QCOMPARE(ParameterSetStore(QStringLiteral("DrillRanges")).names(), QStringList());
@@ -127,10 +126,7 @@ private slots:
 
         ParameterSetStore store(QStringLiteral("TeardropsRanges"));
         if (write) {
-            QVERIFY(QDir().mkpath(store.folder()));
-            QFile file(store.filePath(QStringLiteral("bad")));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            QCOMPARE(file.write(bytes), qint64(bytes.size()));
+            QVERIFY(wctest::writeFile(store.filePath(QStringLiteral("bad")), bytes));
         }
         const QJsonObject before{{"kept", "as it was"}};
         QJsonObject out = before;
@@ -243,10 +239,7 @@ private slots:
 
         wc::ParameterSetStore store(key_);
         if (!bytes.isEmpty()) {
-            QVERIFY(QDir().mkpath(store.folder()));
-            QFile file(store.filePath(QStringLiteral("bad")));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(bytes);
+            QVERIFY(wctest::writeFile(store.filePath(QStringLiteral("bad")), bytes));
         }
         wctest::MessageBoxAnswerer boxes;
         const double red = firstRedLevel();

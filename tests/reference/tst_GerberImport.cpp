@@ -8,6 +8,7 @@
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
 #include "ReferenceEngine.h"
+#include "TemporaryWorkingDirectory.h"
 
 using namespace Korvo::API;
 
@@ -176,10 +177,7 @@ private slots:
         QFETCH(QString, text);
         QTemporaryDir dir;
         const QString path = dir.filePath("board.gbr");
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(text.replace("*", "*\n").toLatin1());
-        file.close();
+        QVERIFY(wctest::writeFile(path, text.replace("*", "*\n").toLatin1()));
         const std::vector<featureInfo> loaded = translate(path);
         QCOMPARE(int(loaded.size()), 2);
         const featureInfo& surface = loaded[0];
@@ -211,10 +209,7 @@ private slots:
         QFETCH(QByteArray, content);
         QTemporaryDir dir;
         const QString path = dir.filePath("bad.gbr");
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
+        QVERIFY(wctest::writeFile(path, content));
         std::vector<featureInfo> before;
         QVERIFY(get_all_feature_info("import", "pcb", "top", before, FT_All));
         std::string format;

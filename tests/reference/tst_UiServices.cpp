@@ -27,12 +27,6 @@ using namespace Korvo::UIAPI;
 
 namespace {
 
-bool writeFile(const QString& path, const QByteArray& bytes) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 const int kMil = 0;
 const int kMm = 1;
 
@@ -190,10 +184,10 @@ private slots:
         QFETCH(bool, ok);
         QFETCH(QString, names);
         wctest::TemporaryWorkingDirectory dir;
-        QVERIFY(writeFile(dir.filePath("ERFconfig/x.json"), "{}"));
+        QVERIFY(wctest::writeFile(dir.filePath("ERFconfig/x.json"), "{}"));
         const QString folder = dir.filePath("ERFconfig/TeardropsRanges/");
         for (const char* file : {"b.json", "A.json", "a.b.json", "notes.txt", ".json", "c.JSON"})
-            QVERIFY(writeFile(folder + file, "{}"));
+            QVERIFY(wctest::writeFile(folder + file, "{}"));
         QVERIFY(QDir().mkpath(folder + "sub.json"));
 
         QStringList found{"stale"};
