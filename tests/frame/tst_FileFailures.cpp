@@ -19,6 +19,7 @@
 #include "Korvo_UIAPI.h"
 #include "MessageBoxAnswerer.h"
 #include "RangeStore.h"
+#include "TemporaryWorkingDirectory.h"
 #include "ZeLineEdit.h"
 #include "analysis/Widget_Ranges.h"
 #include "frame/ParameterSetStore.h"
@@ -26,17 +27,6 @@
 namespace {
 
 enum class Failure { DiskFull, FolderIsAFile };
-
-QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeFile(const QString& path, const QByteArray& bytes) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 // Fills the file system of `folder` to the last byte.
 void fill(const QString& folder) {
@@ -114,11 +104,11 @@ private slots:
         // What was there before: one saved set and a range file with one change.
         const QString set_folder = root_ + QStringLiteral("/ERFconfig/TeardropsRanges");
         const QByteArray old_set = "{\n    \"lineEdit_A\": \"1\"\n}\n";
-        QVERIFY(writeFile(set_folder + QStringLiteral("/old.json"), old_set));
+        QVERIFY(wctest::writeFile(set_folder + QStringLiteral("/old.json"), old_set));
         QVERIFY(Korvo::UIAPI::changeRangesValue("TeardropsRanges", "Skipped for Spacing", "RedLv",
                                                 50800));
         const QString range_file = wcref::RangeStore::filePath();
-        const QByteArray old_ranges = readFile(range_file);
+        const QByteArray old_ranges = wctest::readFile(range_file);
         QVERIFY(!old_ranges.isEmpty());
 
         if (failure == Failure::DiskFull) {
@@ -126,9 +116,9 @@ private slots:
         } else {
             // The sets' folder and the range file's folder replaced by plain files.
             QVERIFY(QDir(set_folder).removeRecursively());
-            QVERIFY(writeFile(set_folder, "not a folder"));
+            QVERIFY(wctest::writeFile(set_folder, "not a folder"));
             QVERIFY(QDir(QFileInfo(range_file).absolutePath()).removeRecursively());
-            QVERIFY(writeFile(QFileInfo(range_file).absolutePath(), "not a folder"));
+            QVERIFY(wctest::writeFile(QFileInfo(range_file).absolutePath(), "not a folder"));
         }
         const QStringList files_before = filesBelow(root_);
 
@@ -161,8 +151,8 @@ private slots:
 
         QCOMPARE(filesBelow(root_), files_before);
         if (failure == Failure::DiskFull) {
-            QCOMPARE(readFile(set_folder + QStringLiteral("/old.json")), old_set);
-            QCOMPARE(readFile(range_file), old_ranges);
+            QCOMPARE(wctest::readFile(set_folder + QStringLiteral("/old.json")), old_set);
+            QCOMPARE(wctest::readFile(range_file), old_ranges);
         }
     }
 

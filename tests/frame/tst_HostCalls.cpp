@@ -61,38 +61,27 @@ private slots:
         std::vector<std::string> seenBefore;
         auto noteSaves = [&] { seenBefore = wcref::recordedSaves(); };
 
+        const auto answerOk = [&](auto&&...) {
+            noteSaves();
+            return std::string("OK");
+        };
+        const auto answerTrue = [&](auto&&...) {
+            noteSaves();
+            return true;
+        };
         std::vector<std::string> steps;
         std::vector<Korvo::API::layer_info> layers;
         if (operation == "get_graphics") {
-            wctest::ScopedEngineHook hook(&wcref::EngineHooks::get_graphics,
-                                          [&](const std::string&, std::vector<std::string>&,
-                                              std::vector<Korvo::API::layer_info>&) {
-                                              noteSaves();
-                                              return std::string("OK");
-                                          });
+            wctest::ScopedEngineHook hook(&wcref::EngineHooks::get_graphics, answerOk);
             wc::recordedGetGraphics(kJob, steps, layers);
         } else if (operation == "get_matrix") {
-            wctest::ScopedEngineHook hook(&wcref::EngineHooks::get_matrix,
-                                          [&](const std::string&, std::vector<std::string>&,
-                                              std::vector<Korvo::API::layer_info>&) {
-                                              noteSaves();
-                                              return std::string("OK");
-                                          });
+            wctest::ScopedEngineHook hook(&wcref::EngineHooks::get_matrix, answerOk);
             wc::recordedGetMatrix(kJob, steps, layers);
         } else if (operation == "create_step") {
-            wctest::ScopedEngineHook hook(&wcref::EngineHooks::create_step,
-                                          [&](const std::string&, const std::string&, int) {
-                                              noteSaves();
-                                              return true;
-                                          });
+            wctest::ScopedEngineHook hook(&wcref::EngineHooks::create_step, answerTrue);
             QVERIFY(wc::recordedCreateStep(kJob, "array", 2));
         } else {
-            wctest::ScopedEngineHook hook(
-                &wcref::EngineHooks::clear_selected_features,
-                [&](const std::string&, const std::string&, const std::string&) {
-                    noteSaves();
-                    return true;
-                });
+            wctest::ScopedEngineHook hook(&wcref::EngineHooks::clear_selected_features, answerTrue);
             QVERIFY(wc::recordedClearSelectedFeatures(kJob, "pcb", "top"));
         }
 

@@ -172,10 +172,9 @@ private slots:
 
     void popups() {
         wctest::TemporaryWorkingDirectory working;
-        QDir().mkpath("ERFconfig/SignalLayerRanges");
         for (const char* name : {"b", "a"}) {
-            QFile file(QString("ERFconfig/SignalLayerRanges/%1.json").arg(name));
-            QVERIFY(file.open(QIODevice::WriteOnly));
+            QVERIFY(
+                wctest::writeFile(QString("ERFconfig/SignalLayerRanges/%1.json").arg(name), {}));
         }
         QWidget dialog;
         wc::RunControls controls(&dialog, {"SignalLayerRanges", "", "", true});

@@ -1,12 +1,14 @@
-// Import of Gerber and Excellon files through libgerbv, and jobs built from a folder of them,
-// on the example boards of the gerbv package and on small files written here.
+// Import of Gerber and Excellon files through libgerbv, jobs built from a folder of them, and a
+// whole board checked: the example boards of the gerbv package and small files written here.
 
 #include <QtTest>
 
 #include "DataRows.h"
 #include "JobFromFolder.h"
 #include "Korvo_API.h"
+#include "Korvo_UIAPI.h"
 #include "ReferenceEngine.h"
+#include "TemporaryWorkingDirectory.h"
 
 using namespace Korvo::API;
 
@@ -14,6 +16,8 @@ namespace {
 
 const QString kExamples = "/usr/share/doc/gerbv/examples/";
 constexpr double kMil = 25400.0;
+const std::string kJob = "protel";
+const std::string kTop = "se_sg_if_v2.gtl";
 
 // Files of the examples that are not layers: pictures, documents, aperture tables, the
 // design tool's own files, pick-and-place lists, and an RS-274D file whose apertures live in
@@ -56,6 +60,23 @@ int countSymbol(const std::vector<featureInfo>& features, const std::string& sym
     return static_cast<int>(
         std::count_if(features.begin(), features.end(),
                       [&](const featureInfo& f) { return f.symbol == symbol; }));
+}
+
+std::map<signal_layers_checks_items, signal_check_range> dialogRanges() {
+    std::map<signal_layers_checks_items, signal_check_range> ranges;
+    std::vector<Korvo::UIAPI::Analysis_Ranges_Record> records;
+    Korvo::UIAPI::getRanges("SignalLayerRanges", records);
+    for (const auto& r : records) {
+        const auto item = static_cast<signal_layers_checks_items>(
+            Korvo::UIAPI::getRangesEnum("SignalLayerRanges", r.name));
+        ranges[item] = {r.RedLv, r.YellowLv, r.GreenLv};
+    }
+    return ranges;
+}
+
+bool isSpacing(signal_layers_checks_items item) {
+    return item <= sli_surface_to_surface_spacing ||
+           (item >= sli_smd_to_smd_spacing && item <= sli_smd_to_line_spacing);
 }
 
 }  // namespace
@@ -156,10 +177,7 @@ private slots:
         QFETCH(QString, text);
         QTemporaryDir dir;
         const QString path = dir.filePath("board.gbr");
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(text.replace("*", "*\n").toLatin1());
-        file.close();
+        QVERIFY(wctest::writeFile(path, text.replace("*", "*\n").toLatin1()));
         const std::vector<featureInfo> loaded = translate(path);
         QCOMPARE(int(loaded.size()), 2);
         const featureInfo& surface = loaded[0];
@@ -191,10 +209,7 @@ private slots:
         QFETCH(QByteArray, content);
         QTemporaryDir dir;
         const QString path = dir.filePath("bad.gbr");
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
+        QVERIFY(wctest::writeFile(path, content));
         std::vector<featureInfo> before;
         QVERIFY(get_all_feature_info("import", "pcb", "top", before, FT_All));
         std::string format;
@@ -242,10 +257,10 @@ private slots:
     }
 
     void jobFromFolder() {
-        QVERIFY(open_job("protel", (kExamples + "protel-pnp").toStdString()));
+        QVERIFY(open_job(kJob, (kExamples + "protel-pnp").toStdString()));
         std::vector<std::string> steps;
         std::vector<layer_info> layers;
-        QCOMPARE(get_matrix("protel", steps, layers), std::string("OK"));
+        QCOMPARE(get_matrix(kJob, steps, layers), std::string("OK"));
         QStringList order;
         for (const layer_info& l : layers) {
             order << QString::fromStdString(l.type + ":" + l.side);
@@ -258,16 +273,77 @@ private slots:
         QCOMPARE(drill.drill_start, std::string("se_sg_if_v2.gtl"));
         QCOMPARE(drill.drill_end, std::string("se_sg_if_v2.gbl"));
         reply_box box;
-        QVERIFY(profile_box("protel", "pcb", box));
+        QVERIFY(profile_box(kJob, "pcb", box));
         QVERIFY(box.xmax - box.xmin > 3000 * kMil && box.ymax - box.ymin > 3000 * kMil);
         // Outer pads without a hole are SMD pads; drilled ones are not.
         std::vector<featureInfo> top;
-        QVERIFY(get_all_feature_info("protel", "pcb", "se_sg_if_v2.gtl", top, FT_Pad));
+        QVERIFY(get_all_feature_info(kJob, "pcb", kTop, top, FT_Pad));
         const auto smd = std::count_if(top.begin(), top.end(), [](const featureInfo& f) {
             return f.attributes.count(".smd") != 0;
         });
         QVERIFY(smd > 100 && smd < int(top.size()));
         QVERIFY(!open_job("nothing", QDir::tempPath().toStdString() + "/no-such-folder"));
+    }
+    // The protel board checked through the engine call and range table of the check dialog. Its
+    // tightest clearance rule is 4 mil (its .RUL file): just below it no spacing
+    // hit may appear; at wider spacings every hit measures below the spacing asked for.
+    void spacingAgainstTheDesignRules_data() {
+        QTest::addColumn<double>("spacing");  // mil
+        QTest::addColumn<bool>("hits");
+        wctest::row("below the 4 mil rule", 3.9, false);
+        wctest::row("the 8 mil rule", 8.0, true);
+        wctest::row("12 mil", 12.0, true);
+    }
+    void spacingAgainstTheDesignRules() {
+        QFETCH(double, spacing);
+        QFETCH(bool, hits);
+        QVERIFY(open_job(kJob, (kExamples + "protel-pnp").toStdString()));
+        signal_check_params params;
+        params.layers = kTop;
+        params.spacing = spacing * kMil;
+        params.drill_to_copper = 14 * kMil;
+        params.rout_to_copper = 25 * kMil;
+        params.sliver_min = 2 * kMil;
+        params.min_pad_overlap = 5 * kMil;
+        std::vector<signal_layers_checks_list> tests;
+        for (int t = sl_spacing; t <= sl_pad_connection; ++t) {
+            tests.push_back(static_cast<signal_layers_checks_list>(t));
+        }
+        std::map<signal_layers_checks_items, signal_check_result> result;
+        Korvo::COMMON::progress_value<signal_check_result_map> progress;
+        QVERIFY(signal_layers_checks(kJob, "pcb", kTop, params, tests, dialogRanges(), result,
+                                     &progress, 0));
+        QCOMPARE(progress.get_value(), 100.0);
+
+        std::vector<layer_info> layers;
+        std::vector<std::string> steps;
+        get_matrix(kJob, steps, layers);
+        std::map<int, std::set<int>> ids;  // layer row -> feature ids
+        for (const layer_info& l : layers) {
+            std::vector<featureInfo> features;
+            get_all_feature_info(kJob, "pcb", l.name, features, FT_All);
+            for (const featureInfo& f : features) {
+                ids[l.row].insert(f.id);
+            }
+        }
+        int spacing_hits = 0;
+        for (const auto& entry : result) {
+            for (const auto* list : {&entry.second.red, &entry.second.yellow, &entry.second.green,
+                                     &entry.second.other}) {
+                for (const check_info& hit : *list) {
+                    QVERIFY(hit.shape.points.size() == 2);
+                    QVERIFY(!hit.features.empty());
+                    for (const feature_ref& ref : hit.features) {
+                        QVERIFY(ids[ref.layer_row].count(ref.id) == 1);
+                    }
+                    if (isSpacing(entry.first)) {
+                        ++spacing_hits;
+                        QVERIFY(hit.value < spacing * kMil);
+                    }
+                }
+            }
+        }
+        QCOMPARE(spacing_hits > 0, hits);
     }
 };
 

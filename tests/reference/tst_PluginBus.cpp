@@ -107,38 +107,6 @@ private slots:
         QCOMPARE(static_cast<int>(log.size()), std::min(kept, 1));
     }
 
-    void entryPoints_data() {
-        QTest::addColumn<QString>("call");
-        QTest::addColumn<QVariantMap>("values");
-        QTest::addColumn<QVariantMap>("delivered");
-        const QVariantMap graphic{{"DstType", "Graphic"}};
-        QTest::newRow("update job adds job")
-            << "Ze_UpdateJob" << graphic << QVariantMap{{"DstType", "Graphic"}, {"Job", "demo"}};
-        QTest::newRow("update job keeps given job")
-            << "Ze_UpdateJob" << QVariantMap{{"Job", "other"}} << QVariantMap{{"Job", "other"}};
-        QTest::newRow("update graphic") << "updateGraphic" << graphic << graphic;
-        QTest::newRow("transmit") << "pluginTransmitData" << graphic << graphic;
-    }
-    void entryPoints() {
-        QFETCH(QString, call);
-        QFETCH(QVariantMap, values);
-        QFETCH(QVariantMap, delivered);
-        QList<PluginMetaData> received;
-        subscribe([&received](const PluginMetaData& m) { received << m; });
-        PluginMetaData m = message(20002400);
-        m.values = values;
-        if (call == "Ze_UpdateJob")
-            manager()->Ze_UpdateJob("demo", m);
-        else if (call == "updateGraphic")
-            manager()->updateGraphic("demo", m);
-        else
-            manager()->pluginTransmitData(m);
-        QCOMPARE(received.size(), 1);
-        QCOMPARE(received.front().code, 20002400);
-        QCOMPARE(received.front().receiver, QString("Graphic_View.dll"));
-        QCOMPARE(received.front().values, delivered);
-    }
-
 private:
     int subscribe(std::function<void(const PluginMetaData&)> receiver) {
         subscriptions_.push_back(PluginBus::instance().subscribe(std::move(receiver)));

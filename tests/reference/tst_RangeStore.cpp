@@ -26,17 +26,6 @@ const char* const kKeys[] = {"SignalLayerRanges",    "SignalLayerOptRanges",
                              "PadSnappingRanges",    "TeardropsRanges",
                              "PrePareRanges",        "NFPRemoval"};
 
-QByteArray readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeFile(const QString& path, const QByteArray& bytes) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 bool sameLevels(const std::vector<Analysis_Ranges_Record>& a,
                 const std::vector<Analysis_Ranges_Record>& b) {
     if (a.size() != b.size())
@@ -157,8 +146,10 @@ private slots:
         QCOMPARE(getRanges("DrillRanges")[dci_hole_size].YellowLv, 228600.0);
 
         // Only what differs from the defaults is stored.
-        const QJsonObject ranges =
-            QJsonDocument::fromJson(readFile(rangeFile())).object().value("ranges").toObject();
+        const QJsonObject ranges = QJsonDocument::fromJson(wctest::readFile(rangeFile()))
+                                       .object()
+                                       .value("ranges")
+                                       .toObject();
         QCOMPARE(ranges.keys(), (QStringList{"DrillRanges", "SignalLayerRanges"}));
         QCOMPARE(ranges.value("SignalLayerRanges").toArray().size(), 2);
 
@@ -168,7 +159,7 @@ private slots:
                                   signal_defaults_[sli_line_width].GreenLv));
         wcref::reloadRanges();
         QVERIFY(sameLevels(getRanges(kSignal), signal_defaults_));
-        QVERIFY(!QString::fromUtf8(readFile(rangeFile())).contains("SignalLayerRanges"));
+        QVERIFY(!QString::fromUtf8(wctest::readFile(rangeFile())).contains("SignalLayerRanges"));
     }
 
     void batchWritesTheFileOnce() {
@@ -251,10 +242,10 @@ private slots:
     }
     void badFileFallsBack() {
         QFETCH(QByteArray, content);
-        QVERIFY(writeFile(rangeFile(), content));
+        QVERIFY(wctest::writeFile(rangeFile(), content));
         wcref::reloadRanges();
         QVERIFY(sameLevels(getRanges(kSignal), signal_defaults_));
-        QCOMPARE(readFile(rangeFile()), content);  // kept for the user to look at
+        QCOMPARE(wctest::readFile(rangeFile()), content);  // kept for the user to look at
 
         QVERIFY(changeRangesValue(kSignal, kPadToPad, "YellowLv", 88900.0));
         wcref::reloadRanges();

@@ -1,15 +1,20 @@
-// The reference engine: jobs and matrix, features and edits, hooks and the call log, long
-// operations with their stop flag, exports and the result database.
+// The reference engine on the sample job: jobs and matrix, features and edits, hooks and the call
+// log, long operations with their stop flag, exports, step-and-repeat geometry and instance
+// selection, and layer expressions, directly and through the UI service the dialogs call.
 
 #include <QtTest>
 #include <chrono>
+#include <cmath>
 #include <functional>
 #include <future>
 #include <set>
 
+#include "DataRows.h"
 #include "Korvo_API.h"
+#include "Korvo_UIAPI.h"
+#include "LayerExpression.h"
 #include "ReferenceEngine.h"
-#include "TemporaryWorkingDirectory.h"
+#include "StepRepeatGeometry.h"
 
 using namespace Korvo::API;
 using Progress = Korvo::COMMON::progress_value<void>;
@@ -17,6 +22,9 @@ using CheckProgress = Korvo::COMMON::progress_value<signal_check_result_map>;
 using Call = std::function<void()>;
 
 Q_DECLARE_METATYPE(Call)
+Q_DECLARE_METATYPE(std::vector<point>)
+
+using wctest::row;
 
 namespace {
 
@@ -40,8 +48,7 @@ const featureInfo* findAt(const std::vector<featureInfo>& list, double x_mil, do
 
 enum LongOperation { SignalChecks, SignalOpt, MaskOpt, Teardrops, NfpRemoval, LayerOut, StepOut };
 
-// Runs one long operation on `layer` of "pcb", files below `folder`. Stale results handed in
-// must be cleared.
+// Runs one long operation on `layer` of "pcb", files below `folder`; stale results must go.
 bool runLong(int operation, const std::string& layer, Progress* progress, CheckProgress* checks,
              const QString& folder) {
     const std::vector<std::string> layers{layer};
@@ -81,6 +88,50 @@ bool runLong(int operation, const std::string& layer, Progress* progress, CheckP
                                (folder + "/step").toStdString(), progress);
     }
     return false;
+}
+
+point mil(double x, double y) {
+    return {x * kMil, y * kMil};
+}
+
+std::vector<point> square(double x0, double y0, double x1, double y1) {
+    return {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}};
+}
+
+// "row:index" of every selected instance, in table order.
+QString selectionText(const std::vector<step_repeat_op>& rows) {
+    QStringList parts;
+    for (size_t r = 0; r < rows.size(); ++r) {
+        for (int index : rows[r].selection)
+            parts << QString("%1:%2").arg(r).arg(index);
+    }
+    return parts.join(';');
+}
+
+QString storedSelection() {
+    std::vector<step_repeat_op> rows;
+    if (!get_step_repeat(kJob, "panel", rows))
+        return "get_step_repeat failed";
+    return selectionText(rows);
+}
+
+QString joined(const std::vector<std::string>& names) {
+    QStringList list;
+    for (const std::string& name : names)
+        list << QString::fromStdString(name);
+    return list.join(';');
+}
+
+std::vector<std::string> viaService(const QString& expression) {
+    return Korvo::UIAPI::getAnalyzeAndDFMLayers("sample_job", expression.toStdString());
+}
+
+// The sample job's matrix.
+std::vector<layer_info> matrix() {
+    std::vector<std::string> steps;
+    std::vector<layer_info> layers;
+    get_matrix(kJob, steps, layers);
+    return layers;
 }
 
 }  // namespace
@@ -222,17 +273,7 @@ private slots:
         QCOMPARE(get_editop_count(kJob, "pcb"), edits + 1);
     }
 
-    void copyAndFlatten() {
-        const size_t top = features("pcb", "top").size();
-        const size_t doc = features("pcb", "doc").size();
-        QVERIFY(copy_layer_features(kJob, "pcb", "top", "doc", true));
-        QCOMPARE(features("pcb", "doc").size(), doc + top);
-        QVERIFY(copy_layer_features(kJob, "pcb", "top", "doc", false));
-        const std::vector<featureInfo> copied = features("pcb", "doc");
-        QCOMPARE(copied.size(), top);
-        QCOMPARE(copied.front().layer, std::string("doc"));
-        QVERIFY(!copy_layer_features(kJob, "pcb", "top", "nosuch", true));
-
+    void flattenPlacesEveryBoard() {
         // Eight boards on the panel: each board's drills land, placed, in the panel's drill layer.
         const size_t board_drills = features("pcb", "drill").size();
         const size_t panel_drills = features("panel", "drill").size();
@@ -251,7 +292,7 @@ private slots:
         QVERIFY(!flatten_step(kJob, "panel", "drill", "nosuch"));
     }
 
-    void profileAndAttributes() {
+    void profile() {
         reply_box box;
         QVERIFY(!set_step_profile(kJob, "pcb", {{0, 0}, {1, 1}}));  // not an area
         QVERIFY(set_step_profile(kJob, "pcb", {{0, 0}, {10, 0}, {10, 20}}));
@@ -260,20 +301,6 @@ private slots:
         QVERIFY(set_step_profile(kJob, "pcb", {}));
         QVERIFY(!has_profile(kJob, "pcb"));
         QVERIFY(!profile_box(kJob, "pcb", box));
-
-        QVERIFY(set_datum_point(kJob, "panel", {5, 6}));
-        step_header_info header;
-        QVERIFY(get_step_header_infos(kJob, "panel", header));
-        QCOMPARE(header.datum, (point{5, 6}));
-        QCOMPARE(header.repeat_rows, 2);
-        std::map<std::string, std::string> attributes;
-        QVERIFY(get_step_attributes(kJob, "panel", attributes));
-        const size_t count = attributes.size();
-        QVERIFY(edit_step_attributes(kJob, "panel", {{".new", "1"}}));
-        QVERIFY(get_step_attributes(kJob, "panel", attributes));
-        QCOMPARE(attributes.size(), count + 1);
-        QCOMPARE(attributes[".new"], std::string("1"));
-        QCOMPARE(get_editop_count(kJob, "panel"), 2);  // datum and attributes
     }
 
     void hookReplacesAndRecords() {
@@ -425,66 +452,354 @@ private slots:
         QVERIFY(progress.get_value() < 100.0);
     }
 
-    void exportsWriteListings() {
+    void exportsNeedTheirFolder() {
         QTemporaryDir folder;
         QVERIFY(folder.isValid());
-        const QString path = folder.filePath("drill.txt");
-        QVERIFY(layer_export(kJob, "pcb", "drill", export_drill, path.toStdString(), nullptr));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
-        const QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
-        const size_t drills = features("pcb", "drill").size();
-        QVERIFY(lines.contains(QString("features %1").arg(drills)));
-        QVERIFY(lines.contains("format drill"));
-        QCOMPARE(lines.filter(QRegExp("^pad ")).size(), int(drills));
-        QCOMPARE(lines.filter("non_plated").size(), 4);
-
         QVERIFY(!layer_export(kJob, "pcb", "drill", export_drill,
                               folder.filePath("missing/dir/x.txt").toStdString(), nullptr));
         QVERIFY(Export_step(kJob, "panel", folder.filePath("panel").toStdString(), nullptr));
         QCOMPARE(QDir(folder.filePath("panel")).entryList(QDir::Files).size(), 14);  // one a layer
     }
 
-    void resultDatabase() {
-        // A database of its own: other test programs clear the shared one when they reset.
-        wctest::TemporaryWorkingDirectory working;
-        dms_signal_check_params params;
-        params.job = kJob;
-        params.step = "pcb";
-        params.scope = 2;
-        params.params.layers = "top;bottom";
-        params.tests = {sl_spacing, sl_smd};
-        signal_check_result_map result;
-        check_info hit;
-        hit.value = 1234;
-        result["top"][sli_line_width].red.push_back(hit);
+    void instanceBox_data() {
+        QTest::addColumn<int>("angle");
+        QTest::addColumn<bool>("mirror");
+        QTest::addColumn<QList<double>>("box");  // xmin, ymin, xmax, ymax
+        // Child box 0..2000 x 0..1500 placed at (100, 200); rotation is clockwise.
+        QTest::newRow("0") << 0 << false << QList<double>{100, 200, 2100, 1700};
+        QTest::newRow("90") << 90 << false << QList<double>{100, -1800, 1600, 200};
+        QTest::newRow("180") << 180 << false << QList<double>{-1900, -1300, 100, 200};
+        QTest::newRow("270") << 270 << false << QList<double>{-1400, 200, 100, 2200};
+        QTest::newRow("-90 is 270") << -90 << false << QList<double>{-1400, 200, 100, 2200};
+        QTest::newRow("450 is 90") << 450 << false << QList<double>{100, -1800, 1600, 200};
+        QTest::newRow("mirror") << 0 << true << QList<double>{-1900, 200, 100, 1700};
+        QTest::newRow("mirror 90") << 90 << true << QList<double>{100, 200, 1600, 2200};
+        QTest::newRow("mirror 180") << 180 << true << QList<double>{100, -1300, 2100, 200};
+        QTest::newRow("mirror 270") << 270 << true << QList<double>{-1400, -1800, 100, 200};
+        QTest::newRow("45") << 45 << false
+                            << QList<double>{100, 200 - 2000 * M_SQRT1_2, 100 + 3500 * M_SQRT1_2,
+                                             200 + 1500 * M_SQRT1_2};
+    }
+    void instanceBox() {
+        QFETCH(int, angle);
+        QFETCH(bool, mirror);
+        QFETCH(QList<double>, box);
+        wcref::RepeatInstance instance;
+        instance.position = {100, 200};
+        instance.angle = angle;
+        instance.mirror = mirror;
+        const reply_box b = wcref::instanceBox({0, 0, 2000, 1500}, instance);
+        const QList<double> actual{b.xmin, b.ymin, b.xmax, b.ymax};
+        for (int k = 0; k < 4; ++k)
+            QVERIFY2(std::abs(actual[k] - box[k]) < 1e-6, qPrintable(QString::number(k)));
+    }
 
-        const auto first = insertSignalLayerAnalysisResult(params, result);
-        params.step = "panel";
-        const auto second = insertSignalLayerAnalysisResult(params, {});
-        QVERIFY(first.success && second.success);
-        QVERIFY(first.id != second.id);
-        QCOMPARE(first.message, "stored as " + std::to_string(first.id));
+    void expansionOrder() {
+        step_repeat_op row;
+        row.x = 10;
+        row.y = 20;
+        row.dx = 100;
+        row.dy = -50;
+        row.nx = 3;
+        row.ny = 2;
+        step_repeat_op single;
+        single.nx = single.ny = 1;
+        const auto instances = wcref::expandRepeatRows({row, single});
+        QCOMPARE(instances.size(), size_t(7));
+        // The selection key of instance (i, j) is i + j * nx.
+        QCOMPARE(instances[4].index, 4);
+        QCOMPARE(instances[4].i, 1);
+        QCOMPARE(instances[4].j, 1);
+        QCOMPARE(instances[4].position.x, 110.0);
+        QCOMPARE(instances[4].position.y, -30.0);
+        QCOMPARE(instances[6].row, 1);
+        QCOMPARE(instances[6].index, 0);
+    }
 
-        dms_signal_check_params loaded;
-        signal_check_result_map loaded_result;
-        QVERIFY(getSignalLayerAnalysisResult(first.id, loaded, loaded_result));
-        QCOMPARE(loaded.step, std::string("pcb"));
-        QCOMPARE(loaded.scope, 2);
-        QCOMPARE(loaded.tests.size(), size_t(2));
-        QCOMPARE(loaded_result["top"][sli_line_width].red.at(0).value, 1234.0);
-        QVERIFY(!getSignalLayerAnalysisResult(second.id + 1, loaded, loaded_result));
+    void pointInPolygon_data() {
+        QTest::addColumn<double>("x");
+        QTest::addColumn<double>("y");
+        QTest::addColumn<bool>("inside");
+        // L shape: the square 0..10 without its upper right quarter 5..10 x 5..10.
+        QTest::newRow("inside lower arm") << 8.0 << 2.0 << true;
+        QTest::newRow("inside the notch") << 8.0 << 8.0 << false;
+        QTest::newRow("outside") << 12.0 << 2.0 << false;
+        QTest::newRow("on an outer edge") << 0.0 << 7.0 << true;
+        QTest::newRow("on the notch edge") << 7.0 << 5.0 << true;
+        QTest::newRow("on the inner vertex") << 5.0 << 5.0 << true;
+        QTest::newRow("level with a vertex, outside") << -1.0 << 5.0 << false;
+        QTest::newRow("level with a vertex, inside") << 2.0 << 5.0 << true;
+    }
+    void pointInPolygon() {
+        QFETCH(double, x);
+        QFETCH(double, y);
+        QFETCH(bool, inside);
+        const std::vector<point> shape = {{0, 0}, {10, 0}, {10, 5}, {5, 5}, {5, 10}, {0, 10}};
+        QCOMPARE(wcref::pointInPolygon({x, y}, shape), inside);
+    }
 
-        signal_check_result_map tq;
-        QVERIFY(getTqSignalLayerAnalysisResult("tq" + std::to_string(first.id), tq));
-        QCOMPARE(tq.size(), size_t(1));
-        for (const std::string& key : std::vector<std::string>{
-                 "tq", "tqx", std::to_string(first.id), "tq-1", "tq999", "tq99999999999999999999"})
-            QVERIFY2(!getTqSignalLayerAnalysisResult(key, tq), key.c_str());
+    void distance_data() {
+        QTest::addColumn<std::vector<point>>("first");
+        QTest::addColumn<std::vector<point>>("second");
+        QTest::addColumn<int>("distance");
+        QTest::addColumn<QList<double>>("points");  // x1, y1, x2, y2 when the pair is unique
+        const std::vector<point> unit = square(0, 0, 10, 10);
+        const std::vector<point> triangle{{25, 0}, {25, 10}, {15, 5}};
+        QTest::newRow("diagonal gap")
+            << unit << square(13, 14, 20, 20) << 5 << QList<double>{10, 10, 13, 14};
+        QTest::newRow("vertex towards edge")
+            << triangle << unit << 5 << QList<double>{15, 5, 10, 5};
+        QTest::newRow("side by side") << unit << square(20, 0, 30, 10) << 10 << QList<double>{};
+        QTest::newRow("truncated")
+            << unit << square(11, 11, 20, 20) << 1 << QList<double>{10, 10, 11, 11};
+        QTest::newRow("touching corner")
+            << unit << square(10, 10, 20, 20) << 0 << QList<double>{10, 10, 10, 10};
+        QTest::newRow("shared edge") << unit << square(10, 2, 20, 8) << 0 << QList<double>{};
+        QTest::newRow("overlapping") << unit << square(5, 5, 15, 15) << 0 << QList<double>{};
+        QTest::newRow("second inside first")
+            << unit << square(2, 2, 4, 4) << 0 << QList<double>{2, 2, 2, 2};
+        QTest::newRow("first inside second")
+            << square(2, 2, 4, 4) << unit << 0 << QList<double>{2, 2, 2, 2};
+        QTest::newRow("empty outline") << std::vector<point>{} << unit << -1 << QList<double>{};
+    }
+    void distance() {
+        QFETCH(std::vector<point>, first);
+        QFETCH(std::vector<point>, second);
+        QFETCH(int, distance);
+        QFETCH(QList<double>, points);
+        point a{-99, -99};
+        point b{-99, -99};
+        QCOMPARE(distance_of_polygon(first, second, a, b), distance);
+        if (distance >= 0)  // the points realise the distance, whatever pair was chosen
+            QCOMPARE(static_cast<int>(std::hypot(a.x - b.x, a.y - b.y)), distance);
+        const QList<double> actual{a.x, a.y, b.x, b.y};
+        for (int k = 0; k < points.size(); ++k)
+            QCOMPARE(actual[k], points[k]);
+    }
 
-        const auto master = getCheckResultMaster();
-        QCOMPARE(master.size(), size_t(2));
-        QCOMPARE(master.at(second.id).at(2), std::string("panel"));
+    void select_data() {
+        QTest::addColumn<std::vector<point>>("points");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QString>("selected");
+        // Sample panel, in mil: row 0 is 3 x 2 boards at x 500 + 2200 i, y 500 + 1700 j (each
+        // 2000 x 1500); row 1 is a column of two boards turned by 90, x 7200..8700, y 500..2500
+        // and 2700..4700.
+        using P = std::vector<point>;
+        QTest::newRow("pick first board") << P{mil(600, 600)} << 0 << "0:0";
+        QTest::newRow("pick middle upper") << P{mil(3000, 2300)} << 0 << "0:4";
+        QTest::newRow("pick rotated board") << P{mil(8000, 3000)} << 0 << "1:1";
+        QTest::newRow("pick on a board edge") << P{mil(2500, 2000)} << 0 << "0:0";
+        QTest::newRow("pick in a gap") << P{mil(2600, 600)} << 0 << "";
+        QTest::newRow("pick outside") << P{mil(9500, 100)} << 0 << "";
+        QTest::newRow("rectangle, two centres") << P{mil(0, 0), mil(5000, 2100)} << 1 << "0:0;0:1";
+        QTest::newRow("rectangle, corners reversed")
+            << P{mil(5000, 2100), mil(0, 0)} << 1 << "0:0;0:1";
+        QTest::newRow("rectangle, whole panel")
+            << P{mil(0, 0), mil(9000, 7000)} << 1 << "0:0;0:1;0:2;0:3;0:4;0:5;1:0;1:1";
+        QTest::newRow("rectangle, box only partly inside")
+            << P{mil(7000, 0), mil(9000, 1400)} << 1 << "";
+        QTest::newRow("rectangle, rotated centre")
+            << P{mil(7000, 0), mil(9000, 2600)} << 1 << "1:0";
+        QTest::newRow("polygon triangle")
+            << P{mil(0, 0), mil(9000, 0), mil(0, 7000)} << 1 << "0:0;0:1;0:2;0:3;0:4";
+    }
+    void select() {
+        QFETCH(std::vector<point>, points);
+        QFETCH(int, mode);
+        QFETCH(QString, selected);
+        std::vector<step_repeat_op> rows;
+        QVERIFY(select_step_repeat(kJob, "panel", rows, points, mode));
+        QCOMPARE(selectionText(rows), selected);
+        QCOMPARE(storedSelection(), selected);
+    }
+
+    void selectionAddsUpAndClears() {
+        std::vector<step_repeat_op> rows;
+        const int edits = get_editop_count(kJob, "panel");
+        QVERIFY(select_step_repeat(kJob, "panel", rows, {mil(600, 600)}, 0));
+        QVERIFY(select_step_repeat(kJob, "panel", rows, {mil(8000, 1000)}, 0));
+        QCOMPARE(storedSelection(), QString("0:0;1:0"));
+        QVERIFY(clear_select_step_repeat(kJob, "panel"));
+        QCOMPARE(storedSelection(), QString());
+        QCOMPARE(get_editop_count(kJob, "panel"), edits);  // selecting is no edit
+
+        QVERIFY(!select_step_repeat(kJob, "panel", rows, {}, 0));
+        QVERIFY(!select_step_repeat(kJob, "panel", rows, {mil(1, 1)}, 1));
+        QVERIFY(!select_step_repeat(kJob, "panel", rows, {mil(1, 1)}, 2));
+        QVERIFY(!select_step_repeat(kJob, "nosuch", rows, {mil(1, 1)}, 0));
+        QVERIFY(!clear_select_step_repeat(kJob, "nosuch"));
+    }
+
+    // A pick takes the last placed of overlapping instances; a stored selection keeps only
+    // indices the row has.
+    void overlapsAndForeignSelection() {
+        step_repeat_op first;
+        first.step_name = "pcb";
+        step_repeat_op second = first;
+        second.x = static_cast<int32_t>(1000 * kMil);
+        QVERIFY(set_step_repeat(kJob, "panel", {first, second}));
+        std::vector<step_repeat_op> rows;
+        QVERIFY(select_step_repeat(kJob, "panel", rows, {mil(1500, 700)}, 0));
+        QCOMPARE(selectionText(rows), QString("1:0"));
+        QVERIFY(select_step_repeat(kJob, "panel", rows, {mil(500, 700)}, 0));
+        QCOMPARE(selectionText(rows), QString("0:0;1:0"));
+
+        first.nx = first.ny = 2;
+        first.selection = {-1, 0, 3, 4};
+        QVERIFY(set_step_repeat(kJob, "panel", {first}));
+        QCOMPARE(storedSelection(), QString("0:0;0:3"));
+    }
+
+    void setRepeatValidation_data() {
+        QTest::addColumn<QString>("child");
+        QTest::addColumn<int>("nx");
+        QTest::addColumn<int>("ny");
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("valid") << "pcb" << 4 << 1 << true;
+        QTest::newRow("no columns") << "pcb" << 0 << 2 << false;
+        QTest::newRow("no rows") << "pcb" << 2 << 0 << false;
+        QTest::newRow("negative count") << "pcb" << -1 << 1 << false;
+        QTest::newRow("itself") << "panel" << 1 << 1 << false;
+        QTest::newRow("unknown step") << "nosuch" << 1 << 1 << false;
+        QTest::newRow("its parent") << "carrier" << 1 << 1 << false;
+        QTest::newRow("its grandparent") << "pallet" << 1 << 1 << false;
+        QTest::newRow("unrelated empty step") << "coupon" << 2 << 2 << true;
+    }
+    void setRepeatValidation() {
+        QFETCH(QString, child);
+        QFETCH(int, nx);
+        QFETCH(int, ny);
+        QFETCH(bool, accepted);
+        // pallet places carrier, which places panel.
+        for (const char* name : {"carrier", "pallet", "coupon"})
+            QVERIFY(create_step(kJob, name, 0));
+        step_repeat_op holds;
+        holds.step_name = "panel";
+        QVERIFY(set_step_repeat(kJob, "carrier", {holds}));
+        holds.step_name = "carrier";
+        QVERIFY(set_step_repeat(kJob, "pallet", {holds}));
+
+        std::vector<step_repeat_op> before;
+        QVERIFY(get_step_repeat(kJob, "panel", before));
+        const int edits = get_editop_count(kJob, "panel");
+        step_repeat_op row;
+        row.step_name = child.toStdString();
+        row.nx = nx;
+        row.ny = ny;
+        QCOMPARE(set_step_repeat(kJob, "panel", {row}), accepted);
+        std::vector<step_repeat_op> after;
+        QVERIFY(get_step_repeat(kJob, "panel", after));
+        QCOMPARE(after.size(), accepted ? size_t(1) : before.size());
+        QCOMPARE(get_editop_count(kJob, "panel"), edits + (accepted ? 1 : 0));
+    }
+
+    void filters_data() {
+        QTest::addColumn<QString>("expression");
+        QTest::addColumn<QString>("layers");
+        row("analysis default", ".type=signal|mixed&side=top|bottom&context=board", "top;bottom");
+        row("signal and mixed", ".type=signal|mixed&context=board", "top;l3;l4;bottom");
+        row("signal only", ".type=signal&context=board", "top;l3;bottom");
+        row("solder mask", ".type=solder_mask&context=board", "top_mask;bottom_mask");
+        row("misc context", ".context=misc", "doc;fab_notes");
+        row("negative", ".polarity=negative", "l2_gnd");
+        row("name prefix", ".name=l*", "l2_gnd;l3;l4;l5_pwr");
+        row("name alternatives and side", ".name=*_mask|*_silk&side=bottom",
+            "bottom_mask;bottom_silk");
+        row("name infix", ".name=*drill*", "drill;via_drill");
+        row("blanks around parts", "  . type = drill & side = none  ", "drill;via_drill");
+        row("values are case-sensitive", ".type=Signal", "");
+        row("terms all apply", ".type=signal&type=mixed", "");
+        row("exact name", ".name=top", "top");
+    }
+    void filters() {
+        QFETCH(QString, expression);
+        QFETCH(QString, layers);
+        const wcref::LayerExpression parsed = wcref::parseLayerExpression(expression.toStdString());
+        QVERIFY2(parsed.ok, parsed.error.c_str());
+        QVERIFY(parsed.is_filter);
+        std::vector<std::string> unknown;
+        QCOMPARE(joined(wcref::resolveLayerExpression(parsed, matrix(), &unknown)), layers);
+        QVERIFY(unknown.empty());
+        QCOMPARE(joined(viaService(expression)), layers);
+    }
+
+    void malformed_data() {
+        QTest::addColumn<QString>("expression");
+        QTest::addColumn<QString>("error");
+        row("point alone", ".", "no terms");
+        row("point and blanks", ".   ", "no terms");
+        row("missing equals", ".type", "has no '='");
+        row("empty value", ".type=", "empty value");
+        row("empty alternative", ".type=signal|", "empty value");
+        row("double ampersand", ".type=signal&&side=top", "term 2 is empty");
+        row("trailing ampersand", ".type=signal&", "term 2 is empty");
+        row("lone ampersand", ".&", "term 1 is empty");
+        row("unknown key", ".colour=red", "unknown key \"colour\"");
+        row("empty key", ".=signal", "unknown key \"\"");
+        row("two points", "..type=signal", "unknown key \".type\"");
+        row("double equals", ".type==signal", "more than one '='");
+    }
+    void malformed() {
+        QFETCH(QString, expression);
+        QFETCH(QString, error);
+        const wcref::LayerExpression parsed = wcref::parseLayerExpression(expression.toStdString());
+        QVERIFY(!parsed.ok);
+        QVERIFY2(QString::fromStdString(parsed.error).contains(error), parsed.error.c_str());
+        QVERIFY(wcref::resolveLayerExpression(parsed, matrix()).empty());
+        QVERIFY(viaService(expression).empty());
+    }
+
+    void nameLists_data() {
+        QTest::addColumn<QString>("expression");
+        QTest::addColumn<QString>("layers");
+        QTest::addColumn<QString>("unknown");
+        row("two names", "top;bottom", "top;bottom", "");
+        row("given order kept", "bottom;l3;top", "bottom;l3;top", "");
+        row("blanks and empty parts", " l3 ;; top ;", "l3;top", "");
+        row("unknown in the middle", "top;nosuch;bottom", "top;bottom", "nosuch");
+        row("repeated name once", "bottom;top;bottom", "bottom;top", "");
+        row("case matters", "TOP;top", "top", "TOP");
+        row("empty", "", "", "");
+        row("separators only", " ; ;; ", "", "");
+        row("point inside a name", "top;.type=signal", "top", ".type=signal");
+    }
+    void nameLists() {
+        QFETCH(QString, expression);
+        QFETCH(QString, layers);
+        QFETCH(QString, unknown);
+        const wcref::LayerExpression parsed = wcref::parseLayerExpression(expression.toStdString());
+        QVERIFY(parsed.ok);
+        QVERIFY(!parsed.is_filter);
+        std::vector<std::string> missing;
+        QCOMPARE(joined(wcref::resolveLayerExpression(parsed, matrix(), &missing)), layers);
+        QCOMPARE(joined(missing), unknown);
+        QCOMPARE(joined(viaService(expression)), layers);
+    }
+
+    void wildcards_data() {
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("matches");
+        QTest::newRow("star matches empty") << "*" << QString() << true;
+        QTest::newRow("two stars") << "a*b*c" << QString("aXbYc") << true;
+        QTest::newRow("anchored start") << "a*" << QString("ba") << false;
+        QTest::newRow("backtrack") << "*x" << QString("xx") << true;
+        QTest::newRow("empty pattern, empty text") << "" << QString() << true;
+        QTest::newRow("empty pattern") << "" << QString("a") << false;
+        QTest::newRow("star between") << "a*b" << QString("ab") << true;
+        QTest::newRow("double star") << "**" << QString("abc") << true;
+        QTest::newRow("anchored end") << "a*c" << QString("abcbd") << false;
+    }
+    void wildcards() {
+        QFETCH(QString, pattern);
+        QFETCH(QString, text);
+        QFETCH(bool, matches);
+        QCOMPARE(wcref::wildcardMatch(pattern.toStdString(), text.toStdString()), matches);
+    }
+
+    void unknownJobGivesNothing() {
+        QVERIFY(Korvo::UIAPI::getAnalyzeAndDFMLayers("no_such_job", "top;bottom").empty());
+        QVERIFY(Korvo::UIAPI::getAnalyzeAndDFMLayers("no_such_job", ".type=signal").empty());
     }
 };
 

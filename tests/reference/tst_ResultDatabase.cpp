@@ -117,8 +117,8 @@ private slots:
         QVERIFY(getTqSignalLayerAnalysisResult("tq" + std::to_string(first.id), tq));
         QCOMPARE(tq.size(), size_t(2));
         for (const std::string& key :
-             {std::string("tq"), std::string("tq-1"), std::to_string(first.id),
-              "tq" + std::to_string(second.id + 1)})
+             {std::string("tq"), std::string("tq-1"), std::string("tqx"), std::to_string(first.id),
+              "tq" + std::to_string(second.id + 1), std::string("tq99999999999999999999")})
             QVERIFY2(!getTqSignalLayerAnalysisResult(key, tq), key.c_str());
         QVERIFY(!getSignalLayerAnalysisResult(second.id + 1, loaded, loaded_result));
 

@@ -273,9 +273,9 @@ private slots:
             input.drills = {holes};
         }
         const auto test_item = static_cast<signal_layers_checks_list>(test);
-        const std::vector<check_info> hits = allHits(check(input, test_item, value * kMil + 1));
-        QCOMPARE(int(hits.size()), 1);
         const SignalResult result = check(input, test_item, value * kMil + 1);
+        const std::vector<check_info> hits = allHits(result);
+        QCOMPARE(int(hits.size()), 1);
         QCOMPARE(result.begin()->first, item);
         QVERIFY2(std::abs(hits[0].value - value * kMil) < 0.05,
                  qPrintable(QString::number(hits[0].value)));

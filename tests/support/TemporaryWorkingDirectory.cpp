@@ -1,6 +1,8 @@
 #include "TemporaryWorkingDirectory.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 #include "HostSettings.h"
 
@@ -16,6 +18,17 @@ TemporaryWorkingDirectory::TemporaryWorkingDirectory() : previous_(QDir::current
 TemporaryWorkingDirectory::~TemporaryWorkingDirectory() {
     QDir::setCurrent(previous_);
     wcref::setApplicationDir(QString());
+}
+
+QByteArray readFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeFile(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 }  // namespace wctest

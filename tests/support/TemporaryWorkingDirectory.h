@@ -2,6 +2,7 @@
 // A fresh working directory (and application directory of the reference services) for one
 // test, so that "./ERFconfig/" and configuration files never touch the source tree.
 
+#include <QByteArray>
 #include <QString>
 #include <QTemporaryDir>
 
@@ -23,5 +24,10 @@ private:
     QTemporaryDir dir_;
     QString previous_;
 };
+
+// The whole file; empty when it cannot be read.
+QByteArray readFile(const QString& path);
+// Writes `bytes` to `path`, making its folders first.
+bool writeFile(const QString& path, const QByteArray& bytes);
 
 }  // namespace wctest
