@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "DataColumns.h"
 #include "DataRows.h"
 #include "UnitScope.h"
 #include "analysis/HitNavigator.h"
@@ -61,12 +62,8 @@ private slots:
 };
 
 void tst_ResultsModel::countsAreCumulative_data() {
-    QTest::addColumn<int>("red");
-    QTest::addColumn<int>("yellow");
-    QTest::addColumn<int>("green");
-    QTest::addColumn<int>("other");
-    QTest::addColumn<int>("severity");
-    QTest::addColumn<int>("expected");
+    wctest::columns<int, int, int, int, int, int>("red", "yellow", "green", "other", "severity",
+                                                  "expected");
     row("all yellow at !!", 0, 5, 0, 0, int(wc::SevRed), 0);
     row("all yellow at !", 0, 5, 0, 0, int(wc::SevYellow), 5);
     row("red and yellow at !", 2, 5, 7, 11, int(wc::SevYellow), 7);
@@ -164,9 +161,7 @@ void tst_ResultsModel::modelKeepsSharedResultAlive() {
 }
 
 void tst_ResultsModel::navigationStaysInBounds_data() {
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<int>("index");
+    wctest::columns<int, QString, int>("count", "steps", "index");
     row("empty sequence", 0, ">>L", 0);
     row("next at the end stays", 3, ">>>>", 3);
     row("previous at the start stays", 3, "<<", 1);
@@ -206,9 +201,7 @@ void tst_ResultsModel::navigationStaysInBounds() {
 }
 
 void tst_ResultsModel::valueTextsFollowTheModeAndUnit_data() {
-    QTest::addColumn<int>("style");
-    QTest::addColumn<int>("unit");
-    QTest::addColumn<QString>("text");
+    wctest::columns<int, int, QString>("style", "unit", "text");
     row("length in mil", int(wc::ValueStyle::Length), 0, "3.500 mil");
     row("length in mm", int(wc::ValueStyle::Length), 1, "0.089 mm");
     row("MRC difference", int(wc::ValueStyle::Difference), 0, "Difference: 3.500 mil");

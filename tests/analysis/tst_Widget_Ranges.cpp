@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "DataColumns.h"
 #include "DataRows.h"
 #include "Korvo_UIAPI.h"
 #include "TemporaryWorkingDirectory.h"
@@ -70,16 +71,14 @@ void tst_Widget_Ranges::emptyRecordListShowsOnlyClose() {
     QVERIFY(ranges.findChildren<QLabel*>().isEmpty());
     auto* close = ranges.findChild<QPushButton*>("m_pClosePB");
     QVERIFY(close != nullptr);
-    QCOMPARE(close->text(), QString("Close"));
+    QCOMPARE(close->text(), "Close");
     ranges.show();
     QTest::mouseClick(close, Qt::LeftButton);
     QVERIFY(!ranges.isVisible());
 }
 
 void tst_Widget_Ranges::disabledRowsOnlyWhereListed_data() {
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<int>("records");
-    QTest::addColumn<QList<int>>("disabled");
+    wctest::columns<QString, int, QList<int>>("key", "records", "disabled");
     row("drill, more records than listed", "DrillRanges", 40,
         QList<int>{5, 6, 7, 8, 14, 15, 16, 17, 18, 19, 20, 21, 23, 24});
     row("silk screen", "SilkScreenRanges", 28, QList<int>{19, 20, 21, 25, 26});
@@ -143,17 +142,14 @@ void tst_Widget_Ranges::emptiedFieldReadsZeroOnMousePress() {
     const QString untouched_text = untouched->text();
 
     QTest::mousePress(&ranges, Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
-    QCOMPARE(yellow->text(), QString("0.000"));
+    QCOMPARE(yellow->text(), "0.000");
     QVERIFY(!yellow->hasFocus());
     QCOMPARE(untouched->text(), untouched_text);
 }
 
 void tst_Widget_Ranges::valuesInBothUnits_data() {
-    QTest::addColumn<int>("unit");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<double>("committed");
-    QTest::addColumn<QString>("afterChange");
+    wctest::columns<int, QString, QString, double, QString>("unit", "shown", "typed", "committed",
+                                                            "afterChange");
     row("mil", 0, "3.000", "4", 101600.0, "0.102");
     row("mm", 1, "0.076", "0.1", 100000.0, "3.937");
 }

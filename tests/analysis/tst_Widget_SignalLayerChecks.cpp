@@ -15,7 +15,9 @@
 
 #include "CheckListService.h"
 #include "Common.h"
+#include "DataColumns.h"
 #include "DataRows.h"
+#include "FindChild.h"
 #include "MessageBoxAnswerer.h"
 #include "ReferenceEngine.h"
 #include "SampleJobScene.h"
@@ -34,14 +36,7 @@ namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
 
-template <typename T = QWidget>
-T* child(QWidget& dialog, const QString& name) {
-    T* found = dialog.findChild<T*>(name);
-    if (found == nullptr) {
-        qFatal("no child %s", qPrintable(name));
-    }
-    return found;
-}
+using wctest::child;
 
 QPushButton* button(QWidget& dialog, const char* name) {
     return child<QPushButton>(dialog, QString::fromLatin1(name));
@@ -51,32 +46,41 @@ QString text(QWidget& dialog, const char* label) {
     return child<QLabel>(dialog, QString::fromLatin1(label))->text();
 }
 
-// What the engine was asked, layer by layer (the hook runs on the worker).
+// What the engine was asked, layer by layer (the hook runs on the worker). While `hold` is set a
+// call works on until its run is stopped or `hold` is cleared.
 struct EngineSpy {
     std::mutex lock;
     std::vector<std::string> layers;
     std::vector<int> scopes;
     std::vector<signal_check_params> params;
-    std::vector<std::vector<signal_layers_checks_list>> tests;
     size_t ranges = 0;
+    std::atomic<bool> hold{false};
     // Hits each layer returns.
     std::map<signal_layers_checks_items, signal_check_result> answer;
 
     auto hook() {
         return [this](const std::string&, const std::string&, const std::string& layer,
-                      signal_check_params p, std::vector<signal_layers_checks_list> t,
+                      signal_check_params p, std::vector<signal_layers_checks_list>,
                       std::map<signal_layers_checks_items, signal_check_range> r,
                       std::map<signal_layers_checks_items, signal_check_result>& result,
-                      Korvo::COMMON::progress_value<signal_check_result_map>*, int scope) {
-            std::lock_guard<std::mutex> guard(lock);
-            layers.push_back(layer);
-            scopes.push_back(scope);
-            params.push_back(p);
-            tests.push_back(t);
-            ranges = r.size();
+                      Korvo::COMMON::progress_value<signal_check_result_map>* progress, int scope) {
+            {
+                std::lock_guard<std::mutex> guard(lock);
+                layers.push_back(layer);
+                scopes.push_back(scope);
+                params.push_back(p);
+                ranges = r.size();
+            }
             result = answer;
+            while (hold && (progress == nullptr || !progress->is_stop_requested())) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            }
             return true;
         };
+    }
+    int calls() {
+        std::lock_guard<std::mutex> guard(lock);
+        return int(layers.size());
     }
 };
 
@@ -88,7 +92,7 @@ signal_check_result withHits(int red, int yellow, int green) {
     return result;
 }
 
-wc::SignalCheckForm formWithTests(std::initializer_list<int> checked) {
+wc::SignalCheckForm formWithTests(const QList<int>& checked) {
     wc::SignalCheckForm form;
     form.layers = QStringLiteral("top;bottom");
     form.distances = {"10", "25", "14", "10", "5"};
@@ -121,10 +125,7 @@ private slots:
     void parameterString() {
         QFETCH(QList<int>, tests);
         QFETCH(QString, pp_tests);
-        wc::SignalCheckForm form = formWithTests({});
-        for (int test : tests) {
-            form.tests[static_cast<size_t>(test)] = true;
-        }
+        wc::SignalCheckForm form = formWithTests(tests);
         form.apply_to = 1;
         form.compensated_rout = 2;
         QCOMPARE(wc::signalLayerParams(form),
@@ -136,9 +137,7 @@ private slots:
     }
 
     void recordInBothUnits_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("spacing");
-        QTest::addColumn<double>("spacing_nm");
+        wctest::columns<int, QString, double>("unit", "spacing", "spacing_nm");
         row("mil", 0, "10", 254000.0);
         row("mm", 1, "0.254", 254000.0);
     }
@@ -184,11 +183,7 @@ private slots:
     }
 
     void summary_data() {
-        QTest::addColumn<int>("red");
-        QTest::addColumn<int>("yellow");
-        QTest::addColumn<int>("green");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("style");
+        wctest::columns<int, int, int, QString, QString>("red", "yellow", "green", "text", "style");
         row("red wins", 1, 3, 2, "!!", "QLabel{background:red;}");
         row("yellow", 0, 2, 5, "!", "QLabel{background:yellow;}");
         row("only green", 0, 0, 1, "", "QLabel{background:green;}");
@@ -246,10 +241,8 @@ private slots:
     }
 
     void scopeReachingTheEngine_data() {
-        QTest::addColumn<QStringList>("presses");
-        QTest::addColumn<bool>("selected");
-        QTest::addColumn<QList<int>>("scopes");
-        QTest::addColumn<int>("remembered");
+        wctest::columns<QStringList, bool, QList<int>, int>("presses", "selected", "scopes",
+                                                            "remembered");
         row("global after screen", QStringList{"RunScreen", "RunGlobally"}, false, QList<int>{1, 0},
             0);
         row("selected, global", QStringList{"RunGlobally"}, true, QList<int>{3}, 3);
@@ -282,11 +275,8 @@ private slots:
     }
 
     void layersAndEmptyFields_data() {
-        QTest::addColumn<QString>("layers");
-        QTest::addColumn<QString>("spacing");
-        QTest::addColumn<QStringList>("boxes");
-        QTest::addColumn<QString>("status");
-        QTest::addColumn<int>("engine_calls");
+        wctest::columns<QString, QString, QStringList, QString, int>("layers", "spacing", "boxes",
+                                                                     "status", "engine_calls");
         row("missing one", "top;nosuch;bottom", "10",
             QStringList{"WARNING!|nosuch is not exists !"}, "2 layers were processed", 2);
         row("only missing", "nosuch", "10", QStringList{"WARNING!|nosuch is not exists !"},
@@ -321,21 +311,10 @@ private slots:
 
     void stopBetweenLayers() {
         // The first layer's worker waits until the user has stopped the run.
-        std::atomic<int> calls{0};
-        wctest::ScopedEngineHook hook(
-            &wcref::EngineHooks::signal_layers_checks,
-            [&calls](const std::string&, const std::string&, const std::string&,
-                     signal_check_params, std::vector<signal_layers_checks_list>,
-                     std::map<signal_layers_checks_items, signal_check_range>,
-                     std::map<signal_layers_checks_items, signal_check_result>& result,
-                     Korvo::COMMON::progress_value<signal_check_result_map>* progress, int) {
-                ++calls;
-                result[sli_line_width] = withHits(1, 0, 0);
-                while (!progress->is_stop_requested()) {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-                }
-                return true;
-            });
+        EngineSpy spy;
+        spy.answer[sli_line_width] = withHits(1, 0, 0);
+        spy.hold = true;
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;bottom");
         QTimer stopper;
@@ -348,7 +327,7 @@ private slots:
         });
         stopper.start(5);
         dialog.on_RunGlobally_clicked();
-        QCOMPARE(calls.load(), 1);
+        QCOMPARE(spy.calls(), 1);
         QCOMPARE(text(dialog, "label_Status"), "SignalLayer check terminated");
         QCOMPARE(button(dialog, "pushButton_View")->styleSheet(),
                  "QPushButton{background-image:url(:/Widget_Common/Resources/viewred.jpg)}");
@@ -522,21 +501,7 @@ private slots:
         QCOMPARE(text(dialog, "label_Summary"), QString());
 
         // A second check while one is under way is refused.
-        std::atomic<bool> release{false};
-        std::atomic<bool> entered{false};
-        wctest::ScopedEngineHook slow(
-            &wcref::EngineHooks::signal_layers_checks,
-            [&](const std::string&, const std::string&, const std::string&, signal_check_params,
-                std::vector<signal_layers_checks_list>,
-                std::map<signal_layers_checks_items, signal_check_range>,
-                std::map<signal_layers_checks_items, signal_check_result>&,
-                Korvo::COMMON::progress_value<signal_check_result_map>*, int) {
-                entered = true;
-                while (!release) {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-                }
-                return true;
-            });
+        spy.hold = true;
         std::thread first([] {
             Korvo::CheckList::signal_check_request request;
             request.job = kJob;
@@ -545,11 +510,11 @@ private slots:
             signal_check_result_map result;
             Korvo::CheckList::runSignalLayerCheckList(request, result, nullptr);
         });
-        while (!entered) {
+        while (spy.calls() < 3) {
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
         dialog.on_RunGlobally_clicked();
-        release = true;
+        spy.hold = false;
         first.join();
         QCOMPARE(text(dialog, "label_Status"), "the service is busy");
         QCOMPARE(dialog.result().size(), size_t(2));  // the earlier result stays
