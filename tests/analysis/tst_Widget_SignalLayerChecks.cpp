@@ -111,8 +111,6 @@ private slots:
     void init() { QVERIFY(scene_.open()); }
     void cleanup() { QVERIFY(scene_.close()); }
 
-    // ---- without a window --------------------------------------------------------------------
-
     void parameterString_data() {
         QTest::addColumn<QList<int>>("tests");
         QTest::addColumn<QString>("pp_tests");
@@ -210,8 +208,6 @@ private slots:
         QCOMPARE(button(dialog, "pushButton_View")->styleSheet(),
                  "QPushButton{background-image:url(:/Widget_Common/Resources/viewgreen.jpg)}");
     }
-
-    // ---- the dialog --------------------------------------------------------------------------
 
     void windowAsTheHostExpects() {
         wctest::UnitScope scope(scene_.host(), 0);
