@@ -98,8 +98,6 @@ private slots:
     void init() { QVERIFY(scene_.open()); }
     void cleanup() { QVERIFY(scene_.close()); }
 
-    // ---- without a window --------------------------------------------------------------------
-
     void tableToMap_data() {
         wctest::columns<int, wc::RangeRows, Entries>("unit", "rows", "entries");
         using Rows = wc::RangeRows;
@@ -121,8 +119,6 @@ private slots:
         }
         QCOMPARE(wc::rangeTableMap(rows, scene_.host()), expected);
     }
-
-    // ---- the record ---------------------------------------------------------------------------
 
     void everyFieldInItsMember() {
         wctest::UnitScope scope(scene_.host(), 0);
@@ -201,8 +197,6 @@ private slots:
         }
         QVERIFY(spy.last().gas_ranges.empty());
     }
-
-    // ---- checks before the run ----------------------------------------------------------------
 
     void checksBeforeTheRun_data() {
         QTest::addColumn<int>("unit");
@@ -294,8 +288,6 @@ private slots:
         QVERIFY(!dialog.hasResults());
     }
 
-    // ---- the run ------------------------------------------------------------------------------
-
     // However the run ends (stopped, the engine failing or throwing), the host is told twice and
     // a worker's exception is logged, not shown; what the engine produced is shown unless it threw.
     void runEnds_data() {
@@ -336,8 +328,6 @@ private slots:
         QCOMPARE(viewer->mode(), 8);
         QCOMPARE(dialog.result().at(smo_bridge_removed).size(), size_t(2));
     }
-
-    // ---- parameter sets and units -------------------------------------------------------------
 
     void parameterSetRoundTrip() {
         wctest::UnitScope scope(scene_.host(), 0);
