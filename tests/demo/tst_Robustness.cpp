@@ -19,6 +19,7 @@
 #include <thread>
 #include <type_traits>
 
+#include "DataColumns.h"
 #include "DialogCatalogue.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
@@ -99,8 +100,7 @@ auto faulty(Fault fault, std::shared_ptr<std::atomic<int>> calls) {
     };
 }
 
-// Puts the faulty operation in place of the one `menu`'s dialog runs; false for a dialog that
-// runs none.
+// Puts the faulty operation in place of the one a dialog runs.
 using Installer = std::function<void(Fault, std::shared_ptr<std::atomic<int>>)>;
 
 template <typename Hook>
@@ -140,6 +140,7 @@ bool isProgressShown() {
 }  // namespace
 
 Q_DECLARE_METATYPE(Fault)
+Q_DECLARE_METATYPE(Installer)
 
 class tst_Robustness : public QObject {
     Q_OBJECT
@@ -162,18 +163,20 @@ private slots:
     // exception, the run's end shown, the host told of the change where the dialog tells it,
     // and the dialog usable for a normal run afterwards.
     void faultInjection_data() {
-        QTest::addColumn<QString>("menu");
-        QTest::addColumn<Fault>("fault");
-        QTest::addColumn<bool>("notifies");
+        wctest::columns<QString, Installer, Fault, bool>("menu", "install", "fault", "notifies");
         struct Dialog {
             const char* menu;
+            Installer install;
             bool notifies;
         };
-        const Dialog dialogs[] = {{"Signal Layer Checks...", false},
-                                  {"Signal Layer Optimization...", true},
-                                  {"Solder Mask Optimization...", true},
-                                  {"Advanced Teardrop Creation...", true},
-                                  {"NFP Removal...", true}};
+        const Dialog dialogs[] = {
+            {"Signal Layer Checks...", install(&wcref::EngineHooks::signal_layers_checks), false},
+            {"Signal Layer Optimization...", install(&wcref::EngineHooks::signal_layer_DFM_op),
+             true},
+            {"Solder Mask Optimization...", install(&wcref::EngineHooks::solder_mask_DFM_op), true},
+            {"Advanced Teardrop Creation...", install(&wcref::EngineHooks::teardrop_create_DFM_op),
+             true},
+            {"NFP Removal...", install(&wcref::EngineHooks::NFP_removal_DFM_op), true}};
         const std::pair<const char*, Fault> faults[] = {
             {"returns false", Fault::ReturnsFalse},
             {"throws a text", Fault::ThrowsText},
@@ -185,20 +188,21 @@ private slots:
         for (const Dialog& dialog : dialogs) {
             for (const auto& fault : faults) {
                 const QByteArray tag = QByteArray(dialog.menu) + " " + fault.first;
-                QTest::newRow(tag.constData())
-                    << QString::fromLatin1(dialog.menu) << fault.second << dialog.notifies;
+                QTest::newRow(tag.constData()) << QString::fromLatin1(dialog.menu) << dialog.install
+                                               << fault.second << dialog.notifies;
             }
         }
     }
     void faultInjection() {
         QFETCH(QString, menu);
+        QFETCH(Installer, install);
         QFETCH(Fault, fault);
         QFETCH(bool, notifies);
         const demo::DialogEntry& entry = entryNamed(menu);
         QPointer<QWidget> dialog = entry.create(context_);
         dialog->show();
         auto calls = std::make_shared<std::atomic<int>>(0);
-        installers().at(menu)(fault, calls);
+        install(fault, calls);
 
         QTimer interferer;
         QObject::connect(&interferer, &QTimer::timeout, [&] {
@@ -241,7 +245,7 @@ private slots:
         // Usable afterwards: the next run reaches the engine again and ends.
         dialog->show();
         wcref::engineHooks() = wcref::EngineHooks();
-        installers().at(menu)(Fault::ReturnsFalse, calls);
+        install(Fault::ReturnsFalse, calls);
         const int before = *calls;
         entry.apply(dialog.data());
         QVERIFY(*calls > before);
@@ -347,17 +351,6 @@ private slots:
     }
 
 private:
-    static const std::map<QString, Installer>& installers() {
-        static const std::map<QString, Installer> map = {
-            {"Signal Layer Checks...", install(&wcref::EngineHooks::signal_layers_checks)},
-            {"Signal Layer Optimization...", install(&wcref::EngineHooks::signal_layer_DFM_op)},
-            {"Solder Mask Optimization...", install(&wcref::EngineHooks::solder_mask_DFM_op)},
-            {"Advanced Teardrop Creation...", install(&wcref::EngineHooks::teardrop_create_DFM_op)},
-            {"NFP Removal...", install(&wcref::EngineHooks::NFP_removal_DFM_op)},
-        };
-        return map;
-    }
-
     wctest::SampleJobScene scene_;
     demo::DemoContext context_;
 };
