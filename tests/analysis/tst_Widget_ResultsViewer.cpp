@@ -1,6 +1,5 @@
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -18,7 +17,6 @@
 #include "LogCapture.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginBus.h"
-#include "PluginSpy.h"
 #include "ScopedEngineHook.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "analysis_drawing_data.h"

@@ -27,7 +27,6 @@
 #include "analysis/SignalCheckForm.h"
 #include "analysis/Widget_SignalLayerChecks.h"
 #include "common_cache.h"
-#include "frame/BackgroundRun.h"
 
 using namespace Korvo::API;
 using wctest::row;

@@ -4,7 +4,6 @@
 
 #include <QImage>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <cmath>

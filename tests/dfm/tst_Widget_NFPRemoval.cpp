@@ -1,6 +1,4 @@
-#include <QCheckBox>
 #include <QLineEdit>
-#include <QRadioButton>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -12,7 +10,6 @@
 #include "SampleJobScene.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_NFPRemoval.h"
-#include "frame/BackgroundRun.h"
 
 using namespace Korvo::API;
 using dfmtest::child;
