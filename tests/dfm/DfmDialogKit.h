@@ -7,6 +7,7 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTimer>
 #include <QtTest>
 
@@ -97,13 +98,16 @@ private:
     Hook previous_;
 };
 
-// "Save As" as the user meets it: the name dialog, then OK.
+// "Save As" as the user meets it: the name dialog, then OK; the dialog names the new set once.
 template <typename Dialog>
 void saveAs(Dialog& dialog, const QString& name) {
+    QSignalSpy named(&dialog, &Dialog::send_Sel_Template_Name);
     dialog.on_m_pSaveAsPB_clicked();
     auto* ask = child<QInputDialog>(dialog, QStringLiteral("templateNameDialog"));
     ask->setTextValue(name);
     ask->accept();
+    QCOMPARE(named.count(), 1);
+    QCOMPARE(named.at(0).at(0).toString(), name);
 }
 
 // Layer names as the tests write them, "top;bottom".
