@@ -19,11 +19,11 @@
 #include "DataRows.h"
 #include "FindChild.h"
 #include "MessageBoxAnswerer.h"
+#include "ProgressWindows.h"
 #include "ReferenceEngine.h"
 #include "SampleJobScene.h"
 #include "ScopedEngineHook.h"
 #include "UnitScope.h"
-#include "ZeProgressDialog.h"
 #include "analysis/SignalCheckForm.h"
 #include "analysis/Widget_SignalLayerChecks.h"
 #include "common_cache.h"
@@ -45,9 +45,10 @@ QString text(QWidget& dialog, const char* label) {
     return child<QLabel>(dialog, QString::fromLatin1(label))->text();
 }
 
-// What the engine was asked, layer by layer (the hook runs on the worker). While `hold` is set a
-// call works on until its run is stopped or `hold` is cleared.
+// What the engine's check was asked while the spy lives, layer by layer (on the worker). While
+// `hold` is set a call works on until its run is stopped or `hold` is cleared.
 struct EngineSpy {
+    using Hook = decltype(wcref::EngineHooks::signal_layers_checks);
     std::mutex lock;
     std::vector<std::string> layers;
     std::vector<int> scopes;
@@ -57,7 +58,7 @@ struct EngineSpy {
     // Hits each layer returns.
     std::map<signal_layers_checks_items, signal_check_result> answer;
 
-    auto hook() {
+    Hook hook() {
         return [this](const std::string&, const std::string&, const std::string& layer,
                       signal_check_params p, std::vector<signal_layers_checks_list>,
                       std::map<signal_layers_checks_items, signal_check_range> r,
@@ -81,6 +82,8 @@ struct EngineSpy {
         std::lock_guard<std::mutex> guard(lock);
         return int(layers.size());
     }
+    // In place of the engine's check while the spy lives.
+    wctest::ScopedEngineHook<Hook> installed{&wcref::EngineHooks::signal_layers_checks, hook()};
 };
 
 signal_check_result withHits(int red, int yellow, int green) {
@@ -196,7 +199,6 @@ private slots:
         EngineSpy spy;
         spy.answer[sli_line_width] = withHits(0, 0, 0);
         spy.answer[sli_pad_size] = withHits(red, yellow, green);
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         auto* summary = child<QLabel>(dialog, "label_Summary");
         summary->setText("before");
@@ -250,7 +252,6 @@ private slots:
         QFETCH(QList<int>, scopes);
         QFETCH(int, remembered);
         EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top");
         child<QRadioButton>(dialog,
@@ -288,7 +289,6 @@ private slots:
         QFETCH(QString, status);
         QFETCH(int, engine_calls);
         EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         wctest::MessageBoxAnswerer answerer;
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
@@ -309,18 +309,9 @@ private slots:
         EngineSpy spy;
         spy.answer[sli_line_width] = withHits(1, 0, 0);
         spy.hold = true;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;bottom");
-        QTimer stopper;
-        QObject::connect(&stopper, &QTimer::timeout, [] {
-            for (QWidget* widget : QApplication::topLevelWidgets()) {
-                if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
-                    window->requestStop();
-                }
-            }
-        });
-        stopper.start(5);
+        wctest::Stopper stopper(dialog);
         dialog.on_RunGlobally_clicked();
         QCOMPARE(spy.calls(), 1);
         QCOMPARE(text(dialog, "label_Status"), "SignalLayer check terminated");
@@ -422,7 +413,6 @@ private slots:
     void databaseRoundTripDropsSkeleton() {
         EngineSpy spy;
         spy.answer[sli_pad_size] = withHits(0, 2, 0);
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         wctest::UnitScope scope(scene_.host(), 1);
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.on_db_connected(true);
@@ -486,7 +476,6 @@ private slots:
     void serviceRunsTheCheckOrIsBusy() {
         EngineSpy spy;
         spy.answer[sli_smd_pitch] = withHits(0, 0, 1);
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Service);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
         child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->setChecked(true);

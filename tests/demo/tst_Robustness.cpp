@@ -23,10 +23,10 @@
 #include "DialogCatalogue.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
+#include "ProgressWindows.h"
 #include "ReferenceEngine.h"
 #include "SampleJobScene.h"
 #include "UnitScope.h"
-#include "ZeProgressDialog.h"
 #include "frame/BackgroundRun.h"
 #include "progress_value.h"
 
@@ -120,23 +120,6 @@ const demo::DialogEntry& entryNamed(const QString& menu) {
     return demo::dialogCatalogue().front();
 }
 
-void stopProgressWindows() {
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
-            window->requestStop();
-        }
-    }
-}
-
-bool isProgressShown() {
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (qobject_cast<ZeProgressDialog*>(widget) != nullptr && widget->isVisible()) {
-            return true;
-        }
-    }
-    return false;
-}
-
 }  // namespace
 
 Q_DECLARE_METATYPE(Fault)
@@ -206,20 +189,20 @@ private slots:
 
         QTimer interferer;
         QObject::connect(&interferer, &QTimer::timeout, [&] {
-            if (!isProgressShown()) {
+            if (!wctest::isProgressShown()) {
                 return;
             }
             if (fault == Fault::DialogDestroyed && !dialog.isNull()) {
                 delete dialog.data();
             } else if (fault == Fault::PartialAfterStop) {
-                stopProgressWindows();
+                wctest::stopProgressWindows();
             } else if (fault == Fault::ReenteredDuringRun && !dialog.isNull()) {
                 // What a host may do while the progress window keeps the user out.
                 interferer.stop();
                 entry.changeUnit(dialog);
                 entry.changeLanguage(dialog);
                 dialog->close();
-                stopProgressWindows();
+                wctest::stopProgressWindows();
             }
         });
         interferer.start(5);
@@ -237,7 +220,7 @@ private slots:
             return;
         }
         QVERIFY(*calls > 0);
-        QVERIFY(!isProgressShown());
+        QVERIFY(!wctest::isProgressShown());
         if (notifies) {
             QCOMPARE(messages.withCode(20002401).size(), 1);
             QCOMPARE(messages.withCode(20002400).size(), 1);
@@ -270,7 +253,7 @@ private slots:
         dialog->show();
         wctest::MessageBoxAnswerer boxes;
         QTimer stopper;  // runs started by the monkey are stopped at once now and then
-        QObject::connect(&stopper, &QTimer::timeout, [] { stopProgressWindows(); });
+        QObject::connect(&stopper, &QTimer::timeout, [] { wctest::stopProgressWindows(); });
         QRandomGenerator random(quint32(20261123 + index));
         const QStringList texts = {
             "",        "0", "12.5", "-5",  "1e308", "abc", "中文", "99999999999999999999",
@@ -342,7 +325,7 @@ private slots:
             QCoreApplication::processEvents();
         }
         stopper.stop();
-        QVERIFY(!isProgressShown());
+        QVERIFY(!wctest::isProgressShown());
         QVERIFY(!dialog.isNull());
         qInfo("%s: %d of %d steps acted", qPrintable(entry.menu), acted, steps);
         // Most steps must reach a widget, or the monkey proves nothing.

@@ -1,14 +1,11 @@
 #pragma once
-// What the tests of the optimisation dialogs share: finding children, an engine operation that
-// records what it was given, saving a parameter set, stopping a run from the progress window as
-// the user does, and what the notifications after a run must be.
+// What the tests of the optimisation dialogs share: an engine operation that records what it was
+// given, saving a parameter set, and what the notifications after a run must be.
 
-#include <QApplication>
 #include <QInputDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTimer>
 #include <QtTest>
 
 #include <chrono>
@@ -21,13 +18,14 @@
 
 #include "FindChild.h"
 #include "PluginSpy.h"
+#include "ProgressWindows.h"
 #include "ReferenceEngine.h"
-#include "ZeProgressDialog.h"
 #include "progress_value.h"
 
 namespace dfmtest {
 
 using wctest::child;
+using wctest::Stopper;
 
 inline const QString kGreen =
     QStringLiteral("QPushButton{background-image:url(:/Widget_Common/Resources/viewgreen.jpg)}");
@@ -118,36 +116,6 @@ inline QString joined(const std::vector<std::string>& names) {
     }
     return list.join(';');
 }
-
-// Presses stop in the progress window as soon as it shows (when `active`), then notes what the
-// dialog shows (status text and view button) while the engine is still winding down.
-class Stopper {
-public:
-    explicit Stopper(QWidget& dialog, bool active = true) : dialog_(dialog) {
-        QObject::connect(&timer_, &QTimer::timeout, [this] {
-            for (QWidget* widget : QApplication::topLevelWidgets()) {
-                if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
-                    window->requestStop();
-                    stopped_ = true;
-                }
-            }
-            if (stopped_) {
-                seen_.append(labelText(dialog_, "label_Status") + "|" + viewStyle(dialog_));
-            }
-        });
-        if (active) {
-            timer_.start(5);
-        }
-    }
-    // What was shown after the stop, in order.
-    const QStringList& seen() const { return seen_; }
-
-private:
-    QWidget& dialog_;
-    QTimer timer_;
-    bool stopped_ = false;
-    QStringList seen_;
-};
 
 // The two notifications after a run, matrix first.
 inline void verifyNotifications(const wctest::PluginSpy& spy, const QString& job) {
