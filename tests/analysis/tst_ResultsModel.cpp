@@ -164,23 +164,16 @@ private slots:
         QFETCH(int, index);
         wc::HitNavigator navigator;
         navigator.reset(count);
+        const std::map<char, bool (wc::HitNavigator::*)()> moves = {
+            {'>', &wc::HitNavigator::next},
+            {'<', &wc::HitNavigator::previous},
+            {'F', &wc::HitNavigator::first},
+            {'L', &wc::HitNavigator::last}};
         for (QChar step : steps) {
-            switch (step.toLatin1()) {
-                case '>':
-                    navigator.next();
-                    break;
-                case '<':
-                    navigator.previous();
-                    break;
-                case 'F':
-                    navigator.first();
-                    break;
-                case 'L':
-                    navigator.last();
-                    break;
-                default:
-                    navigator.goToIndex(step.digitValue());
-                    break;
+            if (step.isDigit()) {
+                navigator.goToIndex(step.digitValue());
+            } else {
+                (navigator.*moves.at(step.toLatin1()))();
             }
         }
         QCOMPARE(int(navigator.index()), index);
