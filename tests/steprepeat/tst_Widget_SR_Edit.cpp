@@ -16,6 +16,7 @@
 
 #include "DataColumns.h"
 #include "DataRows.h"
+#include "FindChild.h"
 #include "HostSettings.h"
 #include "Korvo_API.h"
 #include "MessageBoxAnswerer.h"
@@ -67,13 +68,11 @@ std::vector<Korvo::API::reply_box> engineBoxes() {
 }
 
 QString text(QWidget& dialog, const char* name) {
-    return dialog.findChild<QLabel*>(QString::fromLatin1(name))->text();
+    return wctest::child<QLabel>(dialog, name)->text();
 }
 
 void press(QWidget& dialog, const QString& name) {
-    auto* button = dialog.findChild<QPushButton*>(name);
-    QVERIFY2(button != nullptr, qPrintable(name));
-    button->click();
+    wctest::child<QPushButton>(dialog, name)->click();
 }
 
 QString question(const char* words) {
