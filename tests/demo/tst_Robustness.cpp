@@ -255,6 +255,7 @@ private slots:
         QTimer stopper;  // runs started by the monkey are stopped at once now and then
         QObject::connect(&stopper, &QTimer::timeout, [] { wctest::stopProgressWindows(); });
         QRandomGenerator random(quint32(20261123 + index));
+        const auto pick = [&random](int count) { return int(random.bounded(quint32(count))); };
         const QStringList texts = {
             "",        "0", "12.5", "-5",  "1e308", "abc", "中文", "99999999999999999999",
             "0.00001", " ", "top;", "r10", "-0",    "3,5"};
@@ -275,14 +276,9 @@ private slots:
                     widgets.append(widget);
                 }
             }
-            QWidget* target =
-                widgets.isEmpty() ? nullptr : widgets[int(random.bounded(quint32(widgets.size())))];
+            QWidget* target = widgets.isEmpty() ? nullptr : widgets[pick(widgets.size())];
             const quint32 action = random.bounded(20u);
-            if (random.bounded(4u) == 0) {
-                stopper.start(1);
-            } else {
-                stopper.stop();
-            }
+            random.bounded(4u) == 0 ? stopper.start(1) : stopper.stop();
             try {
                 if (action == 0) {
                     unit = 1 - unit;
@@ -296,20 +292,19 @@ private slots:
                     button->click();
                 } else if (auto* edit = qobject_cast<QLineEdit*>(target)) {
                     if (!edit->isReadOnly()) {
-                        edit->setText(texts[int(random.bounded(quint32(texts.size())))]);
+                        edit->setText(texts[pick(texts.size())]);
                         QTest::keyClick(edit, Qt::Key_Return);
                         emit edit->editingFinished();
                     }
                 } else if (auto* combo = qobject_cast<QComboBox*>(target)) {
                     if (combo->count() > 0) {
-                        combo->setCurrentIndex(int(random.bounded(quint32(combo->count()))));
+                        combo->setCurrentIndex(pick(combo->count()));
                     }
                 } else if (auto* spin = qobject_cast<QSpinBox*>(target)) {
-                    spin->setValue(int(random.bounded(quint32(spin->maximum() + 1))));
+                    spin->setValue(pick(spin->maximum() + 1));
                 } else if (auto* table = qobject_cast<QTableWidget*>(target)) {
                     if (table->rowCount() > 0 && table->columnCount() > 0) {
-                        table->setCurrentCell(int(random.bounded(quint32(table->rowCount()))),
-                                              int(random.bounded(quint32(table->columnCount()))));
+                        table->setCurrentCell(pick(table->rowCount()), pick(table->columnCount()));
                     }
                 } else {
                     continue;  // a label or a frame: nothing to do
