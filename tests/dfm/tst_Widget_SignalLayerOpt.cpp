@@ -27,6 +27,26 @@ using dfmtest::child;
 using EngineSpy = dfmtest::EngineSpy<Params, signal_layer_DFM_result_map>;
 constexpr auto kOperation = &wcref::EngineHooks::signal_layer_DFM_op;
 
+// The length fields, with the member each fills.
+const std::pair<const char*, int32_t Params::*> kLengths[] = {
+    {"PTHARMin", &Params::pth_ar_min},
+    {"PTHAROpt", &Params::pth_ar_opt},
+    {"VIAARMin", &Params::via_ar_min},
+    {"VIAAROpt", &Params::via_ar_opt},
+    {"LaserARMin", &Params::laser_ar_min},
+    {"LaserAROpt", &Params::laser_ar_opt},
+    {"BuriedARMin", &Params::buried_ar_min},
+    {"BuriedAROpt", &Params::buried_ar_opt},
+    {"SpacingMin", &Params::spacing_min},
+    {"SpacingOpt", &Params::spacing_opt},
+    {"PadToPadMin", &Params::pad_to_pad_spacing_min},
+    {"PadToPadOpt", &Params::pad_to_pad_spacing_opt},
+    {"AloneDrill", &Params::alone_drill_to_pad},
+    {"SMDtoSMD", &Params::smd_to_smd},
+    {"BGAtoBGA", &Params::bga_to_bga},
+    {"SMDShaving", &Params::smd_shaving_limit},
+    {"BGAShaving", &Params::bga_shaving_limit}};
+
 QLineEdit* field(QWidget& dialog, const QString& key) {
     return child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key);
 }
@@ -56,17 +76,14 @@ private slots:
         QFETCH(int, scope);
         wctest::UnitScope units(scene_.host(), unit);
         Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
-        // Distinct values per field, so that any two swapped members show.
-        const QStringList keys = {
-            "PTHARMin",    "PTHAROpt",    "VIAARMin",   "VIAAROpt",   "LaserARMin",  "LaserAROpt",
-            "BuriedARMin", "BuriedAROpt", "SpacingMin", "SpacingOpt", "PadToPadMin", "PadToPadOpt",
-            "AloneDrill",  "SMDtoSMD",    "BGAtoBGA",   "SMDShaving", "BGAShaving"};
-        // Fractions of a nanometre on purpose: the record truncates.
+        // Distinct values per field, so that any two swapped members show. Fractions of a nanometre
+        // on purpose: the record truncates.
         const double base = unit == 0 ? 0.5 : 0.1;
         const double step = unit == 0 ? 0.5 : 0.005;
         const double nm = unit == 0 ? 25400.0 : 1e6;
-        for (int i = 0; i < keys.size(); ++i) {
-            field(dialog, keys[i])->setText(QString::number(base + step * i + step / 3.0, 'f', 4));
+        for (size_t i = 0; i < std::size(kLengths); ++i) {
+            field(dialog, kLengths[i].first)
+                ->setText(QString::number(base + step * i + step / 3.0, 'f', 4));
         }
         for (const char* disabled : {"NVIAARMin", "NVIAAROpt", "LREFrom", "LRETo", "Reduction"}) {
             QVERIFY(!field(dialog, disabled)->isEnabled());
@@ -83,26 +100,8 @@ private slots:
 
         QCOMPARE(spy.calls(), 1);
         const Params& p = spy.last();
-        const int32_t members[] = {p.pth_ar_min,
-                                   p.pth_ar_opt,
-                                   p.via_ar_min,
-                                   p.via_ar_opt,
-                                   p.laser_ar_min,
-                                   p.laser_ar_opt,
-                                   p.buried_ar_min,
-                                   p.buried_ar_opt,
-                                   p.spacing_min,
-                                   p.spacing_opt,
-                                   p.pad_to_pad_spacing_min,
-                                   p.pad_to_pad_spacing_opt,
-                                   p.alone_drill_to_pad,
-                                   p.smd_to_smd,
-                                   p.bga_to_bga,
-                                   p.smd_shaving_limit,
-                                   p.bga_shaving_limit};
-        for (int i = 0; i < keys.size(); ++i) {
-            const double typed = field(dialog, keys[i])->text().toDouble();
-            QCOMPARE(members[i], static_cast<int32_t>(typed * nm));
+        for (const auto& [key, member] : kLengths) {
+            QCOMPARE(p.*member, static_cast<int32_t>(field(dialog, key)->text().toDouble() * nm));
         }
         QCOMPARE(p.scope, scope);
         QVERIFY(p.pad_up && p.shave && p.shave_same_net);
