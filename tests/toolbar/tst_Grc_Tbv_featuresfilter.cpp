@@ -144,14 +144,11 @@ private slots:
             {"pushButton_Arc", "Arc"},           {"pushButton_Surface", "Surf"},
             {"pushButton_Text", "Text"},         {"pushButton_Negative", "negetive3"},
             {"pushButton_Positive", "positive3"}};
+        const QString prefix = "QPushButton{background-image:url(:/Widget_Common/Resources/";
         for (const auto& type : types) {
             auto* button = child<QPushButton>(popup, QString::fromLatin1(type[0]));
             QVERIFY(button->isCheckable() && button->isChecked());
-            QVERIFY2(button->styleSheet().startsWith(
-                         QStringLiteral("QPushButton{background-image:url(:/Widget_Common/"
-                                        "Resources/%1")
-                             .arg(QString::fromLatin1(type[1]))),
-                     type[0]);
+            QVERIFY2(button->styleSheet().startsWith(prefix + type[1]), type[0]);
         }
         QCOMPARE(child<QPushButton>(popup, "pushButton_IncludePick")->toolTip(),
                  "Single selection");
