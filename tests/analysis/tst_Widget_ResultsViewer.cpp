@@ -1,6 +1,5 @@
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -11,12 +10,13 @@
 #include <functional>
 #include <memory>
 
+#include "DataColumns.h"
 #include "DataRows.h"
+#include "FindChild.h"
 #include "Korvo_API.h"
 #include "LogCapture.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginBus.h"
-#include "PluginSpy.h"
 #include "ScopedEngineHook.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "analysis_drawing_data.h"
@@ -73,14 +73,7 @@ private:
     int id_ = 0;
 };
 
-template <typename T = QWidget>
-T* child(QWidget& w, const char* name) {
-    T* found = w.findChild<T*>(QString::fromLatin1(name));
-    if (found == nullptr) {
-        qFatal("no child %s", name);
-    }
-    return found;
-}
+using wctest::child;
 
 void chooseLevel(Widget_ResultsViewer& viewer, int level) {
     auto* combo = child<QComboBox>(viewer, "m_pLevelCB");
@@ -105,94 +98,23 @@ QStringList categoryTexts(Widget_ResultsViewer& viewer) {
 
 using Factory = std::function<Widget_ResultsViewer*(QWidget*)>;
 
-// One viewer per mode, each over a result holding one item with two red hits and one yellow.
-Factory factoryOf(const QString& mode) {
-    const std::vector<std::string> layers = {"top"};
-    if (mode == "signal") {
-        auto r = std::make_shared<signal_check_result_map>();
-        (*r)["top"][sli_line_width] = twoRedOneYellow<signal_check_result>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "signal opt") {
-        auto r = std::make_shared<signal_layer_DFM_result_map>();
-        (*r)["top"][sdi_spacing] = twoRedOneYellow<signal_layer_DFM_op_result>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "solder mask") {
-        auto r = std::make_shared<wc::SolderMaskResult>();
-        (*r)["top_mask"][smi_clearance_pad] = twoRedOneYellow<solder_mask_check_result>();
-        return [r](QWidget* p) {
-            return new Widget_ResultsViewer(0, p, r, "job", 0, QStringList{"top_mask"});
-        };
-    }
-    if (mode == "solder mask opt") {
-        auto r = std::make_shared<solder_mask_DFM_result_map>();
-        (*r)[smo_clearance_resized] = {twoRedOneYellow<solder_mask_DFM_op_result>()};
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "silk") {
-        auto r = std::make_shared<wc::SilkScreenResult>();
-        (*r)["top_silk"][ssi_silk_to_pad] = twoRedOneYellow<silk_screen_check_result>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "drill") {
-        auto r = std::make_shared<wc::DrillResult>();
-        (*r)["drill"].items[dci_hole_size] = twoRedOneYellow<check_levels>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "drill table") {
-        auto r = std::make_shared<wc::DrillTableResult>();
-        (*r)["drill"]["slot"] = twoRedOneYellow<drill_check_result>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "board drill") {
-        auto r = std::make_shared<wc::BoardDrillResult>();
-        (*r)["drill"].items[bdi_hole_size] = twoRedOneYellow<check_levels>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "power ground") {
-        auto r = std::make_shared<wc::PowerGroundResult>();
-        (*r)["l2_gnd"][pgi_thermal_air_gap] = twoRedOneYellow<power_ground_check_result>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "power ground opt") {
-        auto r = std::make_shared<wc::PowerGroundDFMResult>();
-        (*r)["l2_gnd"][pgo_sliver_filled] = twoRedOneYellow<power_ground_layer_DFM_op_result>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r, "job", "pcb"); };
-    }
-    if (mode == "prepare") {
-        auto r = std::make_shared<wc::PrepareResult>();
-        (*r)[pci_open_surfaces] = twoRedOneYellow<prepare_check_result>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r, QString("pcb")); };
-    }
-    if (mode == "mrc") {
-        auto r = std::make_shared<mrc_check_result>();
-        (*r)["top"]["width"] = {{"a", hit(25400)}, {"b", hit(50800)}};
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "surface") {
-        auto r = std::make_shared<wc::SurfaceAnalyzerResult>();
-        (*r)["top"][sai_surface_width] = twoRedOneYellow<surface_analyser_result>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "pad snapping") {
-        auto r = std::make_shared<wc::PadSnappingResult>();
-        (*r)[psi_pad_off_grid] = twoRedOneYellow<pad_snapping_op_result>();
-        return [r](QWidget* p) { return new Widget_ResultsViewer(0, p, r); };
-    }
-    if (mode == "teardrops") {
-        auto r = std::make_shared<teardrop_result_map>();
-        (*r)[tdi_created_drilled] = twoRedOneYellow<teardrop_create_DFM_op_result>();
-        return [r, layers](QWidget* p) { return new Widget_ResultsViewer(0, p, layers, r); };
-    }
-    if (mode == "nfp") {
-        auto r = std::make_shared<NFP_removal_result_map>();
-        (*r)[nfp_isolated_removed] = twoRedOneYellow<NFP_removal_DFM_op_result>();
-        return [r, layers](QWidget* p) { return new Widget_ResultsViewer(0, p, layers, r); };
-    }
-    auto r = std::make_shared<wc::AvoidConductorResult>();
-    (*r)[aci_moved_line] = twoRedOneYellow<avoid_conductor_DFM_op_result>();
-    return [r, layers](QWidget* p) { return new Widget_ResultsViewer(0, p, layers, r); };
+// A viewer over a result of type Map that `fill` gives one item with two red hits and one
+// yellow; `extra` are the constructor's arguments after the result.
+template <typename Map, typename Fill, typename... Extra>
+Factory over(Fill fill, Extra... extra) {
+    auto r = std::make_shared<Map>();
+    fill(*r);
+    return [r, extra...](QWidget* p) { return new Widget_ResultsViewer(0, p, r, extra...); };
+}
+
+// The same for the optimisations whose viewer takes the run's layers first.
+template <typename Map, typename Fill>
+Factory overLayers(Fill fill) {
+    auto r = std::make_shared<Map>();
+    fill(*r);
+    return [r](QWidget* p) {
+        return new Widget_ResultsViewer(0, p, std::vector<std::string>{"top"}, r);
+    };
 }
 
 std::shared_ptr<signal_check_result_map> twoLayerResult() {
@@ -206,331 +128,368 @@ std::shared_ptr<signal_check_result_map> twoLayerResult() {
 
 }  // namespace
 
+Q_DECLARE_METATYPE(Factory)
+
 class tst_Widget_ResultsViewer : public QObject {
     Q_OBJECT
 private slots:
-    void everyModeSendsItsCodes_data();
-    void everyModeSendsItsCodes();
-    void severityCountsAreCumulative();
-    void navigationAndIndexStayInBounds();
-    void oneHitCarriesTheHitInPlace();
-    void sortedTableRowShowsThatHit();
-    void filterAndMeasNarrowTheHits();
-    void selectionSelectsTheHitsFeatures();
-    void exceptionsAreShownAndLoggedWithTheFile_data();
-    void exceptionsAreShownAndLoggedWithTheFile();
-    void closingAlwaysSendsViewerClosed();
-    void lentResultIsNotCopied();
+    void everyModeSendsItsCodes_data() {
+        wctest::columns<Factory, int, QString, int, int, QString>("make", "number", "caption",
+                                                                  "oneHit", "allHits", "raise");
+        row("signal", over<signal_check_result_map>([](auto& r) {
+                r["top"][sli_line_width] = twoRedOneYellow<signal_check_result>();
+            }),
+            6, "Signal Layer Checks", 20002803, 20002808, "Signal_check_raise()");
+        row("signal opt", over<signal_layer_DFM_result_map>([](auto& r) {
+                r["top"][sdi_spacing] = twoRedOneYellow<signal_layer_DFM_op_result>();
+            }),
+            7, "Signal Layer Opt", 20002803, 20002808, "Signal_DFM_raise()");
+        row("solder mask",
+            over<wc::SolderMaskResult>(
+                [](auto& r) {
+                    r["top_mask"][smi_clearance_pad] = twoRedOneYellow<solder_mask_check_result>();
+                },
+                QString("job"), 0, QStringList{"top_mask"}),
+            5, " Solder Mask Check ", 20002803, 20002808, "SolderMask_check_raise()");
+        row("solder mask opt", over<solder_mask_DFM_result_map>([](auto& r) {
+                r[smo_clearance_resized] = {twoRedOneYellow<solder_mask_DFM_op_result>()};
+            }),
+            8, "Solder Mask Opt", 20002817, 20002818, "SolderMask_DFM_raise()");
+        row("silk", over<wc::SilkScreenResult>([](auto& r) {
+                r["top_silk"][ssi_silk_to_pad] = twoRedOneYellow<silk_screen_check_result>();
+            }),
+            4, " Silk Screen Checks ", 20002803, 20002808, "Silk_check_raise()");
+        row("drill", over<wc::DrillResult>([](auto& r) {
+                r["drill"].items[dci_hole_size] = twoRedOneYellow<check_levels>();
+            }),
+            1, "Drill Checks", 20002803, 20002808, "Drill_check_raise()");
+        row("drill table", over<wc::DrillTableResult>([](auto& r) {
+                r["drill"]["slot"] = twoRedOneYellow<drill_check_result>();
+            }),
+            3, "Drill Checks", 20002825, 20002826, "Drill_check_raise()");
+        row("board drill", over<wc::BoardDrillResult>([](auto& r) {
+                r["drill"].items[bdi_hole_size] = twoRedOneYellow<check_levels>();
+            }),
+            2, "Board-DrillChecks", 20002803, 20002808, "BoardDrill_check_raise()");
+        row("power ground", over<wc::PowerGroundResult>([](auto& r) {
+                r["l2_gnd"][pgi_thermal_air_gap] = twoRedOneYellow<power_ground_check_result>();
+            }),
+            9, "Power Ground Checks", 20002840, 20002841, "PowerGround_raise()");
+        row("power ground opt",
+            over<wc::PowerGroundDFMResult>(
+                [](auto& r) {
+                    r["l2_gnd"][pgo_sliver_filled] =
+                        twoRedOneYellow<power_ground_layer_DFM_op_result>();
+                },
+                QString("job"), QString("pcb")),
+            10, " Power Ground Opt ", 20002803, 20002844, "PowerGround_DFM_raise()");
+        row("prepare",
+            over<wc::PrepareResult>(
+                [](auto& r) { r[pci_open_surfaces] = twoRedOneYellow<prepare_check_result>(); },
+                QString("pcb")),
+            11, " Prepare Checks ", 20002834, 20002835, "Prepare_check_raise()");
+        row("mrc", over<mrc_check_result>([](auto& r) {
+                r["top"]["width"] = {{"a", hit(25400)}, {"b", hit(50800)}};
+            }),
+            12, " MRC ", 20002832, 20002833, "Mrc_check_raise()");
+        row("surface", over<wc::SurfaceAnalyzerResult>([](auto& r) {
+                r["top"][sai_surface_width] = twoRedOneYellow<surface_analyser_result>();
+            }),
+            13, "Surface Analyzer", 20002803, 20002808, "Surface_check_raise()");
+        row("pad snapping", over<wc::PadSnappingResult>([](auto& r) {
+                r[psi_pad_off_grid] = twoRedOneYellow<pad_snapping_op_result>();
+            }),
+            14, "Pad Snapping", 20002836, 20002807, "PadSnapping_raise()");
+        row("teardrops", overLayers<teardrop_result_map>([](auto& r) {
+                r[tdi_created_drilled] = twoRedOneYellow<teardrop_create_DFM_op_result>();
+            }),
+            15, "Advanced Teardrops Creation", 20002822, 20002808, "TearDrop_DFM_raise()");
+        row("nfp", overLayers<NFP_removal_result_map>([](auto& r) {
+                r[nfp_isolated_removed] = twoRedOneYellow<NFP_removal_DFM_op_result>();
+            }),
+            16, "NFP Removal", 20002819, 20002808, "NFP_DFM_raise()");
+        row("avoid conductor", overLayers<wc::AvoidConductorResult>([](auto& r) {
+                r[aci_moved_line] = twoRedOneYellow<avoid_conductor_DFM_op_result>();
+            }),
+            17, "Avoid Conductor DFM", 20002819, 20002808, "Avoid_Conductor_DFM_raise()");
+    }
+
+    void everyModeSendsItsCodes() {
+        QFETCH(Factory, make);
+        QFETCH(int, number);
+        QFETCH(QString, caption);
+        QFETCH(int, oneHit);
+        QFETCH(int, allHits);
+        QFETCH(QString, raise);
+        QWidget host;
+        const QByteArray mode = QTest::currentDataTag();
+        std::unique_ptr<Widget_ResultsViewer> viewer(make(&host));
+        QCOMPARE(viewer->mode(), number);
+        QCOMPARE(child<QPushButton>(*viewer, "m_pNamePB")->text(), caption);
+        QCOMPARE(child<QPushButton>(*viewer, "m_pToCADPB")->isVisibleTo(viewer.get()),
+                 mode == "pad snapping");
+
+        DrawingCatcher catcher;
+        viewer->on_Right_clicked();
+        QCOMPARE(catcher.delivered.size(), 1);
+        QCOMPARE(catcher.last().code, oneHit);
+        QCOMPARE(catcher.last().sender, "Graphic_MenuBar_Analysis.dll");
+        QCOMPARE(catcher.last().receiver, "Graphic_View.dll");
+        QCOMPARE(catcher.last().data.index, 2);
+        child<QCheckBox>(*viewer, "m_pShowAllCB")->setChecked(true);
+        QCOMPARE(catcher.last().code, allHits);
+        QCOMPARE(int(catcher.last().data.shapes.size()), 2 + (mode == "mrc" ? 0 : 1));
+
+        const QByteArray signal = QByteArray("2") + raise.toLatin1();
+        QSignalSpy raised(viewer.get(), signal.constData());
+        viewer->on_Name_clicked();
+        QCOMPARE(raised.count(), 1);
+    }
+
+    void severityCountsAreCumulative() {
+        QWidget host;
+        Widget_ResultsViewer viewer(0, &host, twoLayerResult());
+        chooseLayer(viewer, 1);  // "top"; "bottom" is listed first
+        chooseLevel(viewer, wc::SevRed);
+        QCOMPARE(categoryTexts(viewer), (QStringList{"Line Width (2)", "Pad Size (0)"}));
+        chooseLevel(viewer, wc::SevYellow);
+        QCOMPARE(categoryTexts(viewer), (QStringList{"Line Width (3)", "Pad Size (2)"}));
+        chooseLevel(viewer, wc::SevAll);
+        QCOMPARE(categoryTexts(viewer), (QStringList{"Line Width (3)", "Pad Size (3)"}));
+
+        // Both layers: the item's hits add up.
+        viewer.on_All_clicked();
+        QCOMPARE(categoryTexts(viewer).first(), "Line Width (4)");
+        viewer.on_None_clicked();
+        QVERIFY(categoryTexts(viewer).isEmpty());
+        QCOMPARE(viewer.currentCount(), std::size_t(0));
+    }
+
+    void navigationAndIndexStayInBounds() {
+        QWidget host;
+        Widget_ResultsViewer viewer(0, &host, twoLayerResult());
+        chooseLayer(viewer, 1);
+        chooseLevel(viewer, wc::SevYellow);
+        QCOMPARE(viewer.currentCount(), std::size_t(3));
+        QCOMPARE(viewer.currentIndex(), std::size_t(1));
+
+        DrawingCatcher catcher;
+        viewer.on_Left_clicked();
+        QCOMPARE(catcher.delivered.size(), 0);  // already at the first: nothing new to show
+        viewer.on_Last_clicked();
+        viewer.on_Right_clicked();
+        QCOMPARE(viewer.currentIndex(), std::size_t(3));
+        QCOMPARE(catcher.delivered.size(), 1);
+
+        auto* index = child<QLineEdit>(viewer, "m_pIndexLE");
+        index->setText("2");
+        QTest::keyClick(index, Qt::Key_Return);
+        QCOMPARE(viewer.currentIndex(), std::size_t(2));
+        QCOMPARE(catcher.last().data.index, 2);
+        index->setText("9");
+        QTest::keyClick(index, Qt::Key_Return);
+        QCOMPARE(viewer.currentIndex(), std::size_t(2));
+        QCOMPARE(index->text(), "2");
+        viewer.on_First_clicked();
+        QCOMPARE(viewer.currentIndex(), std::size_t(1));
+    }
+
+    void oneHitCarriesTheHitInPlace() {
+        auto result = twoLayerResult();
+        QWidget host;
+        Widget_ResultsViewer viewer(0, &host, result);
+        chooseLevel(viewer, wc::SevRed);
+        auto* zoom = child<QComboBox>(viewer, "m_pAutoCB");
+        zoom->setCurrentIndex(1);
+        viewer.on_Auto_changed(zoom->currentText());
+
+        DrawingCatcher catcher;
+        viewer.on_First_clicked();
+        const analysis_drawing_data& data = catcher.last().data;
+        const check_info& expected = (*result)["bottom"][sli_line_width].red.front();
+        QCOMPARE(data.index, 1);  // "bottom" is listed first and is the only layer chosen
+        QCOMPARE(data.count, 1);
+        QCOMPARE(data.layer_names, (std::vector<std::string>{"bottom"}));
+        QCOMPARE(data.item_name, std::string("Line Width"));
+        QCOMPARE(data.zoom_policy, analysis_drawing_data::pan_only);
+        QCOMPARE(data.value_text, std::string("1.000 mil"));
+        QCOMPARE(int(data.shapes.size()), 1);
+        QCOMPARE(data.shapes[0].points, expected.shape.points.data());
+        QCOMPARE(data.shapes[0].kind, check_points::box);
+        QCOMPARE(data.bounds.xmax, 1000.0);
+        QCOMPARE(data.bounds.ymax, 500.0);
+    }
+
+    void sortedTableRowShowsThatHit() {
+        QWidget host;
+        Widget_ResultsViewer viewer(0, &host, twoLayerResult());
+        chooseLayer(viewer, 1);
+        chooseLevel(viewer, wc::SevYellow);
+        auto* table = child<QTableView>(viewer, "m_pHitTable");
+        QCOMPARE(table->model()->rowCount(), 3);
+
+        table->sortByColumn(1, Qt::AscendingOrder);
+        QCOMPARE(table->model()->index(0, 1).data().toString(), "2.000");
+        QCOMPARE(table->model()->index(0, 0).data().toULongLong(), 2ull);
+        DrawingCatcher catcher;
+        table->selectRow(2);  // 4.000 mil, the yellow hit, third in navigation order
+        QCOMPARE(viewer.currentIndex(), std::size_t(3));
+        QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
+    }
+
+    void filterAndMeasNarrowTheHits() {
+        QWidget host;
+        Widget_ResultsViewer viewer(0, &host, twoLayerResult());
+        chooseLayer(viewer, 1);
+        chooseLevel(viewer, wc::SevYellow);  // Line Width: 3.000, 2.000, 4.000 mil
+
+        AnalysisFilterInfo* asked = nullptr;
+        connect(&viewer, &Widget_ResultsViewer::send_begin_filter,
+                [&asked](AnalysisFilterInfo* info) { asked = info; });
+        QSignalSpy narrowed(&viewer, &Widget_ResultsViewer::filter_analysis_items);
+        QSignalSpy next(&viewer, &Widget_ResultsViewer::send_next_filter);
+        QSignalSpy reset(&viewer, &Widget_ResultsViewer::send_reset_filter);
+        viewer.on_Filter_clicked();
+        QVERIFY(asked != nullptr);
+        QCOMPARE(asked->layer, std::string("top"));
+        QCOMPARE(asked->item, int(sli_line_width));
+        QCOMPARE(asked->level, int(wc::SevYellow));
+
+        // The filter passes hits 0 and 2 of Line Width, and one hit of another item.
+        asked->items = {{sli_line_width, 0}, {sli_pad_size, 1}, {sli_line_width, 2}};
+        DrawingCatcher catcher;
+        viewer.get_begin_filter_result(asked);
+        QCOMPARE(narrowed.count(), 1);
+        QCOMPARE(viewer.currentCount(), std::size_t(2));
+        viewer.on_Right_clicked();
+        QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
+        viewer.on_Right_clicked();
+        QCOMPARE(next.count(), 1);  // past the last filtered hit the filter is asked for more
+        viewer.on_unfilter_analysis_items();
+        QCOMPARE(viewer.currentCount(), std::size_t(3));
+
+        // "Meas:" keeps the hits of one shown value.
+        auto* meas = child<QComboBox>(viewer, "m_pMeasCB");
+        QCOMPARE(meas->count(), 1);  // built when the list opens
+        meas->showPopup();
+        QCOMPARE(meas->count(), 4);  // "All" and three values
+        meas->hidePopup();
+        meas->setCurrentIndex(meas->findText("3.000"));
+        viewer.on_Meas_changed(meas->currentText());
+        QCOMPARE(viewer.currentCount(), std::size_t(1));
+        QCOMPARE(catcher.last().data.value_text, std::string("3.000 mil"));
+
+        viewer.get_begin_filter_result(asked);
+        auto* categories = child<QListWidget>(viewer, "m_pCategoriesList");
+        viewer.on_m_pCategoriesList_itemClicked(categories->item(1));
+        QCOMPARE(reset.count(), 1);  // another category drops the filter
+        QCOMPARE(viewer.currentCount(), std::size_t(2));
+    }
+
+    void selectionSelectsTheHitsFeatures() {
+        QVERIFY(open_job("viewer_sel", ":sample"));
+        std::vector<featureInfo> features;
+        QVERIFY(get_all_feature_info("viewer_sel", "pcb", "top", features, FT_All));
+        QVERIFY(features.size() > 2);
+        auto result = std::make_shared<signal_check_result_map>();
+        check_info first = hit(1000);
+        first.features = {{3, features[0].id}, {3, features[1].id}};
+        check_info second = hit(2000);
+        second.features = {{3, features[2].id}};
+        (*result)["top"][sli_line_width].red = {first, second};
+
+        QWidget host;
+        Widget_ResultsViewer viewer(0, &host, result);
+        viewer.setJobAndStep("viewer_sel", "pcb");
+        const auto selected = [] {
+            std::vector<featureInfo> out;
+            get_selected_feature_info("viewer_sel", "pcb", "top", out);
+            std::vector<int> ids;
+            for (const featureInfo& f : out) {
+                ids.push_back(f.id);
+            }
+            return ids;
+        };
+        child<QCheckBox>(viewer, "m_pSelectionCB")->setChecked(true);
+        QCOMPARE(selected(), (std::vector<int>{features[0].id, features[1].id}));
+        viewer.on_Right_clicked();
+        QCOMPARE(selected(), (std::vector<int>{features[2].id}));
+        child<QCheckBox>(viewer, "m_pSelectionCB")->setChecked(false);
+        QVERIFY(selected().empty());
+        close_job("viewer_sel");
+    }
+
+    void exceptionsAreShownAndLoggedWithTheFile_data() {
+        QTest::addColumn<bool>("nfp");
+        QTest::addColumn<QString>("file");
+        row("signal layer checks", false, "Widget_ResultsViewer.cpp");
+        row("NFP removal", true, "Widget_ResultsViewer_NFP.cpp");
+    }
+
+    void exceptionsAreShownAndLoggedWithTheFile() {
+        QFETCH(bool, nfp);
+        QFETCH(QString, file);
+        check_info with_feature = hit(1000);
+        with_feature.features = {{3, 7}};
+        auto signal = std::make_shared<signal_check_result_map>();
+        (*signal)["top"][sli_line_width].red = {with_feature};
+        auto removal = std::make_shared<NFP_removal_result_map>();
+        (*removal)[nfp_isolated_removed].red = {with_feature};
+        QWidget host;
+        std::unique_ptr<Widget_ResultsViewer> viewer(
+            nfp ? new Widget_ResultsViewer(0, &host, std::vector<std::string>{"top"}, removal)
+                : new Widget_ResultsViewer(0, &host, signal));
+        viewer->setJobAndStep("job", "pcb");
+
+        wctest::ScopedEngineHook hook(&wcref::EngineHooks::get_matrix,
+                                      [](const std::string&, std::vector<std::string>&,
+                                         std::vector<layer_info>&) -> std::string {
+                                          throw std::runtime_error("matrix unreadable");
+                                      });
+        wctest::LogCapture log;
+        wctest::MessageBoxAnswerer answerer;
+        child<QCheckBox>(*viewer, "m_pSelectionCB")->setChecked(true);
+        QCOMPARE(answerer.count(), 1);
+        QCOMPARE(answerer.last().title, "Information");
+        QCOMPARE(answerer.last().text, "matrix unreadable");
+        std::string place = wc::exceptionPlaceLine(file.toUtf8().constData(), 0);
+        place.pop_back();  // any line number
+        const auto errors = log.errors();
+        QVERIFY(std::any_of(errors.begin(), errors.end(), [&place](const std::string& line) {
+            return line.rfind(place, 0) == 0;
+        }));
+        viewer->on_Right_clicked();  // still usable
+    }
+
+    void closingAlwaysSendsViewerClosed() {
+        QWidget host;
+        DrawingCatcher catcher;
+        Widget_ResultsViewer empty(&host);
+        empty.show();
+        empty.close();
+        QCOMPARE(catcher.last().code, 20002810);
+
+        Widget_ResultsViewer viewer(0, &host, twoLayerResult());
+        viewer.show();
+        QTest::mouseClick(child<QPushButton>(viewer, "m_pClosePB"), Qt::LeftButton);
+        QVERIFY(!viewer.isVisible());
+        QCOMPARE(catcher.last().code, 20002810);
+        QCOMPARE(catcher.last().data.count, 0);
+        QVERIFY(catcher.last().data.shapes.empty());
+    }
+
+    void lentResultIsNotCopied() {
+        signal_check_result_map result = *twoLayerResult();
+        QWidget host;
+        Widget_ResultsViewer viewer(&host);
+        viewer.RefreshSignalLayerChecksData(result);
+        DrawingCatcher catcher;
+        viewer.on_First_clicked();
+        viewer.on_Right_clicked();
+        QCOMPARE(catcher.last().data.shapes[0].points,
+                 result["bottom"][sli_line_width].red.front().shape.points.data());
+    }
 };
-
-void tst_Widget_ResultsViewer::everyModeSendsItsCodes_data() {
-    QTest::addColumn<QString>("mode");
-    QTest::addColumn<int>("number");
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<int>("oneHit");
-    QTest::addColumn<int>("allHits");
-    QTest::addColumn<QString>("raise");
-    row("signal", "signal", 6, "Signal Layer Checks", 20002803, 20002808, "Signal_check_raise()");
-    row("signal opt", "signal opt", 7, "Signal Layer Opt", 20002803, 20002808,
-        "Signal_DFM_raise()");
-    row("solder mask", "solder mask", 5, " Solder Mask Check ", 20002803, 20002808,
-        "SolderMask_check_raise()");
-    row("solder mask opt", "solder mask opt", 8, "Solder Mask Opt", 20002817, 20002818,
-        "SolderMask_DFM_raise()");
-    row("silk", "silk", 4, " Silk Screen Checks ", 20002803, 20002808, "Silk_check_raise()");
-    row("drill", "drill", 1, "Drill Checks", 20002803, 20002808, "Drill_check_raise()");
-    row("drill table", "drill table", 3, "Drill Checks", 20002825, 20002826, "Drill_check_raise()");
-    row("board drill", "board drill", 2, "Board-DrillChecks", 20002803, 20002808,
-        "BoardDrill_check_raise()");
-    row("power ground", "power ground", 9, "Power Ground Checks", 20002840, 20002841,
-        "PowerGround_raise()");
-    row("power ground opt", "power ground opt", 10, " Power Ground Opt ", 20002803, 20002844,
-        "PowerGround_DFM_raise()");
-    row("prepare", "prepare", 11, " Prepare Checks ", 20002834, 20002835, "Prepare_check_raise()");
-    row("mrc", "mrc", 12, " MRC ", 20002832, 20002833, "Mrc_check_raise()");
-    row("surface", "surface", 13, "Surface Analyzer", 20002803, 20002808, "Surface_check_raise()");
-    row("pad snapping", "pad snapping", 14, "Pad Snapping", 20002836, 20002807,
-        "PadSnapping_raise()");
-    row("teardrops", "teardrops", 15, "Advanced Teardrops Creation", 20002822, 20002808,
-        "TearDrop_DFM_raise()");
-    row("nfp", "nfp", 16, "NFP Removal", 20002819, 20002808, "NFP_DFM_raise()");
-    row("avoid conductor", "avoid conductor", 17, "Avoid Conductor DFM", 20002819, 20002808,
-        "Avoid_Conductor_DFM_raise()");
-}
-
-void tst_Widget_ResultsViewer::everyModeSendsItsCodes() {
-    QFETCH(QString, mode);
-    QFETCH(int, number);
-    QFETCH(QString, caption);
-    QFETCH(int, oneHit);
-    QFETCH(int, allHits);
-    QFETCH(QString, raise);
-    QWidget host;
-    std::unique_ptr<Widget_ResultsViewer> viewer(factoryOf(mode)(&host));
-    QCOMPARE(viewer->mode(), number);
-    QCOMPARE(child<QPushButton>(*viewer, "m_pNamePB")->text(), caption);
-    QCOMPARE(child<QPushButton>(*viewer, "m_pToCADPB")->isVisibleTo(viewer.get()),
-             mode == "pad snapping");
-
-    DrawingCatcher catcher;
-    viewer->on_Right_clicked();
-    QCOMPARE(catcher.delivered.size(), 1);
-    QCOMPARE(catcher.last().code, oneHit);
-    QCOMPARE(catcher.last().sender, QString("Graphic_MenuBar_Analysis.dll"));
-    QCOMPARE(catcher.last().receiver, QString("Graphic_View.dll"));
-    QCOMPARE(catcher.last().data.index, 2);
-    child<QCheckBox>(*viewer, "m_pShowAllCB")->setChecked(true);
-    QCOMPARE(catcher.last().code, allHits);
-    QCOMPARE(int(catcher.last().data.shapes.size()), 2 + (mode == "mrc" ? 0 : 1));
-
-    const QByteArray signal = QByteArray("2") + raise.toLatin1();
-    QSignalSpy raised(viewer.get(), signal.constData());
-    viewer->on_Name_clicked();
-    QCOMPARE(raised.count(), 1);
-}
-
-void tst_Widget_ResultsViewer::severityCountsAreCumulative() {
-    QWidget host;
-    Widget_ResultsViewer viewer(0, &host, twoLayerResult());
-    chooseLayer(viewer, 1);  // "top"; "bottom" is listed first
-    chooseLevel(viewer, wc::SevRed);
-    QCOMPARE(categoryTexts(viewer), (QStringList{"Line Width (2)", "Pad Size (0)"}));
-    chooseLevel(viewer, wc::SevYellow);
-    QCOMPARE(categoryTexts(viewer), (QStringList{"Line Width (3)", "Pad Size (2)"}));
-    chooseLevel(viewer, wc::SevAll);
-    QCOMPARE(categoryTexts(viewer), (QStringList{"Line Width (3)", "Pad Size (3)"}));
-
-    // Both layers: the item's hits add up.
-    viewer.on_All_clicked();
-    QCOMPARE(categoryTexts(viewer).first(), QString("Line Width (4)"));
-    viewer.on_None_clicked();
-    QVERIFY(categoryTexts(viewer).isEmpty());
-    QCOMPARE(viewer.currentCount(), std::size_t(0));
-}
-
-void tst_Widget_ResultsViewer::navigationAndIndexStayInBounds() {
-    QWidget host;
-    Widget_ResultsViewer viewer(0, &host, twoLayerResult());
-    chooseLayer(viewer, 1);
-    chooseLevel(viewer, wc::SevYellow);
-    QCOMPARE(viewer.currentCount(), std::size_t(3));
-    QCOMPARE(viewer.currentIndex(), std::size_t(1));
-
-    DrawingCatcher catcher;
-    viewer.on_Left_clicked();
-    QCOMPARE(catcher.delivered.size(), 0);  // already at the first: nothing new to show
-    viewer.on_Last_clicked();
-    viewer.on_Right_clicked();
-    QCOMPARE(viewer.currentIndex(), std::size_t(3));
-    QCOMPARE(catcher.delivered.size(), 1);
-
-    auto* index = child<QLineEdit>(viewer, "m_pIndexLE");
-    index->setText("2");
-    QTest::keyClick(index, Qt::Key_Return);
-    QCOMPARE(viewer.currentIndex(), std::size_t(2));
-    QCOMPARE(catcher.last().data.index, 2);
-    index->setText("9");
-    QTest::keyClick(index, Qt::Key_Return);
-    QCOMPARE(viewer.currentIndex(), std::size_t(2));
-    QCOMPARE(index->text(), QString("2"));
-    viewer.on_First_clicked();
-    QCOMPARE(viewer.currentIndex(), std::size_t(1));
-}
-
-void tst_Widget_ResultsViewer::oneHitCarriesTheHitInPlace() {
-    auto result = twoLayerResult();
-    QWidget host;
-    Widget_ResultsViewer viewer(0, &host, result);
-    chooseLevel(viewer, wc::SevRed);
-    auto* zoom = child<QComboBox>(viewer, "m_pAutoCB");
-    zoom->setCurrentIndex(1);
-    viewer.on_Auto_changed(zoom->currentText());
-
-    DrawingCatcher catcher;
-    viewer.on_First_clicked();
-    const analysis_drawing_data& data = catcher.last().data;
-    const check_info& expected = (*result)["bottom"][sli_line_width].red.front();
-    QCOMPARE(data.index, 1);  // "bottom" is listed first and is the only layer chosen
-    QCOMPARE(data.count, 1);
-    QCOMPARE(data.layer_names, (std::vector<std::string>{"bottom"}));
-    QCOMPARE(data.item_name, std::string("Line Width"));
-    QCOMPARE(data.zoom_policy, analysis_drawing_data::pan_only);
-    QCOMPARE(data.value_text, std::string("1.000 mil"));
-    QCOMPARE(int(data.shapes.size()), 1);
-    QCOMPARE(data.shapes[0].points, expected.shape.points.data());
-    QCOMPARE(data.shapes[0].kind, check_points::box);
-    QCOMPARE(data.bounds.xmax, 1000.0);
-    QCOMPARE(data.bounds.ymax, 500.0);
-}
-
-void tst_Widget_ResultsViewer::sortedTableRowShowsThatHit() {
-    QWidget host;
-    Widget_ResultsViewer viewer(0, &host, twoLayerResult());
-    chooseLayer(viewer, 1);
-    chooseLevel(viewer, wc::SevYellow);
-    auto* table = child<QTableView>(viewer, "m_pHitTable");
-    QCOMPARE(table->model()->rowCount(), 3);
-
-    table->sortByColumn(1, Qt::AscendingOrder);
-    QCOMPARE(table->model()->index(0, 1).data().toString(), QString("2.000"));
-    QCOMPARE(table->model()->index(0, 0).data().toULongLong(), 2ull);
-    DrawingCatcher catcher;
-    table->selectRow(2);  // 4.000 mil, the yellow hit, third in navigation order
-    QCOMPARE(viewer.currentIndex(), std::size_t(3));
-    QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
-}
-
-void tst_Widget_ResultsViewer::filterAndMeasNarrowTheHits() {
-    QWidget host;
-    Widget_ResultsViewer viewer(0, &host, twoLayerResult());
-    chooseLayer(viewer, 1);
-    chooseLevel(viewer, wc::SevYellow);  // Line Width: 3.000, 2.000, 4.000 mil
-
-    AnalysisFilterInfo* asked = nullptr;
-    connect(&viewer, &Widget_ResultsViewer::send_begin_filter,
-            [&asked](AnalysisFilterInfo* info) { asked = info; });
-    QSignalSpy narrowed(&viewer, &Widget_ResultsViewer::filter_analysis_items);
-    QSignalSpy next(&viewer, &Widget_ResultsViewer::send_next_filter);
-    QSignalSpy reset(&viewer, &Widget_ResultsViewer::send_reset_filter);
-    viewer.on_Filter_clicked();
-    QVERIFY(asked != nullptr);
-    QCOMPARE(asked->layer, std::string("top"));
-    QCOMPARE(asked->item, int(sli_line_width));
-    QCOMPARE(asked->level, int(wc::SevYellow));
-
-    // The filter passes hits 0 and 2 of Line Width, and one hit of another item.
-    asked->items = {{sli_line_width, 0}, {sli_pad_size, 1}, {sli_line_width, 2}};
-    DrawingCatcher catcher;
-    viewer.get_begin_filter_result(asked);
-    QCOMPARE(narrowed.count(), 1);
-    QCOMPARE(viewer.currentCount(), std::size_t(2));
-    viewer.on_Right_clicked();
-    QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
-    viewer.on_Right_clicked();
-    QCOMPARE(next.count(), 1);  // past the last filtered hit the filter is asked for more
-    viewer.on_unfilter_analysis_items();
-    QCOMPARE(viewer.currentCount(), std::size_t(3));
-
-    // "Meas:" keeps the hits of one shown value.
-    auto* meas = child<QComboBox>(viewer, "m_pMeasCB");
-    QCOMPARE(meas->count(), 1);  // built when the list opens
-    meas->showPopup();
-    QCOMPARE(meas->count(), 4);  // "All" and three values
-    meas->hidePopup();
-    meas->setCurrentIndex(meas->findText("3.000"));
-    viewer.on_Meas_changed(meas->currentText());
-    QCOMPARE(viewer.currentCount(), std::size_t(1));
-    QCOMPARE(catcher.last().data.value_text, std::string("3.000 mil"));
-
-    viewer.get_begin_filter_result(asked);
-    auto* categories = child<QListWidget>(viewer, "m_pCategoriesList");
-    viewer.on_m_pCategoriesList_itemClicked(categories->item(1));
-    QCOMPARE(reset.count(), 1);  // another category drops the filter
-    QCOMPARE(viewer.currentCount(), std::size_t(2));
-}
-
-void tst_Widget_ResultsViewer::selectionSelectsTheHitsFeatures() {
-    QVERIFY(open_job("viewer_sel", ":sample"));
-    std::vector<featureInfo> features;
-    QVERIFY(get_all_feature_info("viewer_sel", "pcb", "top", features, FT_All));
-    QVERIFY(features.size() > 2);
-    auto result = std::make_shared<signal_check_result_map>();
-    check_info first = hit(1000);
-    first.features = {{3, features[0].id}, {3, features[1].id}};
-    check_info second = hit(2000);
-    second.features = {{3, features[2].id}};
-    (*result)["top"][sli_line_width].red = {first, second};
-
-    QWidget host;
-    Widget_ResultsViewer viewer(0, &host, result);
-    viewer.setJobAndStep("viewer_sel", "pcb");
-    const auto selected = [] {
-        std::vector<featureInfo> out;
-        get_selected_feature_info("viewer_sel", "pcb", "top", out);
-        std::vector<int> ids;
-        for (const featureInfo& f : out) {
-            ids.push_back(f.id);
-        }
-        return ids;
-    };
-    child<QCheckBox>(viewer, "m_pSelectionCB")->setChecked(true);
-    QCOMPARE(selected(), (std::vector<int>{features[0].id, features[1].id}));
-    viewer.on_Right_clicked();
-    QCOMPARE(selected(), (std::vector<int>{features[2].id}));
-    child<QCheckBox>(viewer, "m_pSelectionCB")->setChecked(false);
-    QVERIFY(selected().empty());
-    close_job("viewer_sel");
-}
-
-void tst_Widget_ResultsViewer::exceptionsAreShownAndLoggedWithTheFile_data() {
-    QTest::addColumn<bool>("nfp");
-    QTest::addColumn<QString>("file");
-    row("signal layer checks", false, "Widget_ResultsViewer.cpp");
-    row("NFP removal", true, "Widget_ResultsViewer_NFP.cpp");
-}
-
-void tst_Widget_ResultsViewer::exceptionsAreShownAndLoggedWithTheFile() {
-    QFETCH(bool, nfp);
-    QFETCH(QString, file);
-    check_info with_feature = hit(1000);
-    with_feature.features = {{3, 7}};
-    auto signal = std::make_shared<signal_check_result_map>();
-    (*signal)["top"][sli_line_width].red = {with_feature};
-    auto removal = std::make_shared<NFP_removal_result_map>();
-    (*removal)[nfp_isolated_removed].red = {with_feature};
-    QWidget host;
-    std::unique_ptr<Widget_ResultsViewer> viewer(
-        nfp ? new Widget_ResultsViewer(0, &host, std::vector<std::string>{"top"}, removal)
-            : new Widget_ResultsViewer(0, &host, signal));
-    viewer->setJobAndStep("job", "pcb");
-
-    wctest::ScopedEngineHook hook(
-        &wcref::EngineHooks::get_matrix,
-        [](const std::string&, std::vector<std::string>&, std::vector<layer_info>&) -> std::string {
-            throw std::runtime_error("matrix unreadable");
-        });
-    wctest::LogCapture log;
-    wctest::MessageBoxAnswerer answerer;
-    child<QCheckBox>(*viewer, "m_pSelectionCB")->setChecked(true);
-    QCOMPARE(answerer.count(), 1);
-    QCOMPARE(answerer.last().title, QString("Information"));
-    QCOMPARE(answerer.last().text, QString("matrix unreadable"));
-    std::string place = wc::exceptionPlaceLine(file.toUtf8().constData(), 0);
-    place.pop_back();  // any line number
-    const auto errors = log.errors();
-    QVERIFY(std::any_of(errors.begin(), errors.end(),
-                        [&place](const std::string& line) { return line.rfind(place, 0) == 0; }));
-    viewer->on_Right_clicked();  // still usable
-}
-
-void tst_Widget_ResultsViewer::closingAlwaysSendsViewerClosed() {
-    QWidget host;
-    DrawingCatcher catcher;
-    Widget_ResultsViewer empty(&host);
-    empty.show();
-    empty.close();
-    QCOMPARE(catcher.last().code, 20002810);
-
-    Widget_ResultsViewer viewer(0, &host, twoLayerResult());
-    viewer.show();
-    QTest::mouseClick(child<QPushButton>(viewer, "m_pClosePB"), Qt::LeftButton);
-    QVERIFY(!viewer.isVisible());
-    QCOMPARE(catcher.last().code, 20002810);
-    QCOMPARE(catcher.last().data.count, 0);
-    QVERIFY(catcher.last().data.shapes.empty());
-}
-
-void tst_Widget_ResultsViewer::lentResultIsNotCopied() {
-    signal_check_result_map result = *twoLayerResult();
-    QWidget host;
-    Widget_ResultsViewer viewer(&host);
-    viewer.RefreshSignalLayerChecksData(result);
-    DrawingCatcher catcher;
-    viewer.on_First_clicked();
-    viewer.on_Right_clicked();
-    QCOMPARE(catcher.last().data.shapes[0].points,
-             result["bottom"][sli_line_width].red.front().shape.points.data());
-}
 
 QTEST_MAIN(tst_Widget_ResultsViewer)
 #include "tst_Widget_ResultsViewer.moc"

@@ -15,17 +15,18 @@
 
 #include "CheckListService.h"
 #include "Common.h"
+#include "DataColumns.h"
 #include "DataRows.h"
+#include "FindChild.h"
 #include "MessageBoxAnswerer.h"
+#include "ProgressWindows.h"
 #include "ReferenceEngine.h"
 #include "SampleJobScene.h"
 #include "ScopedEngineHook.h"
 #include "UnitScope.h"
-#include "ZeProgressDialog.h"
 #include "analysis/SignalCheckForm.h"
 #include "analysis/Widget_SignalLayerChecks.h"
 #include "common_cache.h"
-#include "frame/BackgroundRun.h"
 
 using namespace Korvo::API;
 using wctest::row;
@@ -34,14 +35,7 @@ namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
 
-template <typename T = QWidget>
-T* child(QWidget& dialog, const QString& name) {
-    T* found = dialog.findChild<T*>(name);
-    if (found == nullptr) {
-        qFatal("no child %s", qPrintable(name));
-    }
-    return found;
-}
+using wctest::child;
 
 QPushButton* button(QWidget& dialog, const char* name) {
     return child<QPushButton>(dialog, QString::fromLatin1(name));
@@ -51,33 +45,45 @@ QString text(QWidget& dialog, const char* label) {
     return child<QLabel>(dialog, QString::fromLatin1(label))->text();
 }
 
-// What the engine was asked, layer by layer (the hook runs on the worker).
+// What the engine's check was asked while the spy lives, layer by layer (on the worker). While
+// `hold` is set a call works on until its run is stopped or `hold` is cleared.
 struct EngineSpy {
+    using Hook = decltype(wcref::EngineHooks::signal_layers_checks);
     std::mutex lock;
     std::vector<std::string> layers;
     std::vector<int> scopes;
     std::vector<signal_check_params> params;
-    std::vector<std::vector<signal_layers_checks_list>> tests;
     size_t ranges = 0;
+    std::atomic<bool> hold{false};
     // Hits each layer returns.
     std::map<signal_layers_checks_items, signal_check_result> answer;
 
-    auto hook() {
+    Hook hook() {
         return [this](const std::string&, const std::string&, const std::string& layer,
-                      signal_check_params p, std::vector<signal_layers_checks_list> t,
+                      signal_check_params p, std::vector<signal_layers_checks_list>,
                       std::map<signal_layers_checks_items, signal_check_range> r,
                       std::map<signal_layers_checks_items, signal_check_result>& result,
-                      Korvo::COMMON::progress_value<signal_check_result_map>*, int scope) {
-            std::lock_guard<std::mutex> guard(lock);
-            layers.push_back(layer);
-            scopes.push_back(scope);
-            params.push_back(p);
-            tests.push_back(t);
-            ranges = r.size();
+                      Korvo::COMMON::progress_value<signal_check_result_map>* progress, int scope) {
+            {
+                std::lock_guard<std::mutex> guard(lock);
+                layers.push_back(layer);
+                scopes.push_back(scope);
+                params.push_back(p);
+                ranges = r.size();
+            }
             result = answer;
+            while (hold && (progress == nullptr || !progress->is_stop_requested())) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            }
             return true;
         };
     }
+    int calls() {
+        std::lock_guard<std::mutex> guard(lock);
+        return int(layers.size());
+    }
+    // In place of the engine's check while the spy lives.
+    wctest::ScopedEngineHook<Hook> installed{&wcref::EngineHooks::signal_layers_checks, hook()};
 };
 
 signal_check_result withHits(int red, int yellow, int green) {
@@ -88,7 +94,7 @@ signal_check_result withHits(int red, int yellow, int green) {
     return result;
 }
 
-wc::SignalCheckForm formWithTests(std::initializer_list<int> checked) {
+wc::SignalCheckForm formWithTests(const QList<int>& checked) {
     wc::SignalCheckForm form;
     form.layers = QStringLiteral("top;bottom");
     form.distances = {"10", "25", "14", "10", "5"};
@@ -107,8 +113,6 @@ private slots:
     void init() { QVERIFY(scene_.open()); }
     void cleanup() { QVERIFY(scene_.close()); }
 
-    // ---- without a window --------------------------------------------------------------------
-
     void parameterString_data() {
         QTest::addColumn<QList<int>>("tests");
         QTest::addColumn<QString>("pp_tests");
@@ -121,10 +125,7 @@ private slots:
     void parameterString() {
         QFETCH(QList<int>, tests);
         QFETCH(QString, pp_tests);
-        wc::SignalCheckForm form = formWithTests({});
-        for (int test : tests) {
-            form.tests[static_cast<size_t>(test)] = true;
-        }
+        wc::SignalCheckForm form = formWithTests(tests);
         form.apply_to = 1;
         form.compensated_rout = 2;
         QCOMPARE(wc::signalLayerParams(form),
@@ -136,9 +137,7 @@ private slots:
     }
 
     void recordInBothUnits_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("spacing");
-        QTest::addColumn<double>("spacing_nm");
+        wctest::columns<int, QString, double>("unit", "spacing", "spacing_nm");
         row("mil", 0, "10", 254000.0);
         row("mm", 1, "0.254", 254000.0);
     }
@@ -184,11 +183,7 @@ private slots:
     }
 
     void summary_data() {
-        QTest::addColumn<int>("red");
-        QTest::addColumn<int>("yellow");
-        QTest::addColumn<int>("green");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("style");
+        wctest::columns<int, int, int, QString, QString>("red", "yellow", "green", "text", "style");
         row("red wins", 1, 3, 2, "!!", "QLabel{background:red;}");
         row("yellow", 0, 2, 5, "!", "QLabel{background:yellow;}");
         row("only green", 0, 0, 1, "", "QLabel{background:green;}");
@@ -204,7 +199,6 @@ private slots:
         EngineSpy spy;
         spy.answer[sli_line_width] = withHits(0, 0, 0);
         spy.answer[sli_pad_size] = withHits(red, yellow, green);
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         auto* summary = child<QLabel>(dialog, "label_Summary");
         summary->setText("before");
@@ -215,8 +209,6 @@ private slots:
         QCOMPARE(button(dialog, "pushButton_View")->styleSheet(),
                  "QPushButton{background-image:url(:/Widget_Common/Resources/viewgreen.jpg)}");
     }
-
-    // ---- the dialog --------------------------------------------------------------------------
 
     void windowAsTheHostExpects() {
         wctest::UnitScope scope(scene_.host(), 0);
@@ -246,10 +238,8 @@ private slots:
     }
 
     void scopeReachingTheEngine_data() {
-        QTest::addColumn<QStringList>("presses");
-        QTest::addColumn<bool>("selected");
-        QTest::addColumn<QList<int>>("scopes");
-        QTest::addColumn<int>("remembered");
+        wctest::columns<QStringList, bool, QList<int>, int>("presses", "selected", "scopes",
+                                                            "remembered");
         row("global after screen", QStringList{"RunScreen", "RunGlobally"}, false, QList<int>{1, 0},
             0);
         row("selected, global", QStringList{"RunGlobally"}, true, QList<int>{3}, 3);
@@ -262,7 +252,6 @@ private slots:
         QFETCH(QList<int>, scopes);
         QFETCH(int, remembered);
         EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top");
         child<QRadioButton>(dialog,
@@ -282,11 +271,8 @@ private slots:
     }
 
     void layersAndEmptyFields_data() {
-        QTest::addColumn<QString>("layers");
-        QTest::addColumn<QString>("spacing");
-        QTest::addColumn<QStringList>("boxes");
-        QTest::addColumn<QString>("status");
-        QTest::addColumn<int>("engine_calls");
+        wctest::columns<QString, QString, QStringList, QString, int>("layers", "spacing", "boxes",
+                                                                     "status", "engine_calls");
         row("missing one", "top;nosuch;bottom", "10",
             QStringList{"WARNING!|nosuch is not exists !"}, "2 layers were processed", 2);
         row("only missing", "nosuch", "10", QStringList{"WARNING!|nosuch is not exists !"},
@@ -303,7 +289,6 @@ private slots:
         QFETCH(QString, status);
         QFETCH(int, engine_calls);
         EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         wctest::MessageBoxAnswerer answerer;
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
@@ -321,34 +306,14 @@ private slots:
 
     void stopBetweenLayers() {
         // The first layer's worker waits until the user has stopped the run.
-        std::atomic<int> calls{0};
-        wctest::ScopedEngineHook hook(
-            &wcref::EngineHooks::signal_layers_checks,
-            [&calls](const std::string&, const std::string&, const std::string&,
-                     signal_check_params, std::vector<signal_layers_checks_list>,
-                     std::map<signal_layers_checks_items, signal_check_range>,
-                     std::map<signal_layers_checks_items, signal_check_result>& result,
-                     Korvo::COMMON::progress_value<signal_check_result_map>* progress, int) {
-                ++calls;
-                result[sli_line_width] = withHits(1, 0, 0);
-                while (!progress->is_stop_requested()) {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-                }
-                return true;
-            });
+        EngineSpy spy;
+        spy.answer[sli_line_width] = withHits(1, 0, 0);
+        spy.hold = true;
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;bottom");
-        QTimer stopper;
-        QObject::connect(&stopper, &QTimer::timeout, [] {
-            for (QWidget* widget : QApplication::topLevelWidgets()) {
-                if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
-                    window->requestStop();
-                }
-            }
-        });
-        stopper.start(5);
+        wctest::Stopper stopper(dialog);
         dialog.on_RunGlobally_clicked();
-        QCOMPARE(calls.load(), 1);
+        QCOMPARE(spy.calls(), 1);
         QCOMPARE(text(dialog, "label_Status"), "SignalLayer check terminated");
         QCOMPARE(button(dialog, "pushButton_View")->styleSheet(),
                  "QPushButton{background-image:url(:/Widget_Common/Resources/viewred.jpg)}");
@@ -448,7 +413,6 @@ private slots:
     void databaseRoundTripDropsSkeleton() {
         EngineSpy spy;
         spy.answer[sli_pad_size] = withHits(0, 2, 0);
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         wctest::UnitScope scope(scene_.host(), 1);
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.on_db_connected(true);
@@ -512,7 +476,6 @@ private slots:
     void serviceRunsTheCheckOrIsBusy() {
         EngineSpy spy;
         spy.answer[sli_smd_pitch] = withHits(0, 0, 1);
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layers_checks, spy.hook());
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Service);
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
         child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->setChecked(true);
@@ -522,21 +485,7 @@ private slots:
         QCOMPARE(text(dialog, "label_Summary"), QString());
 
         // A second check while one is under way is refused.
-        std::atomic<bool> release{false};
-        std::atomic<bool> entered{false};
-        wctest::ScopedEngineHook slow(
-            &wcref::EngineHooks::signal_layers_checks,
-            [&](const std::string&, const std::string&, const std::string&, signal_check_params,
-                std::vector<signal_layers_checks_list>,
-                std::map<signal_layers_checks_items, signal_check_range>,
-                std::map<signal_layers_checks_items, signal_check_result>&,
-                Korvo::COMMON::progress_value<signal_check_result_map>*, int) {
-                entered = true;
-                while (!release) {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-                }
-                return true;
-            });
+        spy.hold = true;
         std::thread first([] {
             Korvo::CheckList::signal_check_request request;
             request.job = kJob;
@@ -545,11 +494,11 @@ private slots:
             signal_check_result_map result;
             Korvo::CheckList::runSignalLayerCheckList(request, result, nullptr);
         });
-        while (!entered) {
+        while (spy.calls() < 3) {
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
         dialog.on_RunGlobally_clicked();
-        release = true;
+        spy.hold = false;
         first.join();
         QCOMPARE(text(dialog, "label_Status"), "the service is busy");
         QCOMPARE(dialog.result().size(), size_t(2));  // the earlier result stays

@@ -4,13 +4,14 @@
 
 #include <QImage>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <cmath>
 #include <functional>
 #include <set>
 
+#include "DataColumns.h"
+#include "DataRows.h"
 #include "DemoWindow.h"
 #include "DialogCatalogue.h"
 #include "FeatureFilterSettings.h"
@@ -22,14 +23,18 @@
 #include "analysis_drawing_data.h"
 #include "frame/PluginMessages.h"
 
+using wctest::row;
+
 namespace {
 
 using Korvo::API::analysis_drawing_data;
 using Korvo::API::point;
 using Send = std::function<void(DemoWindow&)>;
 
-void send(DemoWindow& window, int code, const QString& receiver, void* payload) {
+void send(DemoWindow& window, int code, const QString& receiver, void* payload,
+          const QVariantMap& values = {}) {
     PluginMetaData message;
+    message.values = values;
     message.sender = QStringLiteral("test");
     message.receiver = receiver;
     message.code = code;
@@ -104,38 +109,28 @@ private slots:
     void messageReactions_data() {
         using namespace wc::code;
         const int pads = Korvo::API::FT_Pad | Korvo::API::FT_Positive | Korvo::API::FT_Negative;
-        QTest::addColumn<Send>("messages");
-        QTest::addColumn<int>("overlays");
-        QTest::addColumn<int>("highlighted");
-        QTest::addColumn<int>("hidden");
-        QTest::addColumn<bool>("bottomShown");
-        QTest::addColumn<int>("shownLayers");
-        QTest::newRow("one hit replaces the layers")
-            << hits(ShowOneHit, 1, "bottom", true) << 1 << 0 << 0 << true << 1;
-        QTest::newRow("all hits keep the layers")
-            << hits(ShowAllHits, 3, "bottom", false) << 3 << 0 << 0 << true << 4;
-        QTest::newRow("teardrop hit")
-            << hits(TeardropOneHit, 1, "top", true) << 1 << 0 << 0 << false << 1;
-        QTest::newRow("viewer closed clears")
-            << both(hits(ShowOneHit, 1, "bottom", true),
-                    [](DemoWindow& w) { send(w, ViewerClosed, wc::module::GraphicView, nullptr); })
-            << 0 << 0 << 0 << true << 1;
-        QTest::newRow("filter highlight")
-            << filter(FilterHighlight, wc::module::JobList, pads) << 0 << -1 << 0 << false << 3;
-        QTest::newRow("filter turn off")
-            << filter(FilterTurnOff, wc::module::JobList, pads) << 0 << 0 << -1 << false << 3;
-        QTest::newRow("filter to another module")
-            << filter(FilterHighlight, wc::module::GraphicView, pads) << 0 << 0 << 0 << false << 3;
-        QTest::newRow("filter closed clears")
-            << both(filter(FilterHighlight, wc::module::JobList, pads),
-                    [](DemoWindow& w) {
-                        PluginMetaData message;
-                        message.receiver = wc::module::JobList;
-                        message.code = FilterHistogramOrClose;
-                        message.values[QStringLiteral("type")] = QStringLiteral("close");
-                        QTpluginsManger4CAM::instance()->recMegToPlugin(&w, message);
-                    })
-            << 0 << 0 << 0 << false << 3;
+        wctest::columns<Send, int, int, int, bool, int>("messages", "overlays", "highlighted",
+                                                        "hidden", "bottomShown", "shownLayers");
+        row("one hit replaces the layers", hits(ShowOneHit, 1, "bottom", true), 1, 0, 0, true, 1);
+        row("all hits keep the layers", hits(ShowAllHits, 3, "bottom", false), 3, 0, 0, true, 4);
+        row("teardrop hit", hits(TeardropOneHit, 1, "top", true), 1, 0, 0, false, 1);
+        row("viewer closed clears",
+            both(hits(ShowOneHit, 1, "bottom", true),
+                 [](DemoWindow& w) { send(w, ViewerClosed, wc::module::GraphicView, nullptr); }),
+            0, 0, 0, true, 1);
+        row("filter highlight", filter(FilterHighlight, wc::module::JobList, pads), 0, -1, 0, false,
+            3);
+        row("filter turn off", filter(FilterTurnOff, wc::module::JobList, pads), 0, 0, -1, false,
+            3);
+        row("filter to another module", filter(FilterHighlight, wc::module::GraphicView, pads), 0,
+            0, 0, false, 3);
+        row("filter closed clears",
+            both(filter(FilterHighlight, wc::module::JobList, pads),
+                 [](DemoWindow& w) {
+                     send(w, FilterHistogramOrClose, wc::module::JobList, nullptr,
+                          {{"type", "close"}});
+                 }),
+            0, 0, 0, false, 3);
     }
     void messageReactions() {
         QFETCH(Send, messages);
@@ -163,13 +158,11 @@ private slots:
     // layers puts its symbol into the field the button belongs to, replacing or adding.
     void symbolPicks_data() {
         using namespace wc::code;
-        QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<bool>("replace");
-        QTest::newRow("include, replace") << PickIncludeSymbol << "lineEdit_IncludeSymbols" << true;
-        QTest::newRow("include, add") << PickAddIncludeSymbol << "lineEdit_IncludeSymbols" << false;
-        QTest::newRow("exclude, replace") << PickExcludeSymbol << "lineEdit_ExcludeSymbols" << true;
-        QTest::newRow("exclude, add") << PickAddExcludeSymbol << "lineEdit_ExcludeSymbols" << false;
+        wctest::columns<int, QString, bool>("code", "field", "replace");
+        row("include, replace", PickIncludeSymbol, "lineEdit_IncludeSymbols", true);
+        row("include, add", PickAddIncludeSymbol, "lineEdit_IncludeSymbols", false);
+        row("exclude, replace", PickExcludeSymbol, "lineEdit_ExcludeSymbols", true);
+        row("exclude, add", PickAddExcludeSymbol, "lineEdit_ExcludeSymbols", false);
     }
     void symbolPicks() {
         QFETCH(int, code);
@@ -195,7 +188,7 @@ private slots:
         const Korvo::API::featureInfo& pad = pads.front();
 
         emit view->pointPicked(pad.start, false);  // no request yet: nothing happens
-        QCOMPARE(edit->text(), QStringLiteral("s5"));
+        QCOMPARE(edit->text(), "s5");
         send(window, code, wc::module::GraphicView, nullptr);
         emit view->pointPicked({pad.start.x + 2540, pad.start.y}, false);
         QString expected = QString::fromStdString(pad.symbol);
@@ -208,10 +201,10 @@ private slots:
     void panelDrawingFollowsTheEngine_data() {
         QTest::addColumn<int>("angle");
         QTest::addColumn<bool>("mirror");
-        QTest::newRow("as placed") << -1 << false;
-        QTest::newRow("90 mirrored") << 90 << true;
-        QTest::newRow("270") << 270 << false;
-        QTest::newRow("45 mirrored") << 45 << true;
+        row("as placed", -1, false);
+        row("90 mirrored", 90, true);
+        row("270", 270, false);
+        row("45 mirrored", 45, true);
     }
     void panelDrawingFollowsTheEngine() {
         QFETCH(int, angle);

@@ -19,13 +19,14 @@
 #include <thread>
 #include <type_traits>
 
+#include "DataColumns.h"
 #include "DialogCatalogue.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
+#include "ProgressWindows.h"
 #include "ReferenceEngine.h"
 #include "SampleJobScene.h"
 #include "UnitScope.h"
-#include "ZeProgressDialog.h"
 #include "frame/BackgroundRun.h"
 #include "progress_value.h"
 
@@ -99,8 +100,7 @@ auto faulty(Fault fault, std::shared_ptr<std::atomic<int>> calls) {
     };
 }
 
-// Puts the faulty operation in place of the one `menu`'s dialog runs; false for a dialog that
-// runs none.
+// Puts the faulty operation in place of the one a dialog runs.
 using Installer = std::function<void(Fault, std::shared_ptr<std::atomic<int>>)>;
 
 template <typename Hook>
@@ -120,26 +120,10 @@ const demo::DialogEntry& entryNamed(const QString& menu) {
     return demo::dialogCatalogue().front();
 }
 
-void stopProgressWindows() {
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
-            window->requestStop();
-        }
-    }
-}
-
-bool isProgressShown() {
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (qobject_cast<ZeProgressDialog*>(widget) != nullptr && widget->isVisible()) {
-            return true;
-        }
-    }
-    return false;
-}
-
 }  // namespace
 
 Q_DECLARE_METATYPE(Fault)
+Q_DECLARE_METATYPE(Installer)
 
 class tst_Robustness : public QObject {
     Q_OBJECT
@@ -162,18 +146,20 @@ private slots:
     // exception, the run's end shown, the host told of the change where the dialog tells it,
     // and the dialog usable for a normal run afterwards.
     void faultInjection_data() {
-        QTest::addColumn<QString>("menu");
-        QTest::addColumn<Fault>("fault");
-        QTest::addColumn<bool>("notifies");
+        wctest::columns<QString, Installer, Fault, bool>("menu", "install", "fault", "notifies");
         struct Dialog {
             const char* menu;
+            Installer install;
             bool notifies;
         };
-        const Dialog dialogs[] = {{"Signal Layer Checks...", false},
-                                  {"Signal Layer Optimization...", true},
-                                  {"Solder Mask Optimization...", true},
-                                  {"Advanced Teardrop Creation...", true},
-                                  {"NFP Removal...", true}};
+        const Dialog dialogs[] = {
+            {"Signal Layer Checks...", install(&wcref::EngineHooks::signal_layers_checks), false},
+            {"Signal Layer Optimization...", install(&wcref::EngineHooks::signal_layer_DFM_op),
+             true},
+            {"Solder Mask Optimization...", install(&wcref::EngineHooks::solder_mask_DFM_op), true},
+            {"Advanced Teardrop Creation...", install(&wcref::EngineHooks::teardrop_create_DFM_op),
+             true},
+            {"NFP Removal...", install(&wcref::EngineHooks::NFP_removal_DFM_op), true}};
         const std::pair<const char*, Fault> faults[] = {
             {"returns false", Fault::ReturnsFalse},
             {"throws a text", Fault::ThrowsText},
@@ -185,35 +171,36 @@ private slots:
         for (const Dialog& dialog : dialogs) {
             for (const auto& fault : faults) {
                 const QByteArray tag = QByteArray(dialog.menu) + " " + fault.first;
-                QTest::newRow(tag.constData())
-                    << QString::fromLatin1(dialog.menu) << fault.second << dialog.notifies;
+                QTest::newRow(tag.constData()) << QString::fromLatin1(dialog.menu) << dialog.install
+                                               << fault.second << dialog.notifies;
             }
         }
     }
     void faultInjection() {
         QFETCH(QString, menu);
+        QFETCH(Installer, install);
         QFETCH(Fault, fault);
         QFETCH(bool, notifies);
         const demo::DialogEntry& entry = entryNamed(menu);
         QPointer<QWidget> dialog = entry.create(context_);
         dialog->show();
         auto calls = std::make_shared<std::atomic<int>>(0);
-        installers().at(menu)(fault, calls);
+        install(fault, calls);
 
         // Ends a run wrongly started inside the first, so that the row fails instead of hanging.
         QTimer rescue;
         rescue.setSingleShot(true);
-        QObject::connect(&rescue, &QTimer::timeout, [] { stopProgressWindows(); });
+        QObject::connect(&rescue, &QTimer::timeout, [] { wctest::stopProgressWindows(); });
         int calls_of_second_click = 0;
         QTimer interferer;
         QObject::connect(&interferer, &QTimer::timeout, [&] {
-            if (!isProgressShown()) {
+            if (!wctest::isProgressShown()) {
                 return;
             }
             if (fault == Fault::DialogDestroyed && !dialog.isNull()) {
                 delete dialog.data();
             } else if (fault == Fault::PartialAfterStop) {
-                stopProgressWindows();
+                wctest::stopProgressWindows();
             } else if (fault == Fault::ReenteredDuringRun && !dialog.isNull()) {
                 // What a host may do while the progress window keeps the user out.
                 interferer.stop();
@@ -224,7 +211,7 @@ private slots:
                 entry.changeUnit(dialog);
                 entry.changeLanguage(dialog);
                 dialog->close();
-                stopProgressWindows();
+                wctest::stopProgressWindows();
             }
         });
         interferer.start(5);
@@ -243,7 +230,7 @@ private slots:
         }
         QVERIFY(*calls > 0);
         QCOMPARE(calls_of_second_click, 0);
-        QVERIFY(!isProgressShown());
+        QVERIFY(!wctest::isProgressShown());
         if (notifies) {
             QCOMPARE(messages.withCode(20002401).size(), 1);
             QCOMPARE(messages.withCode(20002400).size(), 1);
@@ -251,7 +238,7 @@ private slots:
         // Usable afterwards: the next run reaches the engine again and ends.
         dialog->show();
         wcref::engineHooks() = wcref::EngineHooks();
-        installers().at(menu)(Fault::ReturnsFalse, calls);
+        install(Fault::ReturnsFalse, calls);
         const int before = *calls;
         entry.apply(dialog.data());
         QVERIFY(*calls > before);
@@ -276,8 +263,9 @@ private slots:
         dialog->show();
         wctest::MessageBoxAnswerer boxes;
         QTimer stopper;  // runs started by the monkey are stopped at once now and then
-        QObject::connect(&stopper, &QTimer::timeout, [] { stopProgressWindows(); });
+        QObject::connect(&stopper, &QTimer::timeout, [] { wctest::stopProgressWindows(); });
         QRandomGenerator random(quint32(20261123 + index));
+        const auto pick = [&random](int count) { return int(random.bounded(quint32(count))); };
         const QStringList texts = {
             "",        "0", "12.5", "-5",  "1e308", "abc", "中文", "99999999999999999999",
             "0.00001", " ", "top;", "r10", "-0",    "3,5"};
@@ -298,14 +286,9 @@ private slots:
                     widgets.append(widget);
                 }
             }
-            QWidget* target =
-                widgets.isEmpty() ? nullptr : widgets[int(random.bounded(quint32(widgets.size())))];
+            QWidget* target = widgets.isEmpty() ? nullptr : widgets[pick(widgets.size())];
             const quint32 action = random.bounded(20u);
-            if (random.bounded(4u) == 0) {
-                stopper.start(1);
-            } else {
-                stopper.stop();
-            }
+            random.bounded(4u) == 0 ? stopper.start(1) : stopper.stop();
             try {
                 if (action == 0) {
                     unit = 1 - unit;
@@ -319,20 +302,19 @@ private slots:
                     button->click();
                 } else if (auto* edit = qobject_cast<QLineEdit*>(target)) {
                     if (!edit->isReadOnly()) {
-                        edit->setText(texts[int(random.bounded(quint32(texts.size())))]);
+                        edit->setText(texts[pick(texts.size())]);
                         QTest::keyClick(edit, Qt::Key_Return);
                         emit edit->editingFinished();
                     }
                 } else if (auto* combo = qobject_cast<QComboBox*>(target)) {
                     if (combo->count() > 0) {
-                        combo->setCurrentIndex(int(random.bounded(quint32(combo->count()))));
+                        combo->setCurrentIndex(pick(combo->count()));
                     }
                 } else if (auto* spin = qobject_cast<QSpinBox*>(target)) {
-                    spin->setValue(int(random.bounded(quint32(spin->maximum() + 1))));
+                    spin->setValue(pick(spin->maximum() + 1));
                 } else if (auto* table = qobject_cast<QTableWidget*>(target)) {
                     if (table->rowCount() > 0 && table->columnCount() > 0) {
-                        table->setCurrentCell(int(random.bounded(quint32(table->rowCount()))),
-                                              int(random.bounded(quint32(table->columnCount()))));
+                        table->setCurrentCell(pick(table->rowCount()), pick(table->columnCount()));
                     }
                 } else {
                     continue;  // a label or a frame: nothing to do
@@ -348,7 +330,7 @@ private slots:
             QCoreApplication::processEvents();
         }
         stopper.stop();
-        QVERIFY(!isProgressShown());
+        QVERIFY(!wctest::isProgressShown());
         QVERIFY(!dialog.isNull());
         qInfo("%s: %d of %d steps acted", qPrintable(entry.menu), acted, steps);
         // Most steps must reach a widget, or the monkey proves nothing.
@@ -357,17 +339,6 @@ private slots:
     }
 
 private:
-    static const std::map<QString, Installer>& installers() {
-        static const std::map<QString, Installer> map = {
-            {"Signal Layer Checks...", install(&wcref::EngineHooks::signal_layers_checks)},
-            {"Signal Layer Optimization...", install(&wcref::EngineHooks::signal_layer_DFM_op)},
-            {"Solder Mask Optimization...", install(&wcref::EngineHooks::solder_mask_DFM_op)},
-            {"Advanced Teardrop Creation...", install(&wcref::EngineHooks::teardrop_create_DFM_op)},
-            {"NFP Removal...", install(&wcref::EngineHooks::NFP_removal_DFM_op)},
-        };
-        return map;
-    }
-
     wctest::SampleJobScene scene_;
     demo::DemoContext context_;
 };

@@ -1,23 +1,14 @@
-#include <QCheckBox>
-#include <QInputDialog>
 #include <QLineEdit>
-#include <QRadioButton>
-#include <QSignalSpy>
 #include <QtTest>
 
-#include <mutex>
-#include <stdexcept>
-
+#include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
-#include "ReferenceEngine.h"
 #include "SampleJobScene.h"
-#include "ScopedEngineHook.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_NFPRemoval.h"
-#include "frame/BackgroundRun.h"
 
 using namespace Korvo::API;
 using dfmtest::child;
@@ -26,25 +17,8 @@ using wctest::row;
 namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
-
-struct EngineSpy {
-    std::mutex lock;
-    std::vector<NFP_removal_DFM_op_params> params;
-    std::vector<std::vector<std::string>> layers;
-    NFP_removal_result_map answer;
-
-    auto hook() {
-        return [this](const std::string&, const std::string&, const std::vector<std::string>& l,
-                      NFP_removal_DFM_op_params p, NFP_removal_result_map& result,
-                      Korvo::COMMON::progress_value<void>*) {
-            std::lock_guard<std::mutex> guard(lock);
-            params.push_back(p);
-            layers.push_back(l);
-            result = answer;
-            return true;
-        };
-    }
-};
+using EngineSpy = dfmtest::EngineSpy<NFP_removal_DFM_op_params, NFP_removal_result_map>;
+constexpr auto kOperation = &wcref::EngineHooks::NFP_removal_DFM_op;
 
 void click(QWidget& dialog, const QString& name) {
     child<QAbstractButton>(dialog, name)->click();
@@ -62,10 +36,8 @@ private slots:
     // Clicks on the dialog, then the record the engine got. Columns of the record: pth, npth,
     // via, remove undrilled, apply to, action, scope, pad kinds.
     void recordFromTheForm_data() {
-        QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<QString>("run");
-        QTest::addColumn<QList<int>>("record");
-        QTest::addColumn<QList<int>>("kinds");
+        wctest::columns<QStringList, QString, QList<int>, QList<int>>("clicks", "run", "record",
+                                                                      "kinds");
         row("defaults", QStringList{}, "RunGlobally", QList<int>{1, 0, 1, 1, 0, 0, 0},
             QList<int>{1, 4});
         // Codes in the order of the boxes, not in code order.
@@ -89,15 +61,14 @@ private slots:
         QFETCH(QString, run);
         QFETCH(QList<int>, record);
         QFETCH(QList<int>, kinds);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::NFP_removal_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
         for (const QString& name : clicks) {
             click(dialog, name);
         }
         click(dialog, "pushButton_" + run);
-        QCOMPARE(spy.params.size(), size_t(1));
-        const NFP_removal_DFM_op_params& p = spy.params.front();
+        QCOMPARE(spy.calls(), 1);
+        const NFP_removal_DFM_op_params& p = spy.last();
         QCOMPARE((QList<int>{p.pth, p.npth, p.via, p.remove_undrilled_pads, p.apply_to, p.action,
                              p.scope}),
                  record);
@@ -119,8 +90,7 @@ private slots:
     }
     void layerError() {
         QFETCH(QString, layers);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::NFP_removal_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         wctest::MessageBoxAnswerer answerer;
         wctest::PluginSpy plugins;
         Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
@@ -128,38 +98,48 @@ private slots:
         dialog.on_m_pRunGlobalPB_clicked();
         QCOMPARE(answerer.texts(), QStringList{"Layer error!"});
         QCOMPARE(answerer.last().title, "Information");
-        QCOMPARE(spy.params.size(), size_t(0));
+        QCOMPARE(spy.calls(), 0);
         QCOMPARE(plugins.count(), 0);
         QCOMPARE(dfmtest::labelText(dialog, "label_Status"), QString());
         QVERIFY(!dialog.hasResults());
     }
 
-    void stopThenCompletion() {
-        wctest::ScopedEngineHook hook(
-            &wcref::EngineHooks::NFP_removal_DFM_op,
-            [](const std::string&, const std::string&, const std::vector<std::string>&,
-               NFP_removal_DFM_op_params, NFP_removal_result_map& result,
-               Korvo::COMMON::progress_value<void>* progress) {
-                result[nfp_isolated_removed].yellow.resize(3);
-                dfmtest::workUntilStopped(progress);
-                return true;
-            });
+    // However the run ends (stopped, or the engine throwing), what the engine produced is kept,
+    // the host is told twice, a worker's exception is logged, not shown, and any parameter change
+    // makes the shown result stale.
+    void runEnds_data() {
+        wctest::columns<bool, bool, QString, QString>("throws", "stopped", "layers", "status");
+        row("engine returns", false, false, "l3", "1 NFP Removal layers processed");
+        row("engine throws", true, false, "l3", "1 NFP Removal layers processed");
+        row("stopped", false, true, "top;l3;l4;bottom", "4 NFP Removal layers processed");
+    }
+    void runEnds() {
+        QFETCH(bool, throws);
+        QFETCH(bool, stopped);
+        QFETCH(QString, layers);
+        QFETCH(QString, status);
+        EngineSpy spy(kOperation, throws ? EngineSpy::Throw : EngineSpy::Succeed);
+        spy.answer[nfp_isolated_removed].yellow.resize(3);
+        spy.wait_for_stop = stopped;
+        wctest::MessageBoxAnswerer answerer;
+        wctest::PluginSpy plugins;
         Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;l4;bottom");
-        dfmtest::Stopper stopper(dialog);
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
+        dfmtest::Stopper stopper(dialog, stopped);
         dialog.on_m_pScreenOnlyPB_clicked();
-        QVERIFY(stopper.seen().contains("Remove NFP terminated|" + dfmtest::kRed));
-        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "4 NFP Removal layers processed");
+        QCOMPARE(stopper.seen().contains("Remove NFP terminated|" + dfmtest::kRed), stopped);
+        dfmtest::verifyNotifications(plugins, kJob);
+        QCOMPARE(answerer.count(), 0);
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), status);
         QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
         QVERIFY(dialog.hasResults());
         QCOMPARE(dialog.result().at(nfp_isolated_removed).yellow.size(), size_t(3));
+        click(dialog, "checkBox_Covered");
+        QCOMPARE(dfmtest::viewStyle(dialog), QString());
     }
 
     void resultLabelAndViewer_data() {
-        QTest::addColumn<int>("red");
-        QTest::addColumn<int>("yellow");
-        QTest::addColumn<int>("green");
-        QTest::addColumn<QString>("style");
+        wctest::columns<int, int, int, QString>("red", "yellow", "green", "style");
         row("red wins", 1, 2, 3, "QLabel{background-color:rgb(255,0,0);}");
         row("yellow", 0, 2, 3, "QLabel{background-color:rgb(255,255,0);}");
         row("green", 0, 0, 3, "QLabel{background-color:rgb(0,255,0);}");
@@ -170,11 +150,10 @@ private slots:
         QFETCH(int, yellow);
         QFETCH(int, green);
         QFETCH(QString, style);
-        EngineSpy spy;
+        EngineSpy spy(kOperation);
         spy.answer[nfp_covered_removed].red.resize(static_cast<size_t>(red));
         spy.answer[nfp_marked].yellow.resize(static_cast<size_t>(yellow));
         spy.answer[nfp_marked].green.resize(static_cast<size_t>(green));
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::NFP_removal_DFM_op, spy.hook());
         Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
         dialog.on_m_pRunGlobalPB_clicked();
         auto* time = child<QLabel>(dialog, "label_Time");
@@ -192,43 +171,11 @@ private slots:
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3");
         dialog.on_m_pRunGlobalPB_clicked();
         QCOMPARE(dialog.resultsViewer(), viewer);
-        QCOMPARE(viewer->model().layers().at(0).layer_names,
-                 (std::vector<std::string>{"top", "l3"}));
-    }
-
-    void notificationsAlsoAfterAnException_data() {
-        QTest::addColumn<bool>("throws");
-        row("engine returns", false);
-        row("engine throws", true);
-    }
-    void notificationsAlsoAfterAnException() {
-        QFETCH(bool, throws);
-        wctest::ScopedEngineHook hook(
-            &wcref::EngineHooks::NFP_removal_DFM_op,
-            [throws](const std::string&, const std::string&, const std::vector<std::string>&,
-                     NFP_removal_DFM_op_params, NFP_removal_result_map&,
-                     Korvo::COMMON::progress_value<void>*) -> bool {
-                if (throws) {
-                    throw std::runtime_error("pad table unreadable");
-                }
-                return true;
-            });
-        wctest::MessageBoxAnswerer answerer;
-        wctest::PluginSpy plugins;
-        Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("l3");
-        dialog.on_m_pRunGlobalPB_clicked();
-        dfmtest::verifyNotifications(plugins, kJob);
-        QCOMPARE(answerer.count(), 0);
-        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "1 NFP Removal layers processed");
-        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
-        click(dialog, "checkBox_Covered");
-        QCOMPARE(dfmtest::viewStyle(dialog), QString());
+        QCOMPARE(dfmtest::joined(viewer->model().layers().at(0).layer_names), "top;l3");
     }
 
     void parameterSetRoundTrip() {
         Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
-        QSignalSpy named(&dialog, &Widget_NFPRemoval::send_Sel_Template_Name);
         const QStringList changed = {"checkBox_Isolated",
                                      "checkBox_Duplicate",
                                      "checkBox_ViaLaser",
@@ -239,11 +186,7 @@ private slots:
         for (const QString& name : changed) {
             click(dialog, name);
         }
-        dialog.on_m_pSaveAsPB_clicked();
-        auto* ask = child<QInputDialog>(dialog, "templateNameDialog");
-        ask->setTextValue("inner only");
-        ask->accept();
-        QCOMPARE(named.count(), 1);
+        dfmtest::saveAs(dialog, "inner only");
         QVERIFY(dialog.isErfFileExist("inner only"));
 
         Widget_NFPRemoval other(kJob, "pcb", scene_.host());

@@ -5,25 +5,16 @@
 #include <QRadioButton>
 #include <QtTest>
 
-#include <atomic>
-#include <mutex>
-#include <stdexcept>
-#include <thread>
-
+#include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
-#include "ReferenceEngine.h"
 #include "SampleJobScene.h"
-#include "ScopedEngineHook.h"
 #include "UnitScope.h"
-#include "ZeProgressDialog.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_SignalLayerOpt.h"
-#include "frame/BackgroundRun.h"
 #include "frame/ParameterSetActions.h"
-#include "frame/RunControls.h"
 
 using namespace Korvo::API;
 using Params = signal_layer_DFM_op_params;
@@ -33,33 +24,32 @@ namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
 using dfmtest::child;
+using EngineSpy = dfmtest::EngineSpy<Params, signal_layer_DFM_result_map>;
+constexpr auto kOperation = &wcref::EngineHooks::signal_layer_DFM_op;
+
+// The length fields, with the member each fills.
+const std::pair<const char*, int32_t Params::*> kLengths[] = {
+    {"PTHARMin", &Params::pth_ar_min},
+    {"PTHAROpt", &Params::pth_ar_opt},
+    {"VIAARMin", &Params::via_ar_min},
+    {"VIAAROpt", &Params::via_ar_opt},
+    {"LaserARMin", &Params::laser_ar_min},
+    {"LaserAROpt", &Params::laser_ar_opt},
+    {"BuriedARMin", &Params::buried_ar_min},
+    {"BuriedAROpt", &Params::buried_ar_opt},
+    {"SpacingMin", &Params::spacing_min},
+    {"SpacingOpt", &Params::spacing_opt},
+    {"PadToPadMin", &Params::pad_to_pad_spacing_min},
+    {"PadToPadOpt", &Params::pad_to_pad_spacing_opt},
+    {"AloneDrill", &Params::alone_drill_to_pad},
+    {"SMDtoSMD", &Params::smd_to_smd},
+    {"BGAtoBGA", &Params::bga_to_bga},
+    {"SMDShaving", &Params::smd_shaving_limit},
+    {"BGAShaving", &Params::bga_shaving_limit}};
 
 QLineEdit* field(QWidget& dialog, const QString& key) {
     return child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key);
 }
-
-// What the engine was given; the hook runs on the worker.
-struct EngineSpy {
-    std::mutex lock;
-    int calls = 0;
-    Params params;
-    std::vector<std::string> layers;
-
-    auto hook() {
-        return [this](const std::string&, const std::string&, const std::vector<std::string>& l,
-                      Params p, signal_layer_DFM_result_map& result,
-                      Korvo::COMMON::progress_value<void>*) {
-            std::lock_guard<std::mutex> guard(lock);
-            ++calls;
-            params = p;
-            layers = l;
-            for (const std::string& layer : l) {
-                result[layer][sdi_pad_up].red.resize(2);
-            }
-            return true;
-        };
-    }
-};
 
 }  // namespace
 
@@ -73,10 +63,7 @@ private slots:
     // Every field goes to its own member, truncated to whole nanometres, in either unit; the
     // disabled rows and the options the dialog does not own never reach the record.
     void record_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<bool>("selected");
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<int>("scope");
+        wctest::columns<int, bool, QString, int>("unit", "selected", "button", "scope");
         row("mil, globally", 0, false, "pushButton_RunGlobally", 0);
         row("mil, profile", 0, false, "pushButton_RunProfile", 2);
         row("mm, screen", 1, false, "pushButton_RunScreen", 1);
@@ -89,17 +76,14 @@ private slots:
         QFETCH(int, scope);
         wctest::UnitScope units(scene_.host(), unit);
         Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
-        // Distinct values per field, so that any two swapped members show.
-        const QStringList keys = {
-            "PTHARMin",    "PTHAROpt",    "VIAARMin",   "VIAAROpt",   "LaserARMin",  "LaserAROpt",
-            "BuriedARMin", "BuriedAROpt", "SpacingMin", "SpacingOpt", "PadToPadMin", "PadToPadOpt",
-            "AloneDrill",  "SMDtoSMD",    "BGAtoBGA",   "SMDShaving", "BGAShaving"};
-        // Fractions of a nanometre on purpose: the record truncates.
+        // Distinct values per field, so that any two swapped members show. Fractions of a nanometre
+        // on purpose: the record truncates.
         const double base = unit == 0 ? 0.5 : 0.1;
         const double step = unit == 0 ? 0.5 : 0.005;
         const double nm = unit == 0 ? 25400.0 : 1e6;
-        for (int i = 0; i < keys.size(); ++i) {
-            field(dialog, keys[i])->setText(QString::number(base + step * i + step / 3.0, 'f', 4));
+        for (size_t i = 0; i < std::size(kLengths); ++i) {
+            field(dialog, kLengths[i].first)
+                ->setText(QString::number(base + step * i + step / 3.0, 'f', 4));
         }
         for (const char* disabled : {"NVIAARMin", "NVIAAROpt", "LREFrom", "LRETo", "Reduction"}) {
             QVERIFY(!field(dialog, disabled)->isEnabled());
@@ -109,54 +93,33 @@ private slots:
         child<QCheckBox>(dialog, "checkBox_PadDn")->setChecked(false);
         child<QCheckBox>(dialog, "checkBox_VIAPadExpand")->setChecked(true);
         child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->setChecked(selected);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         wctest::MessageBoxAnswerer boxes;
         child<QPushButton>(dialog, button)->click();
         QCOMPARE(boxes.texts(), QStringList());
 
-        QCOMPARE(spy.calls, 1);
-        const int32_t members[] = {spy.params.pth_ar_min,
-                                   spy.params.pth_ar_opt,
-                                   spy.params.via_ar_min,
-                                   spy.params.via_ar_opt,
-                                   spy.params.laser_ar_min,
-                                   spy.params.laser_ar_opt,
-                                   spy.params.buried_ar_min,
-                                   spy.params.buried_ar_opt,
-                                   spy.params.spacing_min,
-                                   spy.params.spacing_opt,
-                                   spy.params.pad_to_pad_spacing_min,
-                                   spy.params.pad_to_pad_spacing_opt,
-                                   spy.params.alone_drill_to_pad,
-                                   spy.params.smd_to_smd,
-                                   spy.params.bga_to_bga,
-                                   spy.params.smd_shaving_limit,
-                                   spy.params.bga_shaving_limit};
-        for (int i = 0; i < keys.size(); ++i) {
-            const double typed = field(dialog, keys[i])->text().toDouble();
-            QCOMPARE(members[i], static_cast<int32_t>(typed * nm));
+        QCOMPARE(spy.calls(), 1);
+        const Params& p = spy.last();
+        for (const auto& [key, member] : kLengths) {
+            QCOMPARE(p.*member, static_cast<int32_t>(field(dialog, key)->text().toDouble() * nm));
         }
-        QCOMPARE(spy.params.scope, scope);
-        QVERIFY(spy.params.pad_up && spy.params.shave && spy.params.shave_same_net);
-        QVERIFY(!spy.params.pad_down && spy.params.reroute);
-        QVERIFY(!spy.params.line_down && !spy.params.reshape);
-        QVERIFY(spy.params.via_pad_expand_within_copper);
+        QCOMPARE(p.scope, scope);
+        QVERIFY(p.pad_up && p.shave && p.shave_same_net);
+        QVERIFY(!p.pad_down && p.reroute);
+        QVERIFY(!p.line_down && !p.reshape);
+        QVERIFY(p.via_pad_expand_within_copper);
         const Params defaults;
-        QCOMPARE(spy.params.repair_passes, defaults.repair_passes);
-        QCOMPARE(spy.params.minimum_tolerance, defaults.minimum_tolerance);
-        QVERIFY(spy.params.second_ranges.empty());
-        QVERIFY(!spy.params.ranges.empty());
-        QCOMPARE(spy.layers, (std::vector<std::string>{"top", "l3", "bottom"}));
+        QCOMPARE(p.repair_passes, defaults.repair_passes);
+        QCOMPARE(p.minimum_tolerance, defaults.minimum_tolerance);
+        QVERIFY(p.second_ranges.empty());
+        QVERIFY(!p.ranges.empty());
+        QCOMPARE(spy.layers.back(), (std::vector<std::string>{"top", "l3", "bottom"}));
     }
 
     // The run's checks: the five required fields first, then every non-empty field against
     // twenty, or thirty for the LRE, %Reduction and Abs.Min rows, in the display unit.
     void checks_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("message");
+        wctest::columns<int, QString, QString, QString>("unit", "key", "text", "message");
         row("empty required field", 0, "SpacingMin", "", "Illegal floating parameter");
         row("empty optional field runs", 0, "SpacingOpt", "", "");
         row("25 fails twenty", 0, "PTHAROpt", "25",
@@ -179,18 +142,12 @@ private slots:
         wctest::UnitScope units(scene_.host(), unit);
         Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         field(dialog, key)->setText(text);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         wctest::MessageBoxAnswerer boxes;
         dialog.on_unGlobally_clicked();
-        if (message.isEmpty()) {
-            QCOMPARE(boxes.count(), 0);
-            QCOMPARE(spy.calls, 1);
-        } else {
-            QCOMPARE(boxes.texts(), QStringList{message});
-            QCOMPARE(boxes.last().title, "Information");
-            QCOMPARE(spy.calls, 0);
-        }
+        QCOMPARE(boxes.texts(), message.isEmpty() ? QStringList() : QStringList{message});
+        QVERIFY(boxes.count() == 0 || boxes.last().title == "Information");
+        QCOMPARE(spy.calls(), message.isEmpty() ? 1 : 0);
     }
 
     void shaveEnablesShaveSameNetWithoutTouchingIt() {
@@ -200,11 +157,10 @@ private slots:
         shave->click();
         QVERIFY(!same_net->isEnabled());
         QVERIFY(same_net->isChecked());
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         dialog.on_unGlobally_clicked();
-        QVERIFY(!spy.params.shave);
-        QVERIFY(spy.params.shave_same_net);
+        QVERIFY(!spy.last().shave);
+        QVERIFY(spy.last().shave_same_net);
         shave->click();
         QVERIFY(same_net->isEnabled());
     }
@@ -212,12 +168,11 @@ private slots:
     void noLayerNoRunNoNotification() {
         Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         dialog.setAffectedLayers({});
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         wctest::PluginSpy messages;
         dialog.on_RunProfile_clicked();
         QCOMPARE(child<QLabel>(dialog, "label_Status")->text(), "No layers were processed");
-        QCOMPARE(spy.calls, 0);
+        QCOMPARE(spy.calls(), 0);
         QCOMPARE(messages.count(), 0);
         QVERIFY(!dialog.hasResults());
     }
@@ -234,18 +189,9 @@ private slots:
         QFETCH(bool, throws);
         Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         dialog.setAffectedLayers({"top", "bottom"});
-        wctest::ScopedEngineHook hook(
-            &wcref::EngineHooks::signal_layer_DFM_op,
-            [throws](const std::string&, const std::string&, const std::vector<std::string>&,
-                     Params, signal_layer_DFM_result_map& result,
-                     Korvo::COMMON::progress_value<void>* progress) {
-                result["top"][sdi_spacing].yellow.resize(1);
-                dfmtest::workUntilStopped(progress);
-                if (throws) {
-                    throw std::runtime_error("engine failure");
-                }
-                return false;
-            });
+        EngineSpy spy(kOperation, throws ? EngineSpy::Throw : EngineSpy::Fail);
+        spy.answer["top"][sdi_spacing].yellow.resize(1);
+        spy.wait_for_stop = true;
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer boxes;
         {
@@ -264,8 +210,10 @@ private slots:
 
     void viewerShowsTheRunWithKindSeven() {
         Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::signal_layer_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
+        for (const char* layer : {"top", "l3", "bottom"}) {
+            spy.answer[layer][sdi_pad_up].red.resize(2);
+        }
         dialog.on_unGlobally_clicked();
         dialog.on_Check_clicked();
         auto* viewer = scene_.host()->findChild<Widget_ResultsViewer*>();

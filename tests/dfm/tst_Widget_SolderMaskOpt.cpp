@@ -1,100 +1,47 @@
-#include <QButtonGroup>
 #include <QCheckBox>
 #include <QGroupBox>
-#include <QInputDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableWidget>
 #include <QtTest>
 
-#include <mutex>
-#include <stdexcept>
-#include <thread>
-
+#include "DataColumns.h"
 #include "DataRows.h"
+#include "DfmDialogKit.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
-#include "ReferenceEngine.h"
 #include "SampleJobScene.h"
-#include "ScopedEngineHook.h"
 #include "UnitScope.h"
-#include "ZeProgressDialog.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/SolderMaskOptChecks.h"
 #include "dfm/Widget_SolderMaskOpt.h"
-#include "frame/BackgroundRun.h"
-#include "frame/RunControls.h"
 
 using namespace Korvo::API;
+using dfmtest::child;
+using dfmtest::labelText;
 using wctest::row;
 
 namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
 using Entries = QList<QPair<int, int>>;
-const QString kGreen = wc::RunControls::viewStyle(wc::RunControls::ViewState::Fresh);
-const QString kRed = wc::RunControls::viewStyle(wc::RunControls::ViewState::Stopped);
+using EngineSpy = dfmtest::EngineSpy<solder_mask_DFM_params, solder_mask_DFM_result_map>;
+constexpr auto kOperation = &wcref::EngineHooks::solder_mask_DFM_op;
 
-template <typename T = QWidget>
-T* child(QWidget& dialog, const QString& name) {
-    T* found = dialog.findChild<T*>(name);
-    if (found == nullptr) {
-        qFatal("no child %s", qPrintable(name));
-    }
-    return found;
-}
+// Three typed fields, the SMD table and the scope chosen, and what the record must hold.
+struct Typed {
+    int unit;
+    QString clearance_opt, flow_add, cut_coverage;
+    wc::RangeRows smd_rows;
+    bool selected;
+    int button;
+    int clearance_opt_nm, flow_add_nm, cut_coverage_nm, smd_range_nm, scope;
+};
 
 void type(QWidget& dialog, const QString& key, const QString& text) {
     child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key)->setText(text);
 }
-
-QString text(QWidget& dialog, const char* label) {
-    return child<QLabel>(dialog, QString::fromLatin1(label))->text();
-}
-
-// Small mm values that pass the first round, so that a row reaches the engine-unit checks.
-void passFirstChecksInMm(QWidget& dialog) {
-    type(dialog, "BridgeSize", "0");
-    type(dialog, "CoverageMin", "0");
-}
-
-// What the engine was given; the hook runs on the worker, the test reads after the run.
-struct EngineSpy {
-    enum Mode { Succeed, Fail, Throw, WaitForStop };
-    std::mutex lock;
-    Mode mode = Succeed;
-    int calls = 0;
-    std::vector<std::string> layers;
-    solder_mask_DFM_params params;
-    solder_mask_DFM_result_map answer;
-
-    auto hook() {
-        return [this](const std::string&, const std::string&, const std::vector<std::string>& l,
-                      solder_mask_DFM_params p, solder_mask_DFM_result_map& result,
-                      Korvo::COMMON::progress_value<void>* progress) {
-            {
-                std::lock_guard<std::mutex> guard(lock);
-                ++calls;
-                layers = l;
-                params = p;
-            }
-            if (mode == Throw) {
-                throw std::runtime_error("engine broke");
-            }
-            if (mode == WaitForStop) {
-                while (!progress->is_stop_requested()) {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-                }
-                // Winding down, as an engine finishing the feature at hand.
-                std::this_thread::sleep_for(std::chrono::milliseconds(150));
-            }
-            result = answer;
-            return mode != Fail;
-        };
-    }
-};
 
 solder_mask_DFM_op_result hits(int red, int yellow, int green) {
     solder_mask_DFM_op_result record;
@@ -140,6 +87,8 @@ QString delMessage(const QString& text, const QString& upper) {
 
 }  // namespace
 
+Q_DECLARE_METATYPE(Typed)
+
 class tst_Widget_SolderMaskOpt : public QObject {
     Q_OBJECT
 
@@ -147,12 +96,8 @@ private slots:
     void init() { QVERIFY(scene_.open()); }
     void cleanup() { QVERIFY(scene_.close()); }
 
-    // ---- without a window --------------------------------------------------------------------
-
     void tableToMap_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<wc::RangeRows>("rows");
-        QTest::addColumn<Entries>("entries");
+        wctest::columns<int, wc::RangeRows, Entries>("unit", "rows", "entries");
         using Rows = wc::RangeRows;
         row("empty", 0, Rows{}, Entries{});
         row("half rows left out", 0, Rows{{"4", ""}, {"", "1"}, {"-", "1"}, {"6", "0.5"}},
@@ -173,12 +118,9 @@ private slots:
         QCOMPARE(wc::rangeTableMap(rows, scene_.host()), expected);
     }
 
-    // ---- the record ---------------------------------------------------------------------------
-
     void everyFieldInItsMember() {
         wctest::UnitScope scope(scene_.host(), 0);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         // Distinct quarter mils, exact in engine units.
         for (size_t i = 0; i < std::size(kIntFields); ++i) {
@@ -191,12 +133,12 @@ private slots:
         QVERIFY(child<QGroupBox>(dialog, "groupBox_AdvancedSurplus")->isEnabled());
         dialog.on_m_pRunGlobalPB_clicked();
 
-        QCOMPARE(spy.calls, 1);
-        QCOMPARE(spy.layers, (std::vector<std::string>{"top_mask", "bottom_mask"}));
+        QCOMPARE(spy.calls(), 1);
+        QCOMPARE(spy.layers.back(), (std::vector<std::string>{"top_mask", "bottom_mask"}));
         for (size_t i = 0; i < std::size(kIntFields); ++i) {
-            QCOMPARE(spy.params.*kIntFields[i].member, int32_t(6350 * (i + 1)));
+            QCOMPARE(spy.last().*kIntFields[i].member, int32_t(6350 * (i + 1)));
         }
-        const solder_mask_DFM_params& p = spy.params;
+        const solder_mask_DFM_params& p = spy.last();
         QVERIFY(p.advanced_surplus && p.is_round && p.apply_to_all && p.use_shaves && p.pth);
         QVERIFY(!p.use_existing_mask && !p.fan_shave && !p.do_resize);
         QVERIFY(p.smd_compensate_ranges.empty());
@@ -208,74 +150,51 @@ private slots:
     }
 
     void recordFromTypedValues_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("clearance_opt");
-        QTest::addColumn<QString>("flow_add");
-        QTest::addColumn<QString>("cut_coverage");
-        QTest::addColumn<wc::RangeRows>("smd_rows");
-        QTest::addColumn<bool>("selected");
-        QTest::addColumn<int>("button");
-        QTest::addColumn<int>("clearance_opt_nm");
-        QTest::addColumn<int>("flow_add_nm");
-        QTest::addColumn<int>("cut_coverage_nm");
-        QTest::addColumn<int>("smd_range_nm");
-        QTest::addColumn<int>("scope");
+        QTest::addColumn<Typed>("c");
+        const wc::RangeRows none, mil_range{{"4", "1"}}, mm_range{{"0.5", "0.25"}};
         // Truncated toward zero, not rounded and not floored.
-        row("mil truncated", 0, "0.33333", "-0.33333", "7.5", wc::RangeRows{{"4", "1"}}, false, 0,
-            8466, -8466, 190500, 101600, 0);
-        row("mil at the limits", 0, "200", "-8", "0", wc::RangeRows{}, false, 1, 5080000, -203200,
-            0, -1, 1);
-        row("mm profile", 1, "5", "-0.125", "0.0625", wc::RangeRows{{"0.5", "0.25"}}, false, 2,
-            5000000, -125000, 62500, 500000, 2);
-        row("mm selected", 1, "0.125", "0.2", "1.5", wc::RangeRows{}, true, 0, 125000, 200000,
-            1500000, -1, 3);
-        row("mil selected", 0, "5", "0", "0", wc::RangeRows{}, true, 2, 127000, 0, 0, -1, 3);
+        row("mil truncated", Typed{0, "0.33333", "-0.33333", "7.5", mil_range, false, 0, 8466,
+                                   -8466, 190500, 101600, 0});
+        row("mil at the limits",
+            Typed{0, "200", "-8", "0", none, false, 1, 5080000, -203200, 0, -1, 1});
+        row("mm profile", Typed{1, "5", "-0.125", "0.0625", mm_range, false, 2, 5000000, -125000,
+                                62500, 500000, 2});
+        row("mm selected",
+            Typed{1, "0.125", "0.2", "1.5", none, true, 0, 125000, 200000, 1500000, -1, 3});
+        row("mil selected", Typed{0, "5", "0", "0", none, true, 2, 127000, 0, 0, -1, 3});
     }
     void recordFromTypedValues() {
-        QFETCH(int, unit);
-        QFETCH(QString, clearance_opt);
-        QFETCH(QString, flow_add);
-        QFETCH(QString, cut_coverage);
-        QFETCH(wc::RangeRows, smd_rows);
-        QFETCH(bool, selected);
-        QFETCH(int, button);
-        QFETCH(int, clearance_opt_nm);
-        QFETCH(int, flow_add_nm);
-        QFETCH(int, cut_coverage_nm);
-        QFETCH(int, smd_range_nm);
-        QFETCH(int, scope);
-        wctest::UnitScope units(scene_.host(), unit);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
+        QFETCH(Typed, c);
+        wctest::UnitScope units(scene_.host(), c.unit);
+        EngineSpy spy(kOperation);
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
-        if (unit == 1) {
-            passFirstChecksInMm(dialog);
+        if (c.unit == 1) {  // small enough to pass the first round
+            type(dialog, "BridgeSize", "0");
+            type(dialog, "CoverageMin", "0");
         }
-        type(dialog, "ClearanceOpt", clearance_opt);
-        type(dialog, "PreventVerticalFlowAdd", flow_add);
-        type(dialog, "CutSurplusCoverage", cut_coverage);
-        dialog.setTableRow(smd_rows);
-        if (selected) {
+        type(dialog, "ClearanceOpt", c.clearance_opt);
+        type(dialog, "PreventVerticalFlowAdd", c.flow_add);
+        type(dialog, "CutSurplusCoverage", c.cut_coverage);
+        dialog.setTableRow(c.smd_rows);
+        if (c.selected) {
             child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->click();
         }
         const char* buttons[] = {"pushButton_RunGlobally", "pushButton_RunScreen",
                                  "pushButton_RunProfile"};
-        child<QPushButton>(dialog, buttons[button])->click();
+        child<QPushButton>(dialog, buttons[c.button])->click();
 
-        QCOMPARE(spy.calls, 1);
-        QCOMPARE(spy.params.clearance_opt, clearance_opt_nm);
-        QCOMPARE(spy.params.prevent_vertical_flow_add, flow_add_nm);
-        QCOMPARE(spy.params.cut_surplus_coverage, cut_coverage_nm);
-        QCOMPARE(spy.params.apply_to_all, !selected);
-        QCOMPARE(spy.params.scope, scope);
-        QCOMPARE(int(spy.params.smd_compensate_ranges.size()), smd_range_nm < 0 ? 0 : 1);
-        if (smd_range_nm >= 0) {
-            QCOMPARE(spy.params.smd_compensate_ranges.begin()->first, smd_range_nm);
+        QCOMPARE(spy.calls(), 1);
+        QCOMPARE(spy.last().clearance_opt, c.clearance_opt_nm);
+        QCOMPARE(spy.last().prevent_vertical_flow_add, c.flow_add_nm);
+        QCOMPARE(spy.last().cut_surplus_coverage, c.cut_coverage_nm);
+        QCOMPARE(spy.last().apply_to_all, !c.selected);
+        QCOMPARE(spy.last().scope, c.scope);
+        QCOMPARE(int(spy.last().smd_compensate_ranges.size()), c.smd_range_nm < 0 ? 0 : 1);
+        if (c.smd_range_nm >= 0) {
+            QCOMPARE(spy.last().smd_compensate_ranges.begin()->first, c.smd_range_nm);
         }
-        QVERIFY(spy.params.gas_ranges.empty());
+        QVERIFY(spy.last().gas_ranges.empty());
     }
-
-    // ---- checks before the run ----------------------------------------------------------------
 
     void checksBeforeTheRun_data() {
         QTest::addColumn<int>("unit");
@@ -323,8 +242,7 @@ private slots:
         QFETCH(QStringList, edits);
         QFETCH(QString, message);
         wctest::UnitScope scope(scene_.host(), unit);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer answerer;
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
@@ -332,18 +250,12 @@ private slots:
             type(dialog, edit.section('=', 0, 0), edit.section('=', 1));
         }
         dialog.on_m_pRunGlobalPB_clicked();
-        if (message.isEmpty()) {
-            QCOMPARE(answerer.count(), 0);
-            QCOMPARE(spy.calls, 1);
-            QCOMPARE(messages.count(), 2);
-        } else {
-            QCOMPARE(answerer.count(), 1);
-            QCOMPARE(answerer.last().title, "Information");
-            QCOMPARE(answerer.last().text, message);
-            QCOMPARE(spy.calls, 0);
-            QCOMPARE(messages.count(), 0);
-            QCOMPARE(text(dialog, "label_Time"), "No results");
-        }
+        const bool runs = message.isEmpty();
+        QCOMPARE(answerer.texts(), runs ? QStringList() : QStringList{message});
+        QVERIFY(answerer.count() == 0 || answerer.last().title == "Information");
+        QCOMPARE(spy.calls(), runs ? 1 : 0);
+        QCOMPARE(messages.count(), runs ? 2 : 0);
+        QCOMPARE(labelText(dialog, "label_Time") == "No results", !runs);
     }
 
     void noLayers_data() {
@@ -353,8 +265,7 @@ private slots:
     }
     void noLayers() {
         QFETCH(QString, expression);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer answerer;
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
@@ -362,48 +273,47 @@ private slots:
         // An engine value out of range is not reached: the layers come first.
         type(dialog, "PartialClearance", "9");
         dialog.on_m_pRunGlobalPB_clicked();
-        QCOMPARE(text(dialog, "label_Status"), "No layers were processed");
-        QCOMPARE(spy.calls, 0);
+        QCOMPARE(labelText(dialog, "label_Status"), "No layers were processed");
+        QCOMPARE(spy.calls(), 0);
         QCOMPARE(messages.count(), 0);
         QCOMPARE(answerer.count(), 0);
         QVERIFY(!dialog.hasResults());
     }
 
-    // ---- the run ------------------------------------------------------------------------------
-
-    void cancelThenCompletion() {
-        EngineSpy spy;
-        spy.mode = EngineSpy::WaitForStop;
+    // However the run ends (stopped, the engine failing or throwing), the host is told twice and
+    // a worker's exception is logged, not shown; what the engine produced is shown unless it threw.
+    void runEnds_data() {
+        wctest::columns<int, bool, bool>("mode", "stopped", "has_results");
+        row("engine succeeds", int(EngineSpy::Succeed), false, true);
+        row("engine fails", int(EngineSpy::Fail), false, true);
+        row("engine throws", int(EngineSpy::Throw), false, false);
+        row("stopped", int(EngineSpy::Succeed), true, true);
+    }
+    void runEnds() {
+        QFETCH(int, mode);
+        QFETCH(bool, stopped);
+        QFETCH(bool, has_results);
+        EngineSpy spy(kOperation, EngineSpy::Mode(mode));
         spy.answer[smo_bridge_removed] = {hits(1, 0, 0), hits(0, 2, 0)};
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
+        spy.wait_for_stop = stopped;
+        wctest::PluginSpy messages;
+        wctest::MessageBoxAnswerer answerer;
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
-        QLabel* status = child<QLabel>(dialog, "label_Status");
-        QPushButton* view = child<QPushButton>(dialog, "pushButton_View");
-        QList<QPair<QString, QString>> seen;
-        QTimer stopper;
-        QObject::connect(&stopper, &QTimer::timeout, [&] {
-            const QPair<QString, QString> now{status->text(), view->styleSheet()};
-            if (seen.isEmpty() || seen.last() != now) {
-                seen.append(now);
-            }
-            for (QWidget* widget : QApplication::topLevelWidgets()) {
-                if (auto* window = qobject_cast<ZeProgressDialog*>(widget)) {
-                    window->requestStop();
-                }
-            }
-        });
-        stopper.start(5);
+        dfmtest::Stopper stopper(dialog, stopped);
         dialog.on_m_pRunGlobalPB_clicked();
-        stopper.stop();
-
-        QVERIFY2(seen.contains({"SolderMask opt terminated", kRed}), qPrintable(seen.last().first));
-        QCOMPARE(status->text(), "2 layers were processed");
-        QCOMPARE(view->styleSheet(), kGreen);
-        QVERIFY(text(dialog, "label_Time").contains(" - "));
-        QVERIFY(dialog.hasResults());
-        QCOMPARE(text(dialog, "label_Summary"), "!!");
-        QCOMPARE(text(dialog, "label_Changes"), "Changes: 3");
-
+        QCOMPARE(stopper.seen().contains("SolderMask opt terminated|" + dfmtest::kRed), stopped);
+        QCOMPARE(spy.calls(), 1);
+        dfmtest::verifyNotifications(messages, kJob);
+        QCOMPARE(answerer.count(), 0);
+        QCOMPARE(labelText(dialog, "label_Status"), "2 layers were processed");
+        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
+        QVERIFY(labelText(dialog, "label_Time").contains(" - "));
+        QCOMPARE(dialog.hasResults(), has_results);
+        if (!has_results) {
+            return;
+        }
+        QCOMPARE(labelText(dialog, "label_Summary"), "!!");
+        QCOMPARE(labelText(dialog, "label_Changes"), "Changes: 3");
         dialog.on_m_pViewResultPB_clicked();
         auto* viewer = scene_.host()->findChild<Widget_ResultsViewer*>();
         QVERIFY(viewer != nullptr);
@@ -411,46 +321,10 @@ private slots:
         QCOMPARE(dialog.result().at(smo_bridge_removed).size(), size_t(2));
     }
 
-    void notifications_data() {
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<bool>("has_results");
-        row("engine succeeds", int(EngineSpy::Succeed), true);
-        row("engine fails", int(EngineSpy::Fail), true);
-        row("engine throws", int(EngineSpy::Throw), false);
-    }
-    void notifications() {
-        QFETCH(int, mode);
-        QFETCH(bool, has_results);
-        EngineSpy spy;
-        spy.mode = EngineSpy::Mode(mode);
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
-        wctest::PluginSpy messages;
-        wctest::MessageBoxAnswerer answerer;
-        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
-        dialog.on_m_pRunGlobalPB_clicked();
-        QCOMPARE(spy.calls, 1);
-        QCOMPARE(messages.codes(), (QList<int>{20002401, 20002400}));
-        const QString receivers[] = {"Matrix.dll", "Graphic_JobList.dll"};
-        const QString kinds[] = {"Matrix", "Graphic"};
-        for (int i = 0; i < 2; ++i) {
-            QCOMPARE(messages.messages()[i].sender, "CAM_PNData_View.dll");
-            QCOMPARE(messages.messages()[i].receiver, receivers[i]);
-            QCOMPARE(messages.messages()[i].values.value("DstType").toString(), kinds[i]);
-        }
-        // A worker's exception is logged, not shown.
-        QCOMPARE(answerer.count(), 0);
-        QCOMPARE(text(dialog, "label_Status"), "2 layers were processed");
-        QCOMPARE(dialog.hasResults(), has_results);
-    }
-
-    // ---- parameter sets and units -------------------------------------------------------------
-
     void parameterSetRoundTrip() {
         wctest::UnitScope scope(scene_.host(), 0);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::solder_mask_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
-        QSignalSpy named(&dialog, SIGNAL(send_Sel_Template_Name(QString)));
         auto* smd = child<QTableWidget>(dialog, "tableWidget_SMDCompensateRange");
         for (int i = 0; i < 3; ++i) {
             child<QPushButton>(dialog, "pushButton_AddSMDRow")->click();
@@ -465,13 +339,7 @@ private slots:
         child<QRadioButton>(dialog, "radioButton_IsRound_No")->click();
         child<QCheckBox>(dialog, "checkBox_Advance")->click();
 
-        dialog.on_m_pSaveAsPB_clicked();
-        auto* name_dialog = dialog.findChild<QInputDialog*>("templateNameDialog");
-        QVERIFY(name_dialog != nullptr);
-        name_dialog->setTextValue("mine");
-        name_dialog->accept();
-        QCOMPARE(named.count(), 1);
-        QCOMPARE(named.at(0).at(0).toString(), "mine");
+        dfmtest::saveAs(dialog, "mine");
 
         const wc::RangeRows saved_smd = dialog.smdCompensateRows();
         QCOMPARE(saved_smd, (wc::RangeRows{{"4", "1"}, {"6", "2"}}));
@@ -491,11 +359,11 @@ private slots:
         // The restored cells are editors again and reach the record.
         QVERIFY(qobject_cast<QLineEdit*>(smd->cellWidget(1, 1)) != nullptr);
         dialog.on_m_pRunGlobalPB_clicked();
-        QCOMPARE(spy.params.smd_compensate_ranges,
+        QCOMPARE(spy.last().smd_compensate_ranges,
                  (std::map<int32_t, int32_t>{{101600, 25400}, {152400, 50800}}));
-        QCOMPARE(spy.params.gas_ranges, (std::map<int32_t, int32_t>{{76200, 12700}}));
-        QCOMPARE(spy.params.bridge_size, 177800);
-        QVERIFY(!spy.params.is_round && spy.params.advanced_surplus);
+        QCOMPARE(spy.last().gas_ranges, (std::map<int32_t, int32_t>{{76200, 12700}}));
+        QCOMPARE(spy.last().bridge_size, 177800);
+        QVERIFY(!spy.last().is_round && spy.last().advanced_surplus);
     }
 
     void unitChangeConvertsFieldsAndCells() {
@@ -508,7 +376,7 @@ private slots:
         QCOMPARE(child<QLineEdit>(dialog, "lineEdit_BridgeSize")->text(), "0.1016");
         QCOMPARE(child<QLineEdit>(dialog, "lineEdit_CutSurplusClearance")->text(), "0.0127");
         QCOMPARE(dialog.gasRows(), (wc::RangeRows{{"0.2032", ""}}));
-        QCOMPARE(text(dialog, "label_BridgeSizeUnit"), "mm");
+        QCOMPARE(labelText(dialog, "label_BridgeSizeUnit"), "mm");
     }
 
 private:

@@ -1,26 +1,18 @@
-#include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QInputDialog>
 #include <QLineEdit>
 #include <QRadioButton>
-#include <QSignalSpy>
 #include <QtTest>
 
-#include <mutex>
-#include <stdexcept>
-
+#include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
-#include "ReferenceEngine.h"
 #include "SampleJobScene.h"
-#include "ScopedEngineHook.h"
 #include "UnitScope.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_Teardrops.h"
-#include "frame/BackgroundRun.h"
 
 using namespace Korvo::API;
 using dfmtest::child;
@@ -29,31 +21,13 @@ using wctest::row;
 namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
+using EngineSpy = dfmtest::EngineSpy<teardrop_create_DFM_op_params, teardrop_result_map>;
+constexpr auto kOperation = &wcref::EngineHooks::teardrop_create_DFM_op;
 
 // Length fields in screen order.
 const QStringList kLengths = {"AnnRingMin",    "DrillSizeMin",  "DrillSizeMax",
                               "TraceWidthMin", "TraceWidthMax", "CuSpacing",
                               "DrillSpacing",  "OvalExcess",    "Extend"};
-
-// What the engine was given (the hook runs on the worker).
-struct EngineSpy {
-    std::mutex lock;
-    std::vector<teardrop_create_DFM_op_params> params;
-    std::vector<std::vector<std::string>> layers;
-    teardrop_result_map answer;
-
-    auto hook() {
-        return [this](const std::string&, const std::string&, const std::vector<std::string>& l,
-                      teardrop_create_DFM_op_params p, teardrop_result_map& result,
-                      Korvo::COMMON::progress_value<void>*) {
-            std::lock_guard<std::mutex> guard(lock);
-            params.push_back(p);
-            layers.push_back(l);
-            result = answer;
-            return true;
-        };
-    }
-};
 
 QLineEdit* edit(QWidget& dialog, const QString& key) {
     return child<QLineEdit>(dialog, "lineEdit_" + key);
@@ -89,10 +63,8 @@ private slots:
 
     // Every length typed distinct, so that a field landing in the wrong member shows.
     void recordFromTypedValues_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QStringList>("lengths");
-        QTest::addColumn<QList<int>>("expected_nm");
-        QTest::addColumn<bool>("options");
+        wctest::columns<int, QStringList, QList<int>, bool>("unit", "lengths", "expected_nm",
+                                                            "options");
         row("mil", 0, QStringList{"1", "2", "3", "4", "5", "6", "7", "8", "9"},
             QList<int>{25400, 50800, 76200, 101600, 127000, 152400, 177800, 203200, 228600}, false);
         // 3.33333 mil is 84666.58 nm: truncated, not rounded.
@@ -108,8 +80,7 @@ private slots:
         QFETCH(QList<int>, expected_nm);
         QFETCH(bool, options);
         wctest::UnitScope scope(scene_.host(), unit);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::teardrop_create_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         wctest::MessageBoxAnswerer answerer;
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         for (int i = 0; i < kLengths.size(); ++i) {
@@ -128,8 +99,8 @@ private slots:
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
         dialog.on_m_pScreenOnlyPB_clicked();
         QCOMPARE(answerer.texts(), QStringList());
-        QCOMPARE(spy.params.size(), size_t(1));
-        const teardrop_create_DFM_op_params& p = spy.params.front();
+        QCOMPARE(spy.calls(), 1);
+        const teardrop_create_DFM_op_params& p = spy.last();
         const QList<int> got = {p.annular_ring_min, p.drill_size_min,         p.drill_size_max,
                                 p.trace_width_min,  p.trace_width_max,        p.copper_spacing,
                                 p.drill_spacing,    p.oval_excess_over_trace, p.extend};
@@ -192,8 +163,7 @@ private slots:
         QFETCH(QStringList, typed);
         QFETCH(QString, message);
         wctest::UnitScope scope(scene_.host(), unit);
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::teardrop_create_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         wctest::MessageBoxAnswerer answerer;
         wctest::PluginSpy plugins;
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
@@ -205,93 +175,63 @@ private slots:
             edit(dialog, pair.section('=', 0, 0))->setText(pair.section('=', 1));
         }
         dialog.on_m_pRunGlobalPB_clicked();
-        if (message.isEmpty()) {
-            QCOMPARE(answerer.count(), 0);
-            QCOMPARE(spy.params.size(), size_t(1));
-            return;
-        }
-        QCOMPARE(answerer.texts(), QStringList{message});
-        QCOMPARE(answerer.last().title, "Information");
-        QCOMPARE(spy.params.size(), size_t(0));
-        QCOMPARE(plugins.count(), 0);
+        const bool runs = message.isEmpty();
+        QCOMPARE(answerer.texts(), runs ? QStringList() : QStringList{message});
+        QVERIFY(answerer.count() == 0 || answerer.last().title == "Information");
+        QCOMPARE(spy.calls(), runs ? 1 : 0);
+        QCOMPARE(plugins.count(), runs ? 2 : 0);
     }
 
-    void stopThenCompletion() {
-        std::atomic<int> calls{0};
-        wctest::ScopedEngineHook hook(
-            &wcref::EngineHooks::teardrop_create_DFM_op,
-            [&calls](const std::string&, const std::string&, const std::vector<std::string>&,
-                     teardrop_create_DFM_op_params, teardrop_result_map& result,
-                     Korvo::COMMON::progress_value<void>* progress) {
-                ++calls;
-                result[tdi_created_drilled].red.resize(2);
-                dfmtest::workUntilStopped(progress);
-                return true;
-            });
+    // However the run ends (stopped, the engine failing or throwing), what the engine produced
+    // is kept and shown, the host is told twice, a worker's exception is logged, not shown, and
+    // any parameter change makes the shown result stale.
+    void runEnds_data() {
+        wctest::columns<int, bool, QString, QString>("mode", "stopped", "layers", "status");
+        row("engine succeeds", int(EngineSpy::Succeed), false, "top", "1 layers were processed");
+        row("engine fails", int(EngineSpy::Fail), false, "top", "1 layers were processed");
+        row("engine throws", int(EngineSpy::Throw), false, "top", "1 layers were processed");
+        row("stopped", int(EngineSpy::Succeed), true, "top;l3;bottom", "3 layers were processed");
+    }
+    void runEnds() {
+        QFETCH(int, mode);
+        QFETCH(bool, stopped);
+        QFETCH(QString, layers);
+        QFETCH(QString, status);
+        EngineSpy spy(kOperation, EngineSpy::Mode(mode));
+        spy.answer[tdi_created_drilled].red.resize(2);
+        spy.wait_for_stop = stopped;
+        wctest::MessageBoxAnswerer answerer;
+        wctest::PluginSpy plugins;
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3;bottom");
-        dfmtest::Stopper stopper(dialog);
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
+        dfmtest::Stopper stopper(dialog, stopped);
         dialog.on_m_pInsideProfilePB_clicked();
-        QCOMPARE(calls.load(), 1);
-        QVERIFY(stopper.seen().contains("TearDrop dfm terminated|" + dfmtest::kRed));
-        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "3 layers were processed");
+        QCOMPARE(stopper.seen().contains("TearDrop dfm terminated|" + dfmtest::kRed), stopped);
+        QCOMPARE(spy.calls(), 1);
+        dfmtest::verifyNotifications(plugins, kJob);
+        QCOMPARE(answerer.count(), 0);
+        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), status);
         QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
         QVERIFY(dfmtest::labelText(dialog, "label_Time").contains(" - "));
-        // What the engine had done by the stop is kept and shown.
         QVERIFY(dialog.hasResults());
         QCOMPARE(dialog.result().at(tdi_created_drilled).red.size(), size_t(2));
         dialog.on_m_pViewResultPB_clicked();
         QVERIFY(dialog.resultsViewer() != nullptr);
         QCOMPARE(dialog.resultsViewer()->kind(), wc::ViewerKind::Teardrops);
-        QCOMPARE(dialog.resultsViewer()->model().layers().at(0).layer_names,
-                 (std::vector<std::string>{"top", "l3", "bottom"}));
-    }
-
-    void notifications_data() {
-        QTest::addColumn<QString>("engine");  // "ok", "false", "throws"
-        row("engine succeeds", "ok");
-        row("engine fails", "false");
-        row("engine throws", "throws");
-    }
-    void notifications() {
-        QFETCH(QString, engine);
-        wctest::ScopedEngineHook hook(
-            &wcref::EngineHooks::teardrop_create_DFM_op,
-            [engine](const std::string&, const std::string&, const std::vector<std::string>&,
-                     teardrop_create_DFM_op_params, teardrop_result_map& result,
-                     Korvo::COMMON::progress_value<void>*) {
-                result[tdi_missing_drilled].yellow.resize(1);
-                if (engine == "throws") {
-                    throw std::runtime_error("engine lost its job");
-                }
-                return engine == "ok";
-            });
-        wctest::MessageBoxAnswerer answerer;
-        wctest::PluginSpy plugins;
-        Widget_Teardrops dialog(kJob, "pcb", scene_.host());
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top");
-        dialog.on_m_pRunGlobalPB_clicked();
-        dfmtest::verifyNotifications(plugins, kJob);
-        // The worker's exception is logged, not shown; the run completes.
-        QCOMPARE(answerer.count(), 0);
-        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "1 layers were processed");
-        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
-        // What the engine put into the map before it failed or threw is kept.
-        QCOMPARE(dialog.result().at(tdi_missing_drilled).yellow.size(), size_t(1));
-        // Any parameter change makes the shown result stale.
+        QCOMPARE(dfmtest::joined(dialog.resultsViewer()->model().layers().at(0).layer_names),
+                 layers);
         child<QComboBox>(dialog, "comboBox_Type")->setCurrentIndex(2);
         QCOMPARE(dfmtest::viewStyle(dialog), QString());
     }
 
     void noLayerNoRun() {
-        EngineSpy spy;
-        wctest::ScopedEngineHook hook(&wcref::EngineHooks::teardrop_create_DFM_op, spy.hook());
+        EngineSpy spy(kOperation);
         wctest::PluginSpy plugins;
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("nosuch");
         dialog.on_m_pRunGlobalPB_clicked();
         QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "No layers were processed");
-        QCOMPARE(spy.params.size(), size_t(0));
+        QCOMPARE(spy.calls(), 0);
         QCOMPARE(plugins.count(), 0);
         QVERIFY(!dialog.hasResults());
     }
@@ -299,7 +239,6 @@ private slots:
     void parameterSetRoundTrip() {
         wctest::UnitScope unit(scene_.host(), 0);
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
-        QSignalSpy named(&dialog, &Widget_Teardrops::send_Sel_Template_Name);
         child<QLineEdit>(dialog, "lineEdit_LineWidthRatio")->setText("0.75");
         child<QComboBox>(dialog, "comboBox_Type")->setCurrentIndex(3);
         child<QLineEdit>(dialog, "lineEdit_ArcAngle")->setText("12");
@@ -311,13 +250,7 @@ private slots:
         Korvo::UIAPI::getRanges("TeardropsRanges", ranges);
         QVERIFY(Korvo::UIAPI::changeRangesValue("TeardropsRanges", ranges[1].name, "RedLv", 777));
 
-        // "Save As" as the user meets it: the name dialog, then OK.
-        dialog.on_m_pSaveAsPB_clicked();
-        auto* ask = child<QInputDialog>(dialog, "templateNameDialog");
-        ask->setTextValue("wide");
-        ask->accept();
-        QCOMPARE(named.count(), 1);
-        QCOMPARE(named.at(0).at(0).toString(), "wide");
+        dfmtest::saveAs(dialog, "wide");
         QVERIFY(dialog.isErfFileExist("wide"));
         QCOMPARE(dialog.get_Teardrops_ERF(), QStringList{"wide"});
         QVERIFY(Korvo::UIAPI::changeRangesValue("TeardropsRanges", ranges[1].name, "RedLv", 1));

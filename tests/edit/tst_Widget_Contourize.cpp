@@ -9,7 +9,9 @@
 
 #include <stdexcept>
 
+#include "DataColumns.h"
 #include "DataRows.h"
+#include "FindChild.h"
 #include "MessageBoxAnswerer.h"
 #include "UnitScope.h"
 #include "edit/Widget_Contourize.h"
@@ -17,14 +19,33 @@
 
 namespace {
 
-template <typename T = QWidget>
-T* child(QWidget& dialog, const QString& name) {
-    T* found = dialog.findChild<T*>(name);
-    if (found == nullptr) {
-        qFatal("no child %s", qPrintable(name));
-    }
-    return found;
-}
+using wctest::child;
+using wctest::row;
+
+// What is typed and chosen, and the record the dialog must emit.
+struct Typed {
+    int unit;
+    QString accuracy, max_size;
+    int islands_index;
+    QString mode_button;
+    double accuracy_nm, max_size_nm;
+    int mode;
+};
+
+// A field typed, a button pressed, and what follows: boxes, records emitted, still open.
+struct Press {
+    int unit;
+    QString button, field, text;
+    QStringList messages;
+    int emitted;
+    bool visible;
+};
+
+// A field typed and Return pressed, and what it shows after with the box it raised.
+struct Commit {
+    int unit;
+    QString field, typed, after, message;
+};
 
 QLineEdit* accuracy(QWidget& dialog) {
     return child<QLineEdit>(dialog, QStringLiteral("lineEdit_Accuracy"));
@@ -51,14 +72,16 @@ struct RecordCatcher {
     QList<contourize_params> records;
 };
 
-using wctest::row;
-
 void retype(QLineEdit* edit, const QString& text) {
     edit->clear();
     QTest::keyClicks(edit, text);
 }
 
 }  // namespace
+
+Q_DECLARE_METATYPE(Typed)
+Q_DECLARE_METATYPE(Press)
+Q_DECLARE_METATYPE(Commit)
 
 // The dialog as the host drives it: construction, Apply/Ok/Close, field commits, unit and
 // language changes, the mouse-leave commit and a throwing host slot.
@@ -67,10 +90,8 @@ class tst_Widget_Contourize : public QObject {
 
 private slots:
     void windowAsTheHostExpects_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("accuracy");
-        QTest::addColumn<QString>("max_size");
-        QTest::addColumn<QString>("unit_text");
+        wctest::columns<int, QString, QString, QString>("unit", "accuracy", "max_size",
+                                                        "unit_text");
         // 0.25 mil and 3 mil, shown with two decimals.
         row("mil", 0, "0.25", "3.00", "mil");
         row("mm", 1, "0.01", "0.08", "mm");
@@ -87,7 +108,7 @@ private slots:
         // Qt adds the system menu hint whenever a close button is asked for.
         QCOMPARE(int(dialog.windowFlags() & ~Qt::WindowSystemMenuHint), 0x8001003);
         QCOMPARE(dialog.parentWidget(), &host);
-        QCOMPARE(dialog.windowTitle(), QStringLiteral("Contourize"));
+        QCOMPARE(dialog.windowTitle(), "Contourize");
         QVERIFY(dialog.testAttribute(Qt::WA_MouseTracking));  // the mouse-leave commit needs moves
         QVERIFY(!dialog.testAttribute(Qt::WA_DeleteOnClose));
 
@@ -97,8 +118,8 @@ private slots:
         QCOMPARE(labelText(dialog, "label_MaxSizeUnit"), unit_text);
         auto* islands = child<QComboBox>(dialog, QStringLiteral("comboBox_SeparateToIslands"));
         QCOMPARE(islands->count(), 2);
-        QCOMPARE(islands->currentText(), QStringLiteral("Yes"));
-        QCOMPARE(islands->itemText(1), QStringLiteral("No"));
+        QCOMPARE(islands->currentText(), "Yes");
+        QCOMPARE(islands->itemText(1), "No");
         QVERIFY(child<QRadioButton>(dialog, QStringLiteral("radioButton_XorY"))->isChecked());
         // Typing is limited by the shared float pattern.
         QTest::keyClicks(maxSize(dialog), QStringLiteral("x-"));
@@ -106,154 +127,116 @@ private slots:
     }
 
     void emittedRecord_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("accuracy");
-        QTest::addColumn<QString>("max_size");
-        QTest::addColumn<int>("islands_index");
-        QTest::addColumn<QString>("mode_button");
-        QTest::addColumn<double>("accuracy_nm");
-        QTest::addColumn<double>("max_size_nm");
-        QTest::addColumn<int>("mode");
-
-        row("mil defaults", 0, "0.25", "3.00", 0, "radioButton_XorY", 6350.0, 76200.0, 1);
-        row("mil, no islands, X and Y", 0, "1.5", "100", 1, "radioButton_XandY", 38100.0, 2540000.0,
-            2);
-        row("mil at both limits, area", 0, "2", "8000", 0, "radioButton_Area", 50800.0, 203200000.0,
-            3);
+        QTest::addColumn<Typed>("c");
+        row("mil defaults", Typed{0, "0.25", "3.00", 0, "radioButton_XorY", 6350.0, 76200.0, 1});
+        row("mil, no islands, X and Y",
+            Typed{0, "1.5", "100", 1, "radioButton_XandY", 38100.0, 2540000.0, 2});
+        row("mil at both limits, area",
+            Typed{0, "2", "8000", 0, "radioButton_Area", 50800.0, 203200000.0, 3});
         // In mm the accuracy limit truncates to 0, so only zero passes.
-        row("mm", 1, "0.", "200.5", 1, "radioButton_Area", 0.0, 200500000.0, 3);
+        row("mm", Typed{1, "0.", "200.5", 1, "radioButton_Area", 0.0, 200500000.0, 3});
     }
     void emittedRecord() {
-        QFETCH(int, unit);
-        QFETCH(QString, accuracy);
-        QFETCH(QString, max_size);
-        QFETCH(int, islands_index);
-        QFETCH(QString, mode_button);
-        QFETCH(double, accuracy_nm);
-        QFETCH(double, max_size_nm);
-        QFETCH(int, mode);
-
+        QFETCH(Typed, c);
         QWidget host;
-        wctest::UnitScope scope(&host, unit);
+        wctest::UnitScope scope(&host, c.unit);
         Widget_Contourize dialog(&host);
         RecordCatcher catcher(dialog);
         wctest::MessageBoxAnswerer boxes;
-        ::accuracy(dialog)->setText(accuracy);
-        maxSize(dialog)->setText(max_size);
+        accuracy(dialog)->setText(c.accuracy);
+        maxSize(dialog)->setText(c.max_size);
         child<QComboBox>(dialog, QStringLiteral("comboBox_SeparateToIslands"))
-            ->setCurrentIndex(islands_index);
-        child<QRadioButton>(dialog, mode_button)->setChecked(true);
+            ->setCurrentIndex(c.islands_index);
+        child<QRadioButton>(dialog, c.mode_button)->setChecked(true);
         child<QPushButton>(dialog, QStringLiteral("pushButton_Apply"))->click();
 
         QCOMPARE(boxes.count(), 0);
         QCOMPARE(catcher.records.size(), 1);
         const contourize_params& record = catcher.records.first();
-        QVERIFY(qAbs(record.accuracy - accuracy_nm) < 1e-6);
-        QVERIFY(qAbs(record.max_size - max_size_nm) < 1e-3);
-        QCOMPARE(record.separate_to_islands, islands_index == 0);
-        QCOMPARE(record.mode, mode);
+        QVERIFY(qAbs(record.accuracy - c.accuracy_nm) < 1e-6);
+        QVERIFY(qAbs(record.max_size - c.max_size_nm) < 1e-3);
+        QCOMPARE(record.separate_to_islands, c.islands_index == 0);
+        QCOMPARE(record.mode, c.mode);
     }
 
     void buttons_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("messages");
-        QTest::addColumn<int>("emitted");
-        QTest::addColumn<bool>("visible");
-
+        QTest::addColumn<Press>("c");
         const QStringList none;
         const QStringList illegal{QStringLiteral("Illegal field value")};
         const char* apply = "pushButton_Apply";
         const char* ok = "pushButton_Ok";
         const char* acc = "lineEdit_Accuracy";
-        row("Apply, valid", 0, apply, acc, "1", none, 1, true);
-        row("Apply, accuracy empty", 0, apply, acc, "", illegal, 0, true);
-        row("Apply, max size empty", 0, apply, "lineEdit_MaxSize", "", illegal, 0, true);
-        row("Apply, above limit: silent", 0, apply, acc, "3", none, 0, true);
-        row("Apply, below limit: silent", 0, apply, acc, "-1", none, 0, true);
-        row("Apply in mm, default accuracy above 0: silent", 1, apply, acc, "0.01", none, 0, true);
-        row("Ok, valid", 0, ok, acc, "1", none, 1, false);
+        row("Apply, valid", Press{0, apply, acc, "1", none, 1, true});
+        row("Apply, accuracy empty", Press{0, apply, acc, "", illegal, 0, true});
+        row("Apply, max size empty", Press{0, apply, "lineEdit_MaxSize", "", illegal, 0, true});
+        row("Apply, above limit: silent", Press{0, apply, acc, "3", none, 0, true});
+        row("Apply, below limit: silent", Press{0, apply, acc, "-1", none, 0, true});
+        row("Apply in mm, default accuracy above 0: silent",
+            Press{1, apply, acc, "0.01", none, 0, true});
+        row("Ok, valid", Press{0, ok, acc, "1", none, 1, false});
         // Ok closes even though nothing was applied: kept as the host has it.
-        row("Ok, empty", 0, ok, acc, "", illegal, 0, false);
-        row("Ok, above limit", 0, ok, acc, "3", none, 0, false);
-        row("Close", 0, "pushButton_Close", acc, "1", none, 0, false);
+        row("Ok, empty", Press{0, ok, acc, "", illegal, 0, false});
+        row("Ok, above limit", Press{0, ok, acc, "3", none, 0, false});
+        row("Close", Press{0, "pushButton_Close", acc, "1", none, 0, false});
     }
     void buttons() {
-        QFETCH(int, unit);
-        QFETCH(QString, button);
-        QFETCH(QString, field);
-        QFETCH(QString, text);
-        QFETCH(QStringList, messages);
-        QFETCH(int, emitted);
-        QFETCH(bool, visible);
-
+        QFETCH(Press, c);
         QWidget host;
-        wctest::UnitScope scope(&host, unit);
+        wctest::UnitScope scope(&host, c.unit);
         Widget_Contourize dialog(&host);
         dialog.show();
         QSignalSpy spy(&dialog, &Widget_Contourize::send_Contourize_Info);
         wctest::MessageBoxAnswerer boxes;
-        child<QLineEdit>(dialog, field)->setText(text);
-        QTest::mouseClick(child<QPushButton>(dialog, button), Qt::LeftButton);
+        child<QLineEdit>(dialog, c.field)->setText(c.text);
+        QTest::mouseClick(child<QPushButton>(dialog, c.button), Qt::LeftButton);
 
-        QCOMPARE(boxes.texts(), messages);
+        QCOMPARE(boxes.texts(), c.messages);
         for (const wctest::ShownBox& box : boxes.boxes()) {
-            QCOMPARE(box.title, QStringLiteral("Information"));
+            QCOMPARE(box.title, "Information");
         }
-        QCOMPARE(spy.count(), emitted);
-        QCOMPARE(dialog.isVisible(), visible);
-        QCOMPARE(child<QLineEdit>(dialog, field)->text(), text);  // never changes what was typed
+        QCOMPARE(spy.count(), c.emitted);
+        QCOMPARE(dialog.isVisible(), c.visible);
+        QCOMPARE(child<QLineEdit>(dialog, c.field)->text(),
+                 c.text);  // never changes what was typed
     }
 
     void returnCommitsOneField_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("after");
-        QTest::addColumn<QString>("message");
-
-        row("mil accuracy inside", 0, "lineEdit_Accuracy", "1.5", "1.5", "");
+        QTest::addColumn<Commit>("c");
+        row("mil accuracy inside", Commit{0, "lineEdit_Accuracy", "1.5", "1.5", ""});
         // The limit truncates to 0 mm, and the reset text stays the raw "0.25" even in mm.
-        row("mm accuracy above", 1, "lineEdit_Accuracy", "0.01", "0.25",
-            "Illegal float value\nfloating value for field \"accuracy\" is out of range: 0.01\n"
-            "legal values: from 0 to 0");
-        row("mm max size inside", 1, "lineEdit_MaxSize", "203", "203", "");
-        row("mm max size above", 1, "lineEdit_MaxSize", "204", "3",
-            "Illegal float value\nfloating value for field \"clean_hole_size\" is out of range: "
-            "204\nlegal values: from 0 to 203");
+        row("mm accuracy above",
+            Commit{
+                1, "lineEdit_Accuracy", "0.01", "0.25",
+                "Illegal float value\nfloating value for field \"accuracy\" is out of range: 0.01\n"
+                "legal values: from 0 to 0"});
+        row("mm max size inside", Commit{1, "lineEdit_MaxSize", "203", "203", ""});
+        row("mm max size above", Commit{1, "lineEdit_MaxSize", "204", "3",
+                                        "Illegal float value\nfloating value for field "
+                                        "\"clean_hole_size\" is out of range: "
+                                        "204\nlegal values: from 0 to 203"});
     }
     void returnCommitsOneField() {
-        QFETCH(int, unit);
-        QFETCH(QString, field);
-        QFETCH(QString, typed);
-        QFETCH(QString, after);
-        QFETCH(QString, message);
-
+        QFETCH(Commit, c);
         QWidget host;
-        wctest::UnitScope scope(&host, unit);
+        wctest::UnitScope scope(&host, c.unit);
         Widget_Contourize dialog(&host);
         dialog.show();
         QSignalSpy spy(&dialog, &Widget_Contourize::send_Contourize_Info);
         wctest::MessageBoxAnswerer boxes;
-        QLineEdit* edit = child<QLineEdit>(dialog, field);
+        QLineEdit* edit = child<QLineEdit>(dialog, c.field);
         QLineEdit* other = edit == accuracy(dialog) ? maxSize(dialog) : accuracy(dialog);
         const QString other_before = other->text();
 
-        retype(edit, typed);
+        retype(edit, c.typed);
         QTest::keyClick(edit, Qt::Key_Return);
-        QCOMPARE(edit->text(), after);
-        QCOMPARE(boxes.texts(), message.isEmpty() ? QStringList() : QStringList{message});
+        QCOMPARE(edit->text(), c.after);
+        QCOMPARE(boxes.texts(), c.message.isEmpty() ? QStringList() : QStringList{c.message});
         QCOMPARE(other->text(), other_before);
         QCOMPARE(spy.count(), 0);
     }
 
     void unitChangeRoundTrip_data() {
-        QTest::addColumn<int>("from");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("converted");
-        QTest::addColumn<QString>("back");
+        wctest::columns<int, QString, QString, QString>("from", "text", "converted", "back");
         row("mil default accuracy", 0, "0.25", "0.00635", "0.25");
         row("mil default size", 0, "3.00", "0.0762", "3");
         // 6 significant digits: more precise texts come back rounded.
@@ -329,9 +312,7 @@ private slots:
     }
 
     void changeLanguage_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("after");
+        wctest::columns<QString, QString, QString>("name", "before", "after");
         row("accuracy", "label_Accuracy", "Accuracy :", "Accuracy           :");
         row("max size", "label_MaxSize", "Max Size :", "Max Size          :");
         row("mode", "label_Mode", "Mode :", "Mode          :");
@@ -352,8 +333,8 @@ private slots:
         accuracy(dialog)->setText(QStringLiteral("1.5"));
         dialog.change_language();
         QCOMPARE(widget->property("text").toString(), after);
-        QCOMPARE(accuracy(dialog)->text(), QStringLiteral("1.5"));
-        QCOMPARE(dialog.windowTitle(), QStringLiteral("Contourize"));
+        QCOMPARE(accuracy(dialog)->text(), "1.5");
+        QCOMPARE(dialog.windowTitle(), "Contourize");
     }
 
     void throwingHostSlotKeepsDialogUsable() {

@@ -14,7 +14,9 @@
 #include <QtTest>
 #include <stdexcept>
 
+#include "DataColumns.h"
 #include "DataRows.h"
+#include "FindChild.h"
 #include "HostSettings.h"
 #include "Korvo_API.h"
 #include "MessageBoxAnswerer.h"
@@ -27,6 +29,7 @@
 #include "steprepeat/Widget_SR_Edit.h"
 
 using Korvo::API::step_repeat_op;
+using wctest::row;
 
 namespace {
 
@@ -65,13 +68,11 @@ std::vector<Korvo::API::reply_box> engineBoxes() {
 }
 
 QString text(QWidget& dialog, const char* name) {
-    return dialog.findChild<QLabel*>(QString::fromLatin1(name))->text();
+    return wctest::child<QLabel>(dialog, name)->text();
 }
 
 void press(QWidget& dialog, const QString& name) {
-    auto* button = dialog.findChild<QPushButton*>(name);
-    QVERIFY2(button != nullptr, qPrintable(name));
-    button->click();
+    wctest::child<QPushButton>(dialog, name)->click();
 }
 
 QString question(const char* words) {
@@ -94,10 +95,7 @@ private slots:
     }
 
     void questionOnEmptySelection_data() {
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<QString>("status");
-        QTest::addColumn<QString>("question");
-        using wctest::row;
+        wctest::columns<QString, QString, QString>("button", "status", "question");
         row("copy", "pushButton_Copy", "Copy Select Step", question("copy steps"));
         row("move", "pushButton_Move", "Move Select Step", question("move steps"));
         row("delete", "pushButton_Delete", "Delete Select Step", question("delete steps"));
@@ -139,20 +137,20 @@ private slots:
         wcref::clearEngineCalls();
         press(dialog, button);
         QCOMPARE(answerer.count(), 1);
-        QCOMPARE(answerer.last().title, QStringLiteral("Information"));
+        QCOMPARE(answerer.last().title, "Information");
         QCOMPARE(answerer.last().text, question);
         QCOMPARE(status_seen, status);
         QCOMPARE(writes(), 0);
         QVERIFY(spy.withCode(wc::code::PickReferenceStep).isEmpty());
-        QCOMPARE(label->text(), QStringLiteral("Single Select"));
+        QCOMPARE(label->text(), "Single Select");
         QVERIFY(dialog.findChild<QPushButton*>("pushButton_SingleSelect")->isChecked());
     }
 
     void yesPacksEverythingAsOneEdit_data() {
         QTest::addColumn<int>("unit");
         QTest::addColumn<QString>("gap");
-        QTest::newRow("mil") << 0 << "100";
-        QTest::newRow("mm") << 1 << "2.54";
+        row("mil", 0, "100");
+        row("mm", 1, "2.54");
     }
     // Yes selects every instance; the operation is one write and one edit.
     void yesPacksEverythingAsOneEdit() {
@@ -180,18 +178,18 @@ private slots:
         }
         std::sort(lefts.begin(), lefts.end());
         QCOMPARE(lefts, (QList<double>{0, 0, 2100, 2100, 4200, 4200, 6300, 6300}));
-        QCOMPARE(text(dialog, "label_SelectedSteps"), QStringLiteral("Selected Steps : 8"));
+        QCOMPARE(text(dialog, "label_SelectedSteps"), "Selected Steps : 8");
     }
 
     void selectionPicks_data() {
         QTest::addColumn<int>("mode");  // 0 single, 1 rectangle, 2 polygon
         QTest::addColumn<bool>("shift");
         QTest::addColumn<int>("selected");
-        QTest::newRow("single replaces") << 0 << false << 1;
-        QTest::newRow("single with shift adds") << 0 << true << 2;
-        QTest::newRow("rectangle replaces") << 1 << false << 2;
-        QTest::newRow("rectangle with shift adds") << 1 << true << 3;
-        QTest::newRow("polygon always replaces") << 2 << true << 2;
+        row("single replaces", 0, false, 1);
+        row("single with shift adds", 0, true, 2);
+        row("rectangle replaces", 1, false, 2);
+        row("rectangle with shift adds", 1, true, 3);
+        row("polygon always replaces", 2, true, 2);
     }
     void selectionPicks() {
         QFETCH(int, mode);
@@ -201,7 +199,7 @@ private slots:
         Widget_SR_Edit dialog(kJob, kPanel, &host);
         // First pick: the turned instance at the lower right.
         dialog.receive_SR_Select_point({mil(8000, 1500)});
-        QCOMPARE(text(dialog, "label_SelectedSteps"), QStringLiteral("Selected Steps : 1"));
+        QCOMPARE(text(dialog, "label_SelectedSteps"), "Selected Steps : 1");
         wcref::setShiftPressedForTest(shift ? 1 : 0);
         const char* buttons[3] = {"pushButton_SingleSelect", "pushButton_RectangleSelect",
                                   "pushButton_PolygonSelect"};
@@ -229,8 +227,8 @@ private slots:
         press(dialog, "pushButton_AlignLeft");
         const QList<wctest::SeenMessage> picks = spy.withCode(20000267);
         QCOMPARE(picks.size(), 1);
-        QCOMPARE(picks.front().sender, QStringLiteral("Graphic_MenuBar_Step.dll"));
-        QCOMPARE(picks.front().receiver, QStringLiteral("Graphic_View.dll"));
+        QCOMPARE(picks.front().sender, "Graphic_MenuBar_Step.dll");
+        QCOMPARE(picks.front().receiver, "Graphic_View.dll");
         const int edits = Korvo::API::get_editop_count(kJob, kPanel);
         dialog.receive_SR_second_Select_point(mil(8000, 3500));  // turned, xmin 7200
         QCOMPARE(Korvo::API::get_editop_count(kJob, kPanel), edits + 1);
@@ -256,14 +254,11 @@ private slots:
         for (size_t k = 0; k < before.size(); ++k) {
             QCOMPARE(engineBoxes()[k].xmin, before[k].xmin);
         }
-        QCOMPARE(text(dialog, "label_SelectedSteps"), QStringLiteral("Selected Steps : 1"));
+        QCOMPARE(text(dialog, "label_SelectedSteps"), "Selected Steps : 1");
     }
 
     void refusals_data() {
-        QTest::addColumn<QString>("setup");
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<QString>("message");
-        using wctest::row;
+        wctest::columns<QString, QString, QString>("setup", "button", "message");
         row("overlap", "overlap", "pushButton_PackLeft", "There are overlapping pcss selected!");
         row("grid of turned and plain", "all", "pushButton_AlignToGrid",
             "Steps are not aligned properly /n Different steps or step angle/mirror not match");
@@ -320,9 +315,9 @@ private slots:
             return;
         }
         QCOMPARE(answerer.texts().value(answerer.count() - 1), message);
-        QCOMPARE(answerer.last().title, QStringLiteral("Information"));
+        QCOMPARE(answerer.last().title, "Information");
         QCOMPARE(writes(), 0);
-        QCOMPARE(text(dialog, "label_Status"), QStringLiteral("Single Select"));
+        QCOMPARE(text(dialog, "label_Status"), "Single Select");
     }
 
     // A new size rewrites the profile, the margins and the table as one edit.
@@ -353,8 +348,8 @@ private slots:
     void reduceNestingReadsTheChildTables_data() {
         QTest::addColumn<bool>("highestOnly");
         QTest::addColumn<QString>("steps");
-        QTest::newRow("all levels") << false << QStringLiteral("pcb pcb");
-        QTest::newRow("highest level only") << true << QStringLiteral("mid mid");
+        row("all levels", false, QStringLiteral("pcb pcb"));
+        row("highest level only", true, QStringLiteral("mid mid"));
     }
     // panel -> "outer" at (1000, 0) -> "mid" twice -> "pcb".
     void reduceNestingReadsTheChildTables() {
@@ -404,7 +399,7 @@ private slots:
         }
         QCOMPARE(answerer.texts(), QStringList{"table unreadable"});
         dialog.receive_SR_Select_point({mil(1500, 1250)});
-        QCOMPARE(text(dialog, "label_SelectedSteps"), QStringLiteral("Selected Steps : 1"));
+        QCOMPARE(text(dialog, "label_SelectedSteps"), "Selected Steps : 1");
     }
 
     void marginsAndPlacedSteps() {

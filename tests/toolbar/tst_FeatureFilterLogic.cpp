@@ -1,5 +1,6 @@
 #include <QtTest>
 
+#include "DataColumns.h"
 #include "DataRows.h"
 #include "toolbar/AttributeConditions.h"
 #include "toolbar/SymbolFilterFields.h"
@@ -58,12 +59,8 @@ private slots:
     }
 
     void symbolListFromTheFields_data() {
-        QTest::addColumn<QString>("include");
-        QTest::addColumn<QString>("exclude");
-        QTest::addColumn<bool>("host_converts");
-        QTest::addColumn<bool>("has_popup");
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<QString>("symbols");
+        wctest::columns<QString, QString, bool, bool, int, QString>(
+            "include", "exclude", "host_converts", "has_popup", "mode", "symbols");
         row("nothing", "", "", false, false, 0, "");
         row("include beats exclude", "r10;s20", "r30", false, false, 1, "r10|s20");
         row("exclude alone", "", "r30;;r10.05", false, false, 0, "r30|r10.50");
@@ -101,9 +98,7 @@ private slots:
     }
 
     void addingToASymbolField_data() {
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("symbol");
-        QTest::addColumn<QString>("result");
+        wctest::columns<QString, QString, QString>("field", "symbol", "result");
         row("empty field", "", "r10", "r10");
         row("appended", "s20", "r10", "s20;r10");
         row("present in another case", "R10;s20", "r10", "R10;s20");
@@ -117,11 +112,8 @@ private slots:
     }
 
     void attributeMapFromTheFields_data() {
-        QTest::addColumn<QString>("include");
-        QTest::addColumn<QString>("exclude");
-        QTest::addColumn<bool>("popup_has_conditions");
-        QTest::addColumn<int>("logic");
-        QTest::addColumn<QString>("attributes");
+        wctest::columns<QString, QString, bool, int, QString>(
+            "include", "exclude", "popup_has_conditions", "logic", "attributes");
         // The popup's last logic is 1 and its conditions are ".bga" in every row.
         row("nothing", "", "", false, 1, "");
         row("nothing but the popup's conditions", "", "", true, 1, ".bga");
@@ -181,9 +173,9 @@ private slots:
     void offeredUserFiltersInOrder() {
         const QStringList offered = wc::offeredUserFilters();
         QCOMPARE(offered.size(), 13);
-        QCOMPARE(offered.first(), QStringLiteral("Highlight All Pads"));
-        QCOMPARE(offered.at(6), QStringLiteral("Highlight Tear Drops"));
-        QCOMPARE(offered.last(), QStringLiteral("Select Via Holes"));
+        QCOMPARE(offered.first(), "Highlight All Pads");
+        QCOMPARE(offered.at(6), "Highlight Tear Drops");
+        QCOMPARE(offered.last(), "Select Via Holes");
         QVERIFY(!offered.contains(QStringLiteral("Select Gold Connectors")));
     }
 

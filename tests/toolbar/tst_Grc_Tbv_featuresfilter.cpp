@@ -1,15 +1,15 @@
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QRegExpValidator>
 #include <QSignalSpy>
 #include <QtTest>
 #include <optional>
 
+#include "DataColumns.h"
 #include "DataRows.h"
+#include "FindChild.h"
 #include "HostSettings.h"
 #include "Korvo_UIAPI.h"
 #include "MessageBoxAnswerer.h"
@@ -26,21 +26,14 @@ using wctest::row;
 
 namespace {
 
-template <typename T = QWidget>
-T* child(QObject& parent, const QString& name) {
-    T* found = parent.findChild<T*>(name);
-    if (found == nullptr) {
-        qFatal("no child %s", qPrintable(name));
-    }
-    return found;
-}
+using wctest::child;
 
 QLineEdit* edit(QObject& popup, const char* name) {
-    return child<QLineEdit>(popup, QString::fromLatin1(name));
+    return child<QLineEdit>(popup, name);
 }
 
 void click(QObject& popup, const char* name) {
-    child<QPushButton>(popup, QString::fromLatin1(name))->click();
+    child<QPushButton>(popup, name)->click();
 }
 
 // What a receiver saw of each message, with the record copied while it was readable.
@@ -108,7 +101,27 @@ QString attributes(const FeatureFilterSettings& record) {
     return parts.join(QLatin1Char(';'));
 }
 
+// Shape boxes and rows checked, and what is enabled then.
+struct Rows {
+    bool lines, ovals, length, angle;
+    bool boxes_enabled, length_fields, angle_fields;
+};
+
+// What is typed in the four fields, and what the record then holds.
+struct Typed {
+    int unit;
+    QString button, include, exclude, include_attributes, exclude_attributes;
+    int mode;
+    QString symbols;
+    int logic;
+    QString map;
+};
+
 }  // namespace
+
+Q_DECLARE_METATYPE(Typed)
+
+Q_DECLARE_METATYPE(Rows)
 
 // The popup as the toolbar and the job list see it: controls, enabling, messages and their
 // record, the symbol and attribute lists, the "Filter" box and the predefined filters.
@@ -123,7 +136,7 @@ private slots:
         auto* toolbar = reinterpret_cast<Graphic_Toolbar_Move*>(&parent + 1);
         Grc_Tbv_featuresfilter popup(toolbar, &parent);
         QCOMPARE(int(popup.windowFlags() & ~Qt::WindowSystemMenuHint), 0x8001003);
-        QCOMPARE(popup.windowTitle(), QStringLiteral("Feature Seleciton filter"));
+        QCOMPARE(popup.windowTitle(), "Feature Seleciton filter");
         QCOMPARE(popup.minimumWidth(), 500);
         QCOMPARE(popup.maximumWidth(), 500);
         const char* types[][2] = {
@@ -131,35 +144,30 @@ private slots:
             {"pushButton_Arc", "Arc"},           {"pushButton_Surface", "Surf"},
             {"pushButton_Text", "Text"},         {"pushButton_Negative", "negetive3"},
             {"pushButton_Positive", "positive3"}};
+        const QString prefix = "QPushButton{background-image:url(:/Widget_Common/Resources/";
         for (const auto& type : types) {
             auto* button = child<QPushButton>(popup, QString::fromLatin1(type[0]));
             QVERIFY(button->isCheckable() && button->isChecked());
-            QVERIFY2(button->styleSheet().startsWith(
-                         QStringLiteral("QPushButton{background-image:url(:/Widget_Common/"
-                                        "Resources/%1")
-                             .arg(QString::fromLatin1(type[1]))),
-                     type[0]);
+            QVERIFY2(button->styleSheet().startsWith(prefix + type[1]), type[0]);
         }
-        const auto* symbol_validator = qobject_cast<const QRegExpValidator*>(
-            edit(popup, "lineEdit_IncludeSymbols")->validator());
-        QCOMPARE(symbol_validator->regExp().pattern(), QStringLiteral("^[a-z0-9_.+-/*]*$"));
-        QCOMPARE(edit(popup, "lineEdit_ExcludeSymbols")->validator(), symbol_validator);
-        QCOMPARE(child<QPushButton>(popup, QStringLiteral("pushButton_IncludePick"))->toolTip(),
-                 QStringLiteral("Single selection"));
-        QCOMPARE(child<QPushButton>(popup, QStringLiteral("pushButton_ExcludePickAdd"))->toolTip(),
-                 QStringLiteral("Multi selection"));
-        QCOMPARE(child<QCheckBox>(popup, QStringLiteral("checkBox_Length"))->width(), 70);
+        QCOMPARE(child<QPushButton>(popup, "pushButton_IncludePick")->toolTip(),
+                 "Single selection");
+        QCOMPARE(child<QPushButton>(popup, "pushButton_ExcludePickAdd")->toolTip(),
+                 "Multi selection");
         QVERIFY(!edit(popup, "lineEdit_Dcode")->isEnabled());
-        QVERIFY(child<QCheckBox>(popup, QStringLiteral("checkBox_Filter"))->isChecked());
-        auto* profile = child<QComboBox>(popup, QStringLiteral("comboBox_Profile"));
-        QCOMPARE(profile->itemText(2), QStringLiteral("Out Profile"));
-        // Numbers and free names are limited as typed.
-        QTest::keyClicks(edit(popup, "lineEdit_IncludeSymbols"), QStringLiteral("R10;r1x"));
-        QCOMPARE(edit(popup, "lineEdit_IncludeSymbols")->text(), QStringLiteral("10r1x"));
+        QVERIFY(child<QCheckBox>(popup, "checkBox_Filter")->isChecked());
+        auto* profile = child<QComboBox>(popup, "comboBox_Profile");
+        QCOMPARE(profile->itemText(2), "Out Profile");
+        // Numbers and free names are limited as typed; "+-/" in the pattern is a range, so a
+        // comma passes: kept on purpose.
+        for (const char* name : {"lineEdit_IncludeSymbols", "lineEdit_ExcludeSymbols"}) {
+            QTest::keyClicks(edit(popup, name), QStringLiteral("R10;r1x.5_+-/*,"));
+            QCOMPARE(edit(popup, name)->text(), "10r1x.5_+-/*,");
+        }
         QLineEdit* min = edit(popup, "lineEdit_LengthMin");
         min->setEnabled(true);
         QTest::keyClicks(min, QStringLiteral("-2.5a"));
-        QCOMPARE(min->text(), QStringLiteral("-2.5"));
+        QCOMPARE(min->text(), "-2.5");
         for (const char* name :
              {"lineEdit_TextFilter", "lineEdit_IncludeAttributes", "lineEdit_ExcludeAttributes"}) {
             QString cjk = QString::fromUtf8("a\xE4\xB8\x80z");
@@ -173,62 +181,38 @@ private slots:
         QCOMPARE(Korvo::UIAPI::getSelectedPara(&parent), 127);
 
         popup.change_language();
-        QCOMPARE(popup.windowTitle(), QStringLiteral("Features Filter Popup"));
-        QCOMPARE(child<QPushButton>(popup, QStringLiteral("pushButton_CloseReset"))->text(),
-                 QStringLiteral("Close && Reset"));
+        QCOMPARE(popup.windowTitle(), "Features Filter Popup");
+        QCOMPARE(child<QPushButton>(popup, "pushButton_CloseReset")->text(), "Close && Reset");
     }
 
     void lengthAndAngleRows_data() {
-        QTest::addColumn<bool>("lines");
-        QTest::addColumn<bool>("ovals");
-        QTest::addColumn<bool>("length");
-        QTest::addColumn<bool>("angle");
-        QTest::addColumn<bool>("boxes_enabled");
-        QTest::addColumn<bool>("length_fields");
-        QTest::addColumn<bool>("angle_fields");
-        row("no shape", false, false, true, true, false, false, false);
-        row("lines, no row", true, false, false, false, true, false, false);
-        row("ovals, length", false, true, true, false, true, true, false);
-        row("lines, angle", true, false, false, true, true, false, true);
-        row("both shapes, both rows", true, true, true, true, true, true, true);
+        QTest::addColumn<Rows>("c");
+        row("no shape", Rows{false, false, true, true, false, false, false});
+        row("lines, no row", Rows{true, false, false, false, true, false, false});
+        row("ovals, length", Rows{false, true, true, false, true, true, false});
+        row("lines, angle", Rows{true, false, false, true, true, false, true});
+        row("both shapes, both rows", Rows{true, true, true, true, true, true, true});
     }
     void lengthAndAngleRows() {
-        QFETCH(bool, lines);
-        QFETCH(bool, ovals);
-        QFETCH(bool, length);
-        QFETCH(bool, angle);
-        QFETCH(bool, boxes_enabled);
-        QFETCH(bool, length_fields);
-        QFETCH(bool, angle_fields);
+        QFETCH(Rows, c);
         QWidget parent;
         Grc_Tbv_featuresfilter popup(&parent);
         // Rows first, so that the shape boxes decide last.
-        child<QCheckBox>(popup, QStringLiteral("checkBox_Length"))->setChecked(length);
-        child<QCheckBox>(popup, QStringLiteral("checkBox_Angle"))->setChecked(angle);
-        child<QCheckBox>(popup, QStringLiteral("checkBox_Lines"))->setChecked(lines);
-        child<QCheckBox>(popup, QStringLiteral("checkBox_Ovals"))->setChecked(ovals);
-        QCOMPARE(child<QCheckBox>(popup, QStringLiteral("checkBox_Length"))->isEnabled(),
-                 boxes_enabled);
-        QCOMPARE(child<QCheckBox>(popup, QStringLiteral("checkBox_Angle"))->isEnabled(),
-                 boxes_enabled);
-        for (const char* name : {"LengthMin", "LengthMax"}) {
-            QCOMPARE(edit(popup, qPrintable(QStringLiteral("lineEdit_") + name))->isEnabled(),
-                     length_fields);
-            QCOMPARE(child<QLabel>(popup, QStringLiteral("label_") + name)->isEnabled(),
-                     length_fields);
-        }
-        for (const char* name : {"AngleMin", "AngleMax"}) {
-            QCOMPARE(edit(popup, qPrintable(QStringLiteral("lineEdit_") + name))->isEnabled(),
-                     angle_fields);
-            QCOMPARE(child<QLabel>(popup, QStringLiteral("label_") + name)->isEnabled(),
-                     angle_fields);
+        child<QCheckBox>(popup, "checkBox_Length")->setChecked(c.length);
+        child<QCheckBox>(popup, "checkBox_Angle")->setChecked(c.angle);
+        child<QCheckBox>(popup, "checkBox_Lines")->setChecked(c.lines);
+        child<QCheckBox>(popup, "checkBox_Ovals")->setChecked(c.ovals);
+        QCOMPARE(child<QCheckBox>(popup, "checkBox_Length")->isEnabled(), c.boxes_enabled);
+        QCOMPARE(child<QCheckBox>(popup, "checkBox_Angle")->isEnabled(), c.boxes_enabled);
+        for (const QString name : {"LengthMin", "LengthMax", "AngleMin", "AngleMax"}) {
+            const bool enabled = name.startsWith("Length") ? c.length_fields : c.angle_fields;
+            QCOMPARE(child(popup, "lineEdit_" + name)->isEnabled(), enabled);
+            QCOMPARE(child(popup, "label_" + name)->isEnabled(), enabled);
         }
     }
 
     void buttonMessages_data() {
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("receiver");
+        wctest::columns<QString, int, QString>("button", "code", "receiver");
         QTest::addColumn<QString>("type");  // the "type" value, "record" for the filter record
         row("Select", "pushButton_Select", 20000018, "Graphic_JobList.dll", "record");
         row("Unselect", "pushButton_Unselect", 20000019, "Graphic_JobList.dll", "record");
@@ -254,7 +238,7 @@ private slots:
         child<QPushButton>(popup, button)->click();
         QCOMPARE(seen.codes(), QList<int>{code});
         const Seen& message = seen.messages.first();
-        QCOMPARE(message.sender, QStringLiteral("Graphic_Toolbar_Move.dll"));
+        QCOMPARE(message.sender, "Graphic_Toolbar_Move.dll");
         QCOMPARE(message.receiver, receiver);
         if (type == QLatin1String("record")) {
             QCOMPARE(message.payload, static_cast<const void*>(&popup.filterSettings()));
@@ -286,51 +270,52 @@ private slots:
         QCOMPARE(seen.lastRecord().feature_type, 127);
         QCOMPARE(reset.count(), 1);
 
-        child<QComboBox>(popup, QStringLiteral("comboBox_Profile"))->setCurrentIndex(2);
+        child<QComboBox>(popup, "comboBox_Profile")->setCurrentIndex(2);
         QCOMPARE(seen.lastRecord().profile, 2);
         QCOMPARE(changed.count(), 2);
 
         // The host's mask comes back onto the buttons.
         Korvo::UIAPI::setSelectedPara(&parent, 97);
         popup.update_featuretype_filter();
-        QVERIFY(child<QPushButton>(popup, QStringLiteral("pushButton_Pad"))->isChecked());
-        QVERIFY(!child<QPushButton>(popup, QStringLiteral("pushButton_Surface"))->isChecked());
-        QVERIFY(child<QPushButton>(popup, QStringLiteral("pushButton_Positive"))->isChecked());
+        QVERIFY(child<QPushButton>(popup, "pushButton_Pad")->isChecked());
+        QVERIFY(!child<QPushButton>(popup, "pushButton_Surface")->isChecked());
+        QVERIFY(child<QPushButton>(popup, "pushButton_Positive")->isChecked());
 
         click(popup, "pushButton_Reset");
         QCOMPARE(popup.filterSettings().feature_type, 127);
         QCOMPARE(popup.filterSettings().profile, 0);
         QCOMPARE(Korvo::UIAPI::getSelectedPara(&parent), 127);
-        QVERIFY(child<QPushButton>(popup, QStringLiteral("pushButton_Surface"))->isChecked());
+        QVERIFY(child<QPushButton>(popup, "pushButton_Surface")->isChecked());
         QCOMPARE(reset.count(), 2);
     }
 
-    void symbolListsOnSelect_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("include");
-        QTest::addColumn<QString>("exclude");
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<QString>("symbols");
-        row("typed in mil, own conversion", 0, "r10.05", "", 1, "r10.50");
-        row("include beats exclude", 0, "r10", "s20", 1, "r10");
-        row("exclude alone", 0, "", "s20;rect20.5x10", 0, "s20|rect20.500x10");
-        row("typed in mm, the host converts", 1, "r0.254", "", 1, "r10");
+    // What is typed in the four fields reaches the record of Select and Highlight.
+    void fieldsReachTheRecord_data() {
+        QTest::addColumn<Typed>("c");
+        row("typed in mil, own conversion",
+            Typed{0, "Select", "r10.05", "", "", "", 1, "r10.50", 0, ""});
+        row("include beats exclude",
+            Typed{0, "Highlight", "r10", "s20", ".smd;.net=gnd", ".smd", 1, "r10", 0, ".net=gnd"});
+        row("exclude alone", Typed{0, "Highlight", "", "s20;rect20.5x10", "", ".drill=via", 0,
+                                   "s20|rect20.500x10", 2, ".drill=via"});
+        row("typed in mm, the host converts",
+            Typed{1, "Select", "r0.254", "", "", "", 1, "r10", 0, ""});
     }
-    void symbolListsOnSelect() {
-        QFETCH(int, unit);
-        QFETCH(QString, include);
-        QFETCH(QString, exclude);
-        QFETCH(int, mode);
-        QFETCH(QString, symbols);
+    void fieldsReachTheRecord() {
+        QFETCH(Typed, c);
         QWidget parent;
-        wctest::UnitScope scope(&parent, unit);
+        wctest::UnitScope scope(&parent, c.unit);
         Grc_Tbv_featuresfilter popup(&parent);
-        edit(popup, "lineEdit_IncludeSymbols")->setText(include);
-        edit(popup, "lineEdit_ExcludeSymbols")->setText(exclude);
+        edit(popup, "lineEdit_IncludeSymbols")->setText(c.include);
+        edit(popup, "lineEdit_ExcludeSymbols")->setText(c.exclude);
+        edit(popup, "lineEdit_IncludeAttributes")->setText(c.include_attributes);
+        edit(popup, "lineEdit_ExcludeAttributes")->setText(c.exclude_attributes);
         Receiver seen;
-        click(popup, "pushButton_Select");
-        QCOMPARE(seen.lastRecord().symbol_mode, mode);
-        QCOMPARE(::symbols(seen.lastRecord()), symbols);
+        child<QPushButton>(popup, "pushButton_" + c.button)->click();
+        QCOMPARE(seen.lastRecord().symbol_mode, c.mode);
+        QCOMPARE(::symbols(seen.lastRecord()), c.symbols);
+        QCOMPARE(seen.lastRecord().attribute_logic, c.logic);
+        QCOMPARE(attributes(seen.lastRecord()), c.map);
     }
 
     void pickedSymbolsFromTheView() {
@@ -342,23 +327,23 @@ private slots:
         // The view answers in the engine's spelling; the field shows the display unit and the
         // record gets the picked name back, not a round trip through the conversion.
         popup.update_symbol_text(QStringLiteral("r10.5"), true, true);
-        QCOMPARE(include->text(), QStringLiteral("r0.2667"));
+        QCOMPARE(include->text(), "r0.2667");
         QCOMPARE(seen.codes(), QList<int>{20000017});
-        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r10.5"));
+        QCOMPARE(::symbols(seen.lastRecord()), "r10.5");
         popup.update_symbol_text(QStringLiteral("s20"), false, true);
-        QCOMPARE(include->text(), QStringLiteral("r0.2667;s0.508"));
+        QCOMPARE(include->text(), "r0.2667;s0.508");
         click(popup, "pushButton_Select");
-        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r10.5|s20"));
+        QCOMPARE(::symbols(seen.lastRecord()), "r10.5|s20");
         // Replacing forgets the earlier picks of that field.
         popup.update_symbol_text(QStringLiteral("r40"), true, true);
         include->setText(include->text() + QStringLiteral(";r0.2667"));
         click(popup, "pushButton_Select");
-        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r40|r10.5"));
+        QCOMPARE(::symbols(seen.lastRecord()), "r40|r10.5");
 
         scope.change(0);
         include->setText(QStringLiteral("R10;s20"));
         popup.update_symbol_text(QStringLiteral("r10"), false, true);
-        QCOMPARE(include->text(), QStringLiteral("R10;s20"));
+        QCOMPARE(include->text(), "R10;s20");
     }
 
     void unitChangeReexpressesTheFields() {
@@ -370,10 +355,10 @@ private slots:
         include->setText(include->text() + QStringLiteral(";s20"));
         scope.change(1);
         popup.change_unit();
-        QCOMPARE(include->text(), QStringLiteral("r0.2667;s0.508"));
+        QCOMPARE(include->text(), "r0.2667;s0.508");
         Receiver seen;
         click(popup, "pushButton_Select");
-        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r10.5|s20"));
+        QCOMPARE(::symbols(seen.lastRecord()), "r10.5|s20");
     }
 
     void slotsSurviveAThrowingEngine() {
@@ -387,8 +372,8 @@ private slots:
         wctest::MessageBoxAnswerer boxes;
         popup.send_search_info(QStringLiteral("r10"));
         QCOMPARE(boxes.count(), 1);
-        QCOMPARE(boxes.last().title, QStringLiteral("Information"));
-        QCOMPARE(boxes.last().text, QStringLiteral("engine gone"));
+        QCOMPARE(boxes.last().title, "Information");
+        QCOMPARE(boxes.last().text, "engine gone");
         Receiver seen;
         click(popup, "pushButton_Select");
         QCOMPARE(seen.codes(), QList<int>{20000018});
@@ -407,49 +392,25 @@ private slots:
         Receiver seen;
         // Without its list the pattern is a name for the engine.
         click(popup, "pushButton_Select");
-        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("*6*"));
+        QCOMPARE(::symbols(seen.lastRecord()), "*6*");
         QTest::mouseDClick(include, Qt::LeftButton);
-        auto* list = child<Widget_listpopup>(popup, QStringLiteral("includeSymbolList"));
+        auto* list = child<Widget_listpopup>(popup, "includeSymbolList");
         QVERIFY(list->isVisible());
         QCOMPARE(list->find_input_items(QStringLiteral("*6*")),
                  QStringList({QStringLiteral("r60 (20)"), QStringLiteral("rect60x80 (24)")}));
         click(popup, "pushButton_Select");
-        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r60|rect60x80"));
+        QCOMPARE(::symbols(seen.lastRecord()), "r60|rect60x80");
 
         // Picking from the list fills the field and the record.
-        auto* rows = child<QListWidget>(*list, QStringLiteral("listWidget_Symbols"));
+        auto* rows = child<QListWidget>(*list, "listWidget_Symbols");
         rows->findItems(QStringLiteral("r24 (32)"), Qt::MatchExactly).first()->setSelected(true);
         include->clear();
         click(*list, "pushButton_Ok");
-        QCOMPARE(include->text(), QStringLiteral("r24"));
-        QCOMPARE(::symbols(seen.lastRecord()), QStringLiteral("r24"));
+        QCOMPARE(include->text(), "r24");
+        QCOMPARE(::symbols(seen.lastRecord()), "r24");
         click(popup, "pushButton_Close");
         QVERIFY(!list->isVisible());
         wcref::resetEngine();
-    }
-
-    void attributeConditions_data() {
-        QTest::addColumn<QString>("include");
-        QTest::addColumn<QString>("exclude");
-        QTest::addColumn<int>("logic");
-        QTest::addColumn<QString>("map");
-        row("exclude only, name=value", "", ".drill=via", 2, ".drill=via");
-        row("include minus exclude", ".smd;.net=gnd", ".smd", 0, ".net=gnd");
-        row("none", "", "", 0, "");
-    }
-    void attributeConditions() {
-        QFETCH(QString, include);
-        QFETCH(QString, exclude);
-        QFETCH(int, logic);
-        QFETCH(QString, map);
-        QWidget parent;
-        Grc_Tbv_featuresfilter popup(&parent);
-        edit(popup, "lineEdit_IncludeAttributes")->setText(include);
-        edit(popup, "lineEdit_ExcludeAttributes")->setText(exclude);
-        Receiver seen;
-        click(popup, "pushButton_Highlight");
-        QCOMPARE(seen.lastRecord().attribute_logic, logic);
-        QCOMPARE(attributes(seen.lastRecord()), map);
     }
 
     void attributePopupConditions() {
@@ -459,28 +420,24 @@ private slots:
         connect(&popup, &Grc_Tbv_featuresfilter::send_attributeinfoFilter_list, this,
                 [&forwarded](std::map<std::string, std::string>) { ++forwarded; });
         click(popup, "pushButton_Attributes");
-        auto* conditions =
-            child<Widget_Filter_Attributes>(popup, QStringLiteral("attributesPopup"));
+        auto* conditions = child<Widget_Filter_Attributes>(popup, "attributesPopup");
         QVERIFY(conditions->isVisible());
-        auto* attributes_button =
-            child<QPushButton>(popup, QStringLiteral("pushButton_Attributes"));
-        child<QComboBox>(*conditions, QStringLiteral("comboBox_Attribute"))
+        auto* attributes_button = child<QPushButton>(popup, "pushButton_Attributes");
+        child<QComboBox>(*conditions, "comboBox_Attribute")
             ->setCurrentText(QStringLiteral(".drill"));
-        child<QLineEdit>(*conditions, QStringLiteral("lineEdit_Value"))
-            ->setText(QStringLiteral("via"));
+        child<QLineEdit>(*conditions, "lineEdit_Value")->setText(QStringLiteral("via"));
         click(*conditions, "pushButton_Add");
-        QCOMPARE(attributes_button->styleSheet(),
-                 QStringLiteral("background-color:rgb(255, 0, 0)"));
+        QCOMPARE(attributes_button->styleSheet(), "background-color:rgb(255, 0, 0)");
         QCOMPARE(forwarded, 1);
-        child<QComboBox>(*conditions, QStringLiteral("comboBox_Logic"))->setCurrentIndex(1);
+        child<QComboBox>(*conditions, "comboBox_Logic")->setCurrentIndex(1);
 
         Receiver seen;
         click(popup, "pushButton_Select");
         QCOMPARE(seen.lastRecord().attribute_logic, 1);
-        QCOMPARE(attributes(seen.lastRecord()), QStringLiteral(".drill=via"));
+        QCOMPARE(attributes(seen.lastRecord()), ".drill=via");
 
         click(*conditions, "pushButton_Apply");
-        QCOMPARE(edit(popup, "lineEdit_IncludeAttributes")->text(), QStringLiteral(".drill=via"));
+        QCOMPARE(edit(popup, "lineEdit_IncludeAttributes")->text(), ".drill=via");
         QVERIFY(!conditions->isVisible());
 
         click(popup, "pushButton_Reset");
@@ -492,7 +449,7 @@ private slots:
     void filterBoxSavesTheLogic() {
         QWidget parent;
         Grc_Tbv_featuresfilter popup(&parent);
-        auto* box = child<QCheckBox>(popup, QStringLiteral("checkBox_Filter"));
+        auto* box = child<QCheckBox>(popup, "checkBox_Filter");
         edit(popup, "lineEdit_ExcludeAttributes")->setText(QStringLiteral(".smd"));
         click(popup, "pushButton_Select");
         QCOMPARE(popup.filterSettings().attribute_logic, 2);
@@ -511,11 +468,8 @@ private slots:
     }
 
     void predefinedUserFilters_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QList<int>>("codes");
-        QTest::addColumn<int>("mask");
-        QTest::addColumn<int>("logic");
-        QTest::addColumn<QString>("map");
+        wctest::columns<QString, QList<int>, int, int, QString>("name", "codes", "mask", "logic",
+                                                                "map");
         using Codes = QList<int>;
         row("tear drops", "Highlight Tear Drops", Codes{20000017, 20000020}, 127, 1, ".tear_drop=");
         row("smd", "Select Smd Pads", Codes{20000017, 20000018}, 97, 1, ".smd=");
@@ -535,7 +489,7 @@ private slots:
         edit(popup, "lineEdit_IncludeSymbols")->setText(QStringLiteral("r10"));
         click(popup, "pushButton_Surface");
         click(popup, "pushButton_UserFilter");
-        auto* list = child<QListWidget>(popup, QStringLiteral("listWidget_UserFilters"));
+        auto* list = child<QListWidget>(popup, "listWidget_UserFilters");
         QCOMPARE(list->count(), 13);
         Receiver seen;
         popup.on_UserFilter_chosen(name);
@@ -547,8 +501,7 @@ private slots:
         QCOMPARE(attributes(record), map);
         QVERIFY(record.symbols.empty());
         QVERIFY(edit(popup, "lineEdit_IncludeSymbols")->text().isEmpty());
-        QCOMPARE(child<QPushButton>(popup, QStringLiteral("pushButton_Pad"))->isChecked(),
-                 (mask & 1) != 0);
+        QCOMPARE(child<QPushButton>(popup, "pushButton_Pad")->isChecked(), (mask & 1) != 0);
     }
 
     void searchHitZoomsTheView() {
@@ -559,14 +512,14 @@ private slots:
         popup.get_job_info(QStringLiteral("search_job"), QStringLiteral("pcb"),
                            {QStringLiteral("top"), QStringLiteral("drill")});
         popup.send_search_info(QStringLiteral("*x80"));
-        auto* search = child<Widget_Filter_Searchpopup>(popup, QStringLiteral("searchPopup"));
+        auto* search = child<Widget_Filter_Searchpopup>(popup, "searchPopup");
         QVERIFY(search->isVisible());
         QCOMPARE(int(search->hits().size()), 24);
         Receiver seen;
-        auto* results = child<QListWidget>(*search, QStringLiteral("listWidget_Results"));
+        auto* results = child<QListWidget>(*search, "listWidget_Results");
         emit results->itemActivated(results->item(3));
         QCOMPARE(seen.codes(), QList<int>{20000065});
-        QCOMPARE(seen.messages.first().receiver, QStringLiteral("Graphic_View.dll"));
+        QCOMPARE(seen.messages.first().receiver, "Graphic_View.dll");
         QCOMPARE(seen.messages.first().zoomed_symbol, std::string("rect60x80"));
         wcref::resetEngine();
     }
