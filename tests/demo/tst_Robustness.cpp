@@ -202,6 +202,9 @@ private slots:
             } else if (fault == Fault::PartialAfterStop) {
                 wctest::stopProgressWindows();
             } else if (fault == Fault::ReenteredDuringRun && !dialog.isNull()) {
+                if (*calls == 0) {
+                    return;  // the window is up, but the run's own engine call has not begun
+                }
                 // What a host may do while the progress window keeps the user out.
                 interferer.stop();
                 const int before = *calls;
