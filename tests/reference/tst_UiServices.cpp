@@ -1,5 +1,5 @@
 // The UI service library's stand-in: display units, the Ze widgets, widget values as JSON,
-// time texts, parameter-set lists and paths.
+// time texts and parameter-set lists.
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -16,7 +16,6 @@
 #include <QtTest>
 #include <functional>
 
-#include "Common.h"
 #include "HostSettings.h"
 #include "Korvo_UIAPI.h"
 #include "TemporaryWorkingDirectory.h"
@@ -196,26 +195,6 @@ private slots:
         QCOMPARE(getERFList(key), found);
     }
 
-    void saveTextAndPaths() {
-        wctest::TemporaryWorkingDirectory dir;
-        const QString folder = dir.filePath("a/b/c");
-        QVERIFY(!saveTextByIODevice(folder + "/t.txt", "x"));  // folder missing
-        QVERIFY(checkDir(folder));
-        QVERIFY(checkDir(folder));
-        QVERIFY(!checkDir(""));
-        QVERIFY(saveTextByIODevice(folder + "/t.txt", QString::fromUtf8("Läge 1\n")));
-        QVERIFY(saveTextByIODevice(folder + "/t.txt", "second"));
-        QFile file(folder + "/t.txt");
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("second"));
-        QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList{"t.txt"});  // no leftovers
-
-        wcref::setApplicationDir("/opt/cam/");
-        QCOMPARE(Common::getPath_database(), QString("/opt/cam/database"));
-        wcref::setApplicationDir(QString());
-        QCOMPARE(Common::getPath(), QCoreApplication::applicationDirPath());
-    }
-
     void judge_data() {
         QTest::addColumn<Judge>("row");
         QTest::newRow("mil 8") << Judge{kMil, 8, 2, "8.00", 8, 8, "8.000"};
@@ -335,34 +314,16 @@ private slots:
         const auto A = QValidator::Acceptable;
         const auto I = QValidator::Intermediate;
         const auto X = QValidator::Invalid;
+        // The two kinds the dialogs use: lengths and the viewer's hit index.
         QTest::newRow("float integer") << 3 << "8" << A;
         QTest::newRow("float negative") << 3 << "-12.5" << A;
         QTest::newRow("float five decimals") << 3 << "0.12345" << A;
         QTest::newRow("float six decimals") << 3 << "0.123456" << X;
-        QTest::newRow("float leading zero") << 3 << "08" << X;
-        QTest::newRow("float zero point") << 3 << "0." << A;
         QTest::newRow("float trailing point") << 3 << "12." << I;
-        // Sixteen digits only pass with decimals (the third alternative), so typing may go on.
-        QTest::newRow("float sixteen digits") << 3 << "1234567890123456" << I;
-        QTest::newRow("float sixteen digits and decimals") << 3 << "1234567890123456.5" << A;
         QTest::newRow("float letters") << 3 << "1e5" << X;
         QTest::newRow("float comma") << 3 << "1,5" << X;
-        QTest::newRow("positive float minus") << 4 << "-1" << X;
-        QTest::newRow("positive float") << 4 << "2.54" << A;
-        QTest::newRow("integer negative") << 1 << "-7" << A;
-        QTest::newRow("integer fraction") << 1 << "7.5" << X;
         QTest::newRow("positive integer minus") << 2 << "-7" << X;
         QTest::newRow("positive integer zero") << 2 << "0" << A;
-        QTest::newRow("layer name") << 5 << "top;l2_gnd+1" << A;
-        QTest::newRow("layer upper case") << 5 << "Top" << X;
-        QTest::newRow("layer too long") << 5 << QString(65, 'a') << X;
-        QTest::newRow("symbol") << 6 << "rect20x40" << A;
-        QTest::newRow("symbol with separator") << 6 << "r10;r20" << X;
-        QTest::newRow("angle 360") << 7 << "360" << A;
-        QTest::newRow("angle fraction") << 7 << "359.5" << A;
-        QTest::newRow("angle above") << 7 << "361" << X;
-        QTest::newRow("angle 360.5") << 7 << "360.5" << X;
-        QTest::newRow("angle negative") << 7 << "-1" << X;
     }
     void validators() {
         QFETCH(int, kind);
@@ -380,12 +341,10 @@ private slots:
         QTest::addColumn<QString>("mm");
         QTest::newRow("float 8") << 3 << QString("8") << "0.2032";
         QTest::newRow("float negative") << 3 << QString("-100") << "-2.54";
-        QTest::newRow("positive float") << 4 << QString("0.25") << "0.00635";
         QTest::newRow("float six digits") << 3 << QString("12345.6") << "313.578";
         QTest::newRow("empty") << 3 << QString() << "";
         QTest::newRow("not a number") << 3 << QString("abc") << "abc";
         QTest::newRow("integer kind unchanged") << 1 << QString("8") << "8";
-        QTest::newRow("angle kind unchanged") << 7 << QString("45") << "45";
     }
     void changeunit() {
         QFETCH(int, kind);
@@ -403,7 +362,7 @@ private slots:
         // Back within the six significant digits of the 'g' form.
         bool number = false;
         const double original = mil.toDouble(&number);
-        if (number && kind >= 3 && kind <= 4)
+        if (number && kind == 3)
             QVERIFY(qAbs(edit.text().toDouble() - original) <= qAbs(original) * 1e-5);
         else
             QCOMPARE(edit.text(), mil);
