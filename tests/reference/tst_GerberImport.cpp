@@ -19,25 +19,6 @@ constexpr double kMil = 25400.0;
 const std::string kJob = "protel";
 const std::string kTop = "se_sg_if_v2.gtl";
 
-// Files of the examples that are not layers: pictures, documents, aperture tables, the
-// design tool's own files, pick-and-place lists, and an RS-274D file whose apertures live in
-// a separate wheel file.
-const QStringList kNotLayers = {"pdf", "png", "jpg", "ps",  "txt",    "gap",
-                                "apt", "pcb", "csv", "xy",  "ldp",    "rep",
-                                "rul", "apr", "drl", "drr", "l1.off", "README"};
-
-bool isLayerFile(const QFileInfo& file) {
-    const QString suffix = file.suffix().toLower();
-    if (file.fileName().startsWith("README") || file.fileName() == "l1.off") {
-        return false;
-    }
-    // The protel board's .TXT is its drill file; the other .txt are notes.
-    if (file.fileName() == "SE_SG_IF_V2.TXT") {
-        return true;
-    }
-    return !kNotLayers.contains(suffix);
-}
-
 struct Import {
     bool identified = false;
     bool translated = false;
@@ -95,24 +76,6 @@ private slots:
         QVERIFY(wcref::openSampleJob("import"));
     }
 
-    void everyExampleLoads() {
-        QDirIterator it(kExamples, QDir::Files, QDirIterator::Subdirectories);
-        int loaded = 0;
-        while (it.hasNext()) {
-            const QFileInfo file(it.next());
-            if (!isLayerFile(file)) {
-                continue;
-            }
-            const Import r = import(file.filePath());
-            QVERIFY2(r.identified && r.translated, qPrintable(file.filePath()));
-            // One drill file of the examples is empty on purpose.
-            QVERIFY2(!r.features.empty() || file.fileName().contains("unplated-drill"),
-                     qPrintable(file.filePath()));
-            ++loaded;
-        }
-        QVERIFY(loaded >= 60);
-    }
-
     void knownFiles_data() {
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("format");
@@ -120,8 +83,8 @@ private slots:
         QTest::addColumn<int>("features");
         QTest::addColumn<QString>("symbol");
         QTest::addColumn<int>("with_symbol");
-        // Counts are the file's flashes and draws; per symbol, the uses of its aperture. The macro
-        // file flashes 9 dots and 9 macros and draws 5 lines.
+        // Counts are the file's flashes, draws and regions; per symbol, the uses of its aperture.
+        // The macro file flashes 9 dots and 9 macros and draws 5 lines.
         wctest::row("protel top copper", "protel-pnp/SE_SG_IF_V2.GTL", "gerber274x", "inch", 9722,
                     "r80", 11);
         wctest::row("protel drills", "protel-pnp/SE_SG_IF_V2.TXT", "excellon", "inch", 427, "r12",
@@ -131,6 +94,8 @@ private slots:
         wctest::row("square apertures", "dan/top.gbx", "gerber274x", "inch", 457, "s40", 52);
         wctest::row("step and repeat 2 x 3", "dan/top_sr.gbx", "gerber274x", "inch", 6 * 457, "r8",
                     6 * 182);
+        wctest::row("the benchmarks' board", "hellboard/hellboard.front.gbr", "gerber274x", "inch",
+                    1845 + 360, "r60", 360);
         wctest::row("aperture macros", "am-test/am-test.gbx", "gerber274x", "inch", 9 + 9 + 5,
                     "macro_outline_d15", 1);
     }
