@@ -3,7 +3,6 @@
 #include <QtTest>
 
 #include "CheckResultBrowser.h"
-#include "Common.h"
 #include "Korvo_API.h"
 #include "ReferenceEngine.h"
 #include "ResultDatabase.h"
@@ -51,16 +50,6 @@ private slots:
         wcref::resetEngine();
     }
     void cleanup() { working_.reset(); }
-
-    void sqliteFileBelowTheDatabasePath() {
-        if (wcref::resultDatabase().driver != "QSQLITE") {
-            QSKIP("the SQLite file only");
-        }
-        const QString file = Common::getPath_database() + "/results.sqlite";
-        QVERIFY(file.startsWith(working_->path()));
-        QVERIFY(getCheckResultMaster().empty());
-        QVERIFY(QFile::exists(file));
-    }
 
     void roundTrip() {
         dms_signal_check_params params;
