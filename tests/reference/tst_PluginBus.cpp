@@ -7,12 +7,11 @@ using wcref::PluginBus;
 
 namespace {
 
-PluginMetaData message(int code, void* payload = nullptr) {
+PluginMetaData message(int code) {
     PluginMetaData m;
     m.sender = "Graphic_MenuBar_Analysis.dll";
     m.receiver = "Graphic_View.dll";
     m.code = code;
-    m.payload = payload;
     return m;
 }
 
@@ -53,22 +52,6 @@ private slots:
         seen.clear();
         manager()->pluginTransmitData(message(1));
         QCOMPARE(seen, (QStringList{"first:1", "third:1"}));
-    }
-
-    void payloadValidDuringCallOnly() {
-        int drawn = 0;
-        subscribe([&drawn](const PluginMetaData& m) {
-            drawn = m.payload != nullptr ? *static_cast<const int*>(m.payload) : -1;
-        });
-        {
-            int hits = 17;
-            manager()->recMegToPlugin(this, message(20002810, &hits));
-        }
-        QCOMPARE(drawn, 17);
-        const auto& log = PluginBus::instance().log();
-        QCOMPARE(log.size(), size_t(1));
-        QCOMPARE(log.back().code, 20002810);
-        QVERIFY(log.back().payload == nullptr);
     }
 
     void unsubscribeDuringDelivery() {
