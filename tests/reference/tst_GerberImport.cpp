@@ -6,7 +6,6 @@
 #include "DataRows.h"
 #include "JobFromFolder.h"
 #include "Korvo_API.h"
-#include "Korvo_UIAPI.h"
 #include "ReferenceEngine.h"
 #include "TemporaryWorkingDirectory.h"
 
@@ -46,18 +45,6 @@ int countSymbol(const std::vector<featureInfo>& features, const std::string& sym
     return static_cast<int>(
         std::count_if(features.begin(), features.end(),
                       [&](const featureInfo& f) { return f.symbol == symbol; }));
-}
-
-std::map<signal_layers_checks_items, signal_check_range> dialogRanges() {
-    std::map<signal_layers_checks_items, signal_check_range> ranges;
-    std::vector<Korvo::UIAPI::Analysis_Ranges_Record> records;
-    Korvo::UIAPI::getRanges("SignalLayerRanges", records);
-    for (const auto& r : records) {
-        const auto item = static_cast<signal_layers_checks_items>(
-            Korvo::UIAPI::getRangesEnum("SignalLayerRanges", r.name));
-        ranges[item] = {r.RedLv, r.YellowLv, r.GreenLv};
-    }
-    return ranges;
 }
 
 bool isSpacing(signal_layers_checks_items item) {
@@ -230,7 +217,7 @@ private slots:
         QVERIFY(smd > 100 && smd < int(top.size()));
         QVERIFY(!open_job("nothing", QDir::tempPath().toStdString() + "/no-such-folder"));
     }
-    // The protel board checked through the engine call and range table of the check dialog. Its
+    // The protel board checked through the engine call of the check dialog. Its
     // tightest clearance rule is 4 mil (its .RUL file): just below it no spacing
     // hit may appear; at wider spacings every hit measures below the spacing asked for.
     void spacingAgainstTheDesignRules_data() {
@@ -257,8 +244,7 @@ private slots:
         }
         std::map<signal_layers_checks_items, signal_check_result> result;
         Korvo::COMMON::progress_value<signal_check_result_map> progress;
-        QVERIFY(signal_layers_checks(kJob, "pcb", kTop, params, tests, dialogRanges(), result,
-                                     &progress, 0));
+        QVERIFY(signal_layers_checks(kJob, "pcb", kTop, params, tests, {}, result, &progress, 0));
         QCOMPARE(progress.get_value(), 100.0);
 
         std::vector<layer_info> layers;
