@@ -171,12 +171,6 @@ private slots:
         QTest::addColumn<QString>("names");
         QTest::newRow("listed, sorted, .json only") << "TeardropsRanges" << true << "A;a.b;b";
         QTest::newRow("no folder") << "DrillRanges" << false << "";
-        // Keys that would leave ERFconfig/ are refused.
-        QTest::newRow("parent") << ".." << false << "";
-        QTest::newRow("separator") << "../TeardropsRanges" << false << "";
-        QTest::newRow("backslash") << "a\\b" << false << "";
-        QTest::newRow("drive") << "C:" << false << "";
-        QTest::newRow("empty") << "" << false << "";
     }
     void erfList() {
         QFETCH(QString, key);
