@@ -229,16 +229,10 @@ private slots:
         QFETCH(signal_layers_checks_items, item);
         Scene scene(kMil);
         SignalCheckInput input;
-        CheckLayer holes;
-        holes.row = 9;
-        const auto hole = [&holes](double d, double x, double y) {
-            featureInfo f;
-            f.id = static_cast<int>(holes.features.size()) + 1;
-            f.type = feature_pad;
-            f.symbol = wcref::CopperGeometry::symbolName(wcref::SymbolSize::round, d * kMil, 0);
-            f.start = f.end = {x * kMil, y * kMil};
-            f.attributes[".drill"] = "plated";
-            holes.features.push_back(f);
+        Scene drills(kMil);
+        drills.layer.row = 9;
+        const auto hole = [&drills](double d, double x, double y) {
+            drills.pad(d, x, y).attributes[".drill"] = "plated";
         };
         if (item == sli_pth_to_copper) {
             scene.pad(36, 0, 0);
@@ -249,10 +243,7 @@ private slots:
             scene.line(6, 0, -40, 0, 40);  // copper through the hole, but no pad
         } else if (item == sli_rout_to_line) {
             scene.line(6, 20, -40, 20, 40);
-            hole(2, 0, 0);  // a rout line of 2 mil: 20 - 3 - 1 = 16 mil
-            holes.features[0].type = feature_line;
-            holes.features[0].start = {0, -100 * kMil};
-            holes.features[0].end = {0, 100 * kMil};
+            drills.line(2, 0, -100, 0, 100);  // a rout line of 2 mil: 20 - 3 - 1 = 16 mil
         } else if (item == sli_smd_to_pad_spacing) {
             scene.rect(20, 10, 0, 0).attributes[".smd"] = "";
             scene.pad(10, 21, 0);  // 21 - 5 - 10
@@ -268,9 +259,9 @@ private slots:
         }
         input.copper = scene.layer;
         if (item == sli_rout_to_line) {
-            input.routs = {holes};
+            input.routs = {drills.layer};
         } else {
-            input.drills = {holes};
+            input.drills = {drills.layer};
         }
         const auto test_item = static_cast<signal_layers_checks_list>(test);
         const SignalResult result = check(input, test_item, value * kMil + 1);
@@ -302,38 +293,36 @@ private slots:
     }
 
     void grading_data() {
-        QTest::addColumn<double>("value");  // mil
-        QTest::addColumn<int>("range");     // 0 levels 3/4/5, 1 all zero, 2 none
-        QTest::addColumn<int>("list");      // 0 red, 1 yellow, 2 green, 3 other
-        wctest::row("below red", 2.999, 0, 0);
-        wctest::row("at red", 3.0, 0, 1);
-        wctest::row("at yellow", 4.0, 0, 2);
-        wctest::row("just below green", 4.999, 0, 2);
-        wctest::row("at green", 5.0, 0, 3);
-        wctest::row("levels all zero", 50.0, 1, 0);
-        wctest::row("no range", 1.0, 2, 3);
+        QTest::addColumn<double>("value");          // mil
+        QTest::addColumn<QList<double>>("levels");  // red, yellow, green in mil; none if empty
+        QTest::addColumn<int>("list");              // 0 red, 1 yellow, 2 green, 3 other
+        const QList<double> levels{3, 4, 5};
+        wctest::row("below red", 2.999, levels, 0);
+        wctest::row("at red", 3.0, levels, 1);
+        wctest::row("at yellow", 4.0, levels, 2);
+        wctest::row("just below green", 4.999, levels, 2);
+        wctest::row("at green", 5.0, levels, 3);
+        wctest::row("levels all zero", 50.0, QList<double>{0, 0, 0}, 0);
+        wctest::row("no range", 1.0, QList<double>{}, 3);
     }
     void grading() {
         QFETCH(double, value);
-        QFETCH(int, range);
+        QFETCH(QList<double>, levels);
         QFETCH(int, list);
         wcref::SignalRanges ranges;
-        if (range == 0) {
-            ranges[sli_pad_to_pad_spacing] = {3 * kMil, 4 * kMil, 5 * kMil};
-        } else if (range == 1) {
-            ranges[sli_pad_to_pad_spacing] = {0, 0, 0};
-        }
+        if (!levels.isEmpty())
+            ranges[sli_pad_to_pad_spacing] = {levels[0] * kMil, levels[1] * kMil, levels[2] * kMil};
         SignalResult result;
         check_info hit;
         hit.value = value * kMil;
         SignalChecks::grade(sli_pad_to_pad_spacing, hit, ranges, result);
         const signal_check_result& record = result.at(sli_pad_to_pad_spacing);
         QCOMPARE(record.item, sli_pad_to_pad_spacing);
-        const std::vector<int> sizes{int(record.red.size()), int(record.yellow.size()),
-                                     int(record.green.size()), int(record.other.size())};
-        for (int k = 0; k < 4; ++k) {
-            QCOMPARE(sizes[k], k == list ? 1 : 0);
-        }
+        QList<int> expected{0, 0, 0, 0};
+        expected[list] = 1;
+        QCOMPARE((QList<int>{int(record.red.size()), int(record.yellow.size()),
+                             int(record.green.size()), int(record.other.size())}),
+                 expected);
     }
 
     // Two violations, one on each side of the board; scopes 1, 2 and 3 keep the left one.
