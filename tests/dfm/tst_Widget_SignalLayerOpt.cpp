@@ -1,16 +1,10 @@
 #include <QCheckBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QtTest>
 
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
-#include "MessageBoxAnswerer.h"
-#include "PluginSpy.h"
-#include "SampleJobScene.h"
 #include "UnitScope.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_SignalLayerOpt.h"
@@ -24,6 +18,7 @@ namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
 using dfmtest::child;
+using dfmtest::field;
 using EngineSpy = dfmtest::EngineSpy<Params, signal_layer_DFM_result_map>;
 constexpr auto kOperation = &wcref::EngineHooks::signal_layer_DFM_op;
 
@@ -46,10 +41,6 @@ const std::pair<const char*, int32_t Params::*> kLengths[] = {
     {"BGAtoBGA", &Params::bga_to_bga},
     {"SMDShaving", &Params::smd_shaving_limit},
     {"BGAShaving", &Params::bga_shaving_limit}};
-
-QLineEdit* field(QWidget& dialog, const QString& key) {
-    return child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key);
-}
 
 }  // namespace
 
@@ -145,9 +136,7 @@ private slots:
         EngineSpy spy(kOperation);
         wctest::MessageBoxAnswerer boxes;
         dialog.on_unGlobally_clicked();
-        QCOMPARE(boxes.texts(), message.isEmpty() ? QStringList() : QStringList{message});
-        QVERIFY(boxes.count() == 0 || boxes.last().title == "Information");
-        QCOMPARE(spy.calls(), message.isEmpty() ? 1 : 0);
+        dfmtest::verifyChecked(boxes, spy.calls(), message);
     }
 
     void shaveEnablesShaveSameNetWithoutTouchingIt() {
@@ -171,10 +160,7 @@ private slots:
         EngineSpy spy(kOperation);
         wctest::PluginSpy messages;
         dialog.on_RunProfile_clicked();
-        QCOMPARE(child<QLabel>(dialog, "label_Status")->text(), "No layers were processed");
-        QCOMPARE(spy.calls(), 0);
-        QCOMPARE(messages.count(), 0);
-        QVERIFY(!dialog.hasResults());
+        dfmtest::verifyNoRun(dialog, spy.calls(), messages);
     }
 
     // A stop shows the terminated text and a red view button while the engine finishes; its
@@ -199,13 +185,9 @@ private slots:
             dialog.on_unGlobally_clicked();
             QVERIFY(stopper.seen().contains("SignalLayer opt terminated|" + dfmtest::kRed));
         }
-        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "2 layers were processed");
-        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
+        dfmtest::verifyRunEnded(dialog, messages, boxes, "2 layers were processed");
         QVERIFY(dialog.hasResults());
         QCOMPARE(dialog.result().size(), size_t(1));
-        QVERIFY(dfmtest::labelText(dialog, "label_Time").contains(" - "));
-        QCOMPARE(boxes.count(), 0);
-        dfmtest::verifyNotifications(messages, kJob);
     }
 
     void viewerShowsTheRunWithKindSeven() {
@@ -242,8 +224,8 @@ private slots:
         QCOMPARE(field(other, "PTHARMin")->text(), "7.25");
         QVERIFY(!child<QCheckBox>(other, "checkBox_Shave")->isChecked());
         QVERIFY(!child<QCheckBox>(other, "checkBox_ShaveSameNet")->isEnabled());
-        QCOMPARE(child<QLineEdit>(other, "lineEdit_Layer")->text(), "top");
-        QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "thin copper");
+        QCOMPARE(dfmtest::field(other, "Layer")->text(), "top");
+        QCOMPARE(dfmtest::field(other, "ERF")->text(), "thin copper");
     }
 
     void unitChangeConvertsEveryFieldIncludingDisabledOnes() {

@@ -9,9 +9,6 @@
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
-#include "MessageBoxAnswerer.h"
-#include "PluginSpy.h"
-#include "SampleJobScene.h"
 #include "UnitScope.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/SolderMaskOptChecks.h"
@@ -19,6 +16,7 @@
 
 using namespace Korvo::API;
 using dfmtest::child;
+using dfmtest::field;
 using dfmtest::labelText;
 using wctest::row;
 
@@ -38,18 +36,6 @@ struct Typed {
     int button;
     int clearance_opt_nm, flow_add_nm, cut_coverage_nm, smd_range_nm, scope;
 };
-
-void type(QWidget& dialog, const QString& key, const QString& text) {
-    child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key)->setText(text);
-}
-
-solder_mask_DFM_op_result hits(int red, int yellow, int green) {
-    solder_mask_DFM_op_result record;
-    record.red.resize(static_cast<size_t>(red));
-    record.yellow.resize(static_cast<size_t>(yellow));
-    record.green.resize(static_cast<size_t>(green));
-    return record;
-}
 
 // The record's int fields in declared order, with the field that fills each.
 struct IntField {
@@ -124,7 +110,7 @@ private slots:
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         // Distinct quarter mils, exact in engine units.
         for (size_t i = 0; i < std::size(kIntFields); ++i) {
-            type(dialog, kIntFields[i].key, QString::number(0.25 * double(i + 1)));
+            field(dialog, kIntFields[i].key)->setText(QString::number(0.25 * double(i + 1)));
         }
         child<QRadioButton>(dialog, "radioButton_UseExistingMask_No")->click();
         child<QRadioButton>(dialog, "radioButton_FanShave_No")->click();
@@ -169,12 +155,11 @@ private slots:
         EngineSpy spy(kOperation);
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         if (c.unit == 1) {  // small enough to pass the first round
-            type(dialog, "BridgeSize", "0");
-            type(dialog, "CoverageMin", "0");
+            dfmtest::typeFields(dialog, {"BridgeSize=0", "CoverageMin=0"});
         }
-        type(dialog, "ClearanceOpt", c.clearance_opt);
-        type(dialog, "PreventVerticalFlowAdd", c.flow_add);
-        type(dialog, "CutSurplusCoverage", c.cut_coverage);
+        field(dialog, "ClearanceOpt")->setText(c.clearance_opt);
+        field(dialog, "PreventVerticalFlowAdd")->setText(c.flow_add);
+        field(dialog, "CutSurplusCoverage")->setText(c.cut_coverage);
         dialog.setTableRow(c.smd_rows);
         if (c.selected) {
             child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->click();
@@ -197,9 +182,8 @@ private slots:
     }
 
     void checksBeforeTheRun_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QStringList>("edits");  // "Key=text", typed in order
-        QTest::addColumn<QString>("message");    // empty: the run starts
+        // "key=text" pairs typed; the message, or empty when the run starts.
+        wctest::columns<int, QStringList, QString>("unit", "edits", "message");
         row("bridge empty", 0, QStringList{"BridgeSize="},
             "Illegal floating parameter : Empty text-box ! ");
         row("bridge above 20", 0, QStringList{"BridgeSize=20.5"},
@@ -246,16 +230,11 @@ private slots:
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer answerer;
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
-        for (const QString& edit : edits) {
-            type(dialog, edit.section('=', 0, 0), edit.section('=', 1));
-        }
+        dfmtest::typeFields(dialog, edits);
         dialog.on_m_pRunGlobalPB_clicked();
-        const bool runs = message.isEmpty();
-        QCOMPARE(answerer.texts(), runs ? QStringList() : QStringList{message});
-        QVERIFY(answerer.count() == 0 || answerer.last().title == "Information");
-        QCOMPARE(spy.calls(), runs ? 1 : 0);
-        QCOMPARE(messages.count(), runs ? 2 : 0);
-        QCOMPARE(labelText(dialog, "label_Time") == "No results", !runs);
+        dfmtest::verifyChecked(answerer, spy.calls(), message);
+        QCOMPARE(messages.count(), message.isEmpty() ? 2 : 0);
+        QCOMPARE(labelText(dialog, "label_Time") == "No results", !message.isEmpty());
     }
 
     void noLayers_data() {
@@ -271,13 +250,10 @@ private slots:
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         dialog.setLayerText(expression);
         // An engine value out of range is not reached: the layers come first.
-        type(dialog, "PartialClearance", "9");
+        field(dialog, "PartialClearance")->setText("9");
         dialog.on_m_pRunGlobalPB_clicked();
-        QCOMPARE(labelText(dialog, "label_Status"), "No layers were processed");
-        QCOMPARE(spy.calls(), 0);
-        QCOMPARE(messages.count(), 0);
+        dfmtest::verifyNoRun(dialog, spy.calls(), messages);
         QCOMPARE(answerer.count(), 0);
-        QVERIFY(!dialog.hasResults());
     }
 
     // However the run ends (stopped, the engine failing or throwing), the host is told twice and
@@ -294,7 +270,10 @@ private slots:
         QFETCH(bool, stopped);
         QFETCH(bool, has_results);
         EngineSpy spy(kOperation, EngineSpy::Mode(mode));
-        spy.answer[smo_bridge_removed] = {hits(1, 0, 0), hits(0, 2, 0)};
+        std::vector<solder_mask_DFM_op_result>& bridges = spy.answer[smo_bridge_removed];
+        bridges.resize(2);
+        bridges[0].red.resize(1);
+        bridges[1].yellow.resize(2);
         spy.wait_for_stop = stopped;
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer answerer;
@@ -303,11 +282,7 @@ private slots:
         dialog.on_m_pRunGlobalPB_clicked();
         QCOMPARE(stopper.seen().contains("SolderMask opt terminated|" + dfmtest::kRed), stopped);
         QCOMPARE(spy.calls(), 1);
-        dfmtest::verifyNotifications(messages, kJob);
-        QCOMPARE(answerer.count(), 0);
-        QCOMPARE(labelText(dialog, "label_Status"), "2 layers were processed");
-        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
-        QVERIFY(labelText(dialog, "label_Time").contains(" - "));
+        dfmtest::verifyRunEnded(dialog, messages, answerer, "2 layers were processed");
         QCOMPARE(dialog.hasResults(), has_results);
         if (!has_results) {
             return;
@@ -335,7 +310,7 @@ private slots:
         qobject_cast<QLineEdit*>(smd->cellWidget(1, 1))->setText("2");
         child<QPushButton>(dialog, "pushButton_DeleteSMDRow")->click();
         dialog.setgastablerow({{"3", "0.5"}});
-        type(dialog, "BridgeSize", "7");
+        field(dialog, "BridgeSize")->setText("7");
         child<QRadioButton>(dialog, "radioButton_IsRound_No")->click();
         child<QCheckBox>(dialog, "checkBox_Advance")->click();
 
@@ -345,13 +320,13 @@ private slots:
         QCOMPARE(saved_smd, (wc::RangeRows{{"4", "1"}, {"6", "2"}}));
         dialog.setTableRow({});
         dialog.setgastablerow({{"9", "9"}, {"8", "8"}});
-        type(dialog, "BridgeSize", "1");
+        field(dialog, "BridgeSize")->setText("1");
         child<QRadioButton>(dialog, "radioButton_IsRound_Yes")->click();
         child<QCheckBox>(dialog, "checkBox_Advance")->click();
 
         dialog.setErfValues("mine");
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_ERF")->text(), "mine");
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_BridgeSize")->text(), "7");
+        QCOMPARE(field(dialog, "ERF")->text(), "mine");
+        QCOMPARE(field(dialog, "BridgeSize")->text(), "7");
         QVERIFY(child<QRadioButton>(dialog, "radioButton_IsRound_No")->isChecked());
         QVERIFY(child<QGroupBox>(dialog, "groupBox_AdvancedSurplus")->isEnabled());
         QCOMPARE(dialog.smdCompensateRows(), saved_smd);
@@ -370,11 +345,11 @@ private slots:
         wctest::UnitScope scope(scene_.host(), 0);
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         dialog.setgastablerow({{"8", ""}});
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_BridgeSize")->text(), "4.00");
+        QCOMPARE(field(dialog, "BridgeSize")->text(), "4.00");
         scope.change(1);
         dialog.change_units();
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_BridgeSize")->text(), "0.1016");
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_CutSurplusClearance")->text(), "0.0127");
+        QCOMPARE(field(dialog, "BridgeSize")->text(), "0.1016");
+        QCOMPARE(field(dialog, "CutSurplusClearance")->text(), "0.0127");
         QCOMPARE(dialog.gasRows(), (wc::RangeRows{{"0.2032", ""}}));
         QCOMPARE(labelText(dialog, "label_BridgeSizeUnit"), "mm");
     }
