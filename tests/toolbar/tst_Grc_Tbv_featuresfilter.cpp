@@ -135,20 +135,10 @@ private slots:
         QWidget parent;
         auto* toolbar = reinterpret_cast<Graphic_Toolbar_Move*>(&parent + 1);
         Grc_Tbv_featuresfilter popup(toolbar, &parent);
-        QCOMPARE(int(popup.windowFlags() & ~Qt::WindowSystemMenuHint), 0x8001003);
         QCOMPARE(popup.windowTitle(), "Feature Seleciton filter");
-        QCOMPARE(popup.minimumWidth(), 500);
-        QCOMPARE(popup.maximumWidth(), 500);
-        const char* types[][2] = {
-            {"pushButton_Pad", "Pad"},           {"pushButton_Line", "Line"},
-            {"pushButton_Arc", "Arc"},           {"pushButton_Surface", "Surf"},
-            {"pushButton_Text", "Text"},         {"pushButton_Negative", "negetive3"},
-            {"pushButton_Positive", "positive3"}};
-        const QString prefix = "QPushButton{background-image:url(:/Widget_Common/Resources/";
-        for (const auto& type : types) {
-            auto* button = child<QPushButton>(popup, QString::fromLatin1(type[0]));
-            QVERIFY(button->isCheckable() && button->isChecked());
-            QVERIFY2(button->styleSheet().startsWith(prefix + type[1]), type[0]);
+        for (const char* type : {"Pad", "Line", "Arc", "Surface", "Text", "Negative", "Positive"}) {
+            auto* button = child<QPushButton>(popup, QStringLiteral("pushButton_") + type);
+            QVERIFY2(button->isCheckable() && button->isChecked(), type);
         }
         QCOMPARE(child<QPushButton>(popup, "pushButton_IncludePick")->toolTip(),
                  "Single selection");
@@ -292,11 +282,12 @@ private slots:
     // What is typed in the four fields reaches the record of Select and Highlight.
     void fieldsReachTheRecord_data() {
         QTest::addColumn<Typed>("c");
+        row("nothing typed", Typed{0, "Select", "", "", "", "", 0, "", 0, ""});
         row("typed in mil, own conversion",
             Typed{0, "Select", "r10.05", "", "", "", 1, "r10.50", 0, ""});
         row("include beats exclude",
             Typed{0, "Highlight", "r10", "s20", ".smd;.net=gnd", ".smd", 1, "r10", 0, ".net=gnd"});
-        row("exclude alone", Typed{0, "Highlight", "", "s20;rect20.5x10", "", ".drill=via", 0,
+        row("exclude alone", Typed{0, "Highlight", "", "s20;;rect20.5x10", "", ".drill=via", 0,
                                    "s20|rect20.500x10", 2, ".drill=via"});
         row("typed in mm, the host converts",
             Typed{1, "Select", "r0.254", "", "", "", 1, "r10", 0, ""});
