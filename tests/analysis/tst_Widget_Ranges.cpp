@@ -17,8 +17,6 @@ using Korvo::UIAPI::Analysis_Ranges_Record;
 using Korvo::UIAPI::ZeLineEdit;
 using wctest::row;
 
-Q_DECLARE_METATYPE(QList<int>)
-
 namespace {
 
 ZeLineEdit* field(Widget_Ranges& ranges, const char* level, int row) {
