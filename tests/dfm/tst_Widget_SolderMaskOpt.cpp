@@ -27,14 +27,13 @@ using Entries = QList<QPair<int, int>>;
 using EngineSpy = dfmtest::EngineSpy<solder_mask_DFM_params, solder_mask_DFM_result_map>;
 constexpr auto kOperation = &wcref::EngineHooks::solder_mask_DFM_op;
 
-// Three typed fields, the SMD table and the scope chosen, and what the record must hold.
+// Three typed fields and the scope chosen, and what the record must hold.
 struct Typed {
     int unit;
     QString clearance_opt, flow_add, cut_coverage;
-    wc::RangeRows smd_rows;
     bool selected;
     int button;
-    int clearance_opt_nm, flow_add_nm, cut_coverage_nm, smd_range_nm, scope;
+    int clearance_opt_nm, flow_add_nm, cut_coverage_nm, scope;
 };
 
 // The record's int fields in declared order, with the field that fills each.
@@ -137,17 +136,13 @@ private slots:
 
     void recordFromTypedValues_data() {
         QTest::addColumn<Typed>("c");
-        const wc::RangeRows none, mil_range{{"4", "1"}}, mm_range{{"0.5", "0.25"}};
         // Truncated toward zero, not rounded and not floored.
-        row("mil truncated", Typed{0, "0.33333", "-0.33333", "7.5", mil_range, false, 0, 8466,
-                                   -8466, 190500, 101600, 0});
-        row("mil at the limits",
-            Typed{0, "200", "-8", "0", none, false, 1, 5080000, -203200, 0, -1, 1});
-        row("mm profile", Typed{1, "5", "-0.125", "0.0625", mm_range, false, 2, 5000000, -125000,
-                                62500, 500000, 2});
-        row("mm selected",
-            Typed{1, "0.125", "0.2", "1.5", none, true, 0, 125000, 200000, 1500000, -1, 3});
-        row("mil selected", Typed{0, "5", "0", "0", none, true, 2, 127000, 0, 0, -1, 3});
+        row("mil truncated",
+            Typed{0, "0.33333", "-0.33333", "7.5", false, 0, 8466, -8466, 190500, 0});
+        row("mil at the limits", Typed{0, "200", "-8", "0", false, 1, 5080000, -203200, 0, 1});
+        row("mm profile", Typed{1, "5", "-0.125", "0.0625", false, 2, 5000000, -125000, 62500, 2});
+        row("mm selected", Typed{1, "0.125", "0.2", "1.5", true, 0, 125000, 200000, 1500000, 3});
+        row("mil selected", Typed{0, "5", "0", "0", true, 2, 127000, 0, 0, 3});
     }
     void recordFromTypedValues() {
         QFETCH(Typed, c);
@@ -160,7 +155,6 @@ private slots:
         field(dialog, "ClearanceOpt")->setText(c.clearance_opt);
         field(dialog, "PreventVerticalFlowAdd")->setText(c.flow_add);
         field(dialog, "CutSurplusCoverage")->setText(c.cut_coverage);
-        dialog.setTableRow(c.smd_rows);
         if (c.selected) {
             child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->click();
         }
@@ -174,11 +168,6 @@ private slots:
         QCOMPARE(spy.last().cut_surplus_coverage, c.cut_coverage_nm);
         QCOMPARE(spy.last().apply_to_all, !c.selected);
         QCOMPARE(spy.last().scope, c.scope);
-        QCOMPARE(int(spy.last().smd_compensate_ranges.size()), c.smd_range_nm < 0 ? 0 : 1);
-        if (c.smd_range_nm >= 0) {
-            QCOMPARE(spy.last().smd_compensate_ranges.begin()->first, c.smd_range_nm);
-        }
-        QVERIFY(spy.last().gas_ranges.empty());
     }
 
     void checksBeforeTheRun_data() {
