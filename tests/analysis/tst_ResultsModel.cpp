@@ -47,8 +47,6 @@ private slots:
     void countsAreCumulative_data() {
         wctest::columns<int, int, int, int, int, int>("red", "yellow", "green", "other", "severity",
                                                       "expected");
-        row("all yellow at !!", 0, 5, 0, 0, int(wc::SevRed), 0);
-        row("all yellow at !", 0, 5, 0, 0, int(wc::SevYellow), 5);
         row("red and yellow at !", 2, 5, 7, 11, int(wc::SevYellow), 7);
         row("green level", 2, 5, 7, 11, int(wc::SevGreen), 14);
         row("All counts the fourth list", 2, 5, 7, 11, int(wc::SevAll), 25);

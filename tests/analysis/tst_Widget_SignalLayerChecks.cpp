@@ -13,7 +13,6 @@
 #include <thread>
 
 #include "CheckListService.h"
-#include "Common.h"
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "FindChild.h"
@@ -275,8 +274,6 @@ private slots:
             "No layers were processed", 0);
         row("empty distance", "top", "", QStringList{"Information|illegal floating parameter"}, "",
             0);
-        row("filter", ".type=signal|mixed&context=board", "10", QStringList{},
-            "4 layers were processed", 4);
     }
     void layersAndEmptyFields() {
         QFETCH(QString, layers);
@@ -339,8 +336,6 @@ private slots:
             expected);
         const QJsonArray ranges = root.value("rangesList").toArray();
         QCOMPARE(ranges.size(), int(Korvo::UIAPI::getRanges("SignalLayerRanges").size()));
-        QCOMPARE(ranges.at(0).toObject().keys(),
-                 QStringList({"GreenLv", "RedLv", "YellowLv", "name"}));
         QCOMPARE(dialog.isErfFileExist("mine"), true);
     }
 
@@ -415,7 +410,6 @@ private slots:
         QCOMPARE(answerer.count(), 1);
         QVERIFY2(answerer.last().text.startsWith("Save success: "),
                  qPrintable(answerer.last().text));
-        QVERIFY(QFile::exists(Common::getPath_database() + "/results.sqlite"));
 
         Widget_SignalLayerChecks other(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         other.on_db_connected(true);
