@@ -17,6 +17,7 @@
 #include "LogCapture.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginBus.h"
+#include "PluginSpy.h"
 #include "ScopedEngineHook.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "analysis_drawing_data.h"
@@ -43,31 +44,19 @@ Levels twoRedOneYellow() {
     return levels;
 }
 
-// What a message carried, copied while it was being delivered.
-struct Delivered {
-    int code = 0;
-    QString sender;
-    QString receiver;
-    analysis_drawing_data data;
-};
-
-class DrawingCatcher {
+// The plug-in spy, with the drawing data of the last message copied while it was delivered.
+class DrawingCatcher : public wctest::PluginSpy {
 public:
     DrawingCatcher() {
         id_ = wcref::PluginBus::instance().subscribe([this](const PluginMetaData& message) {
-            Delivered seen;
-            seen.code = message.code;
-            seen.sender = message.sender;
-            seen.receiver = message.receiver;
-            if (message.payload != nullptr) {
-                seen.data = *static_cast<const analysis_drawing_data*>(message.payload);
-            }
-            delivered.append(seen);
+            data = message.payload != nullptr
+                       ? *static_cast<const analysis_drawing_data*>(message.payload)
+                       : analysis_drawing_data();
         });
     }
     ~DrawingCatcher() { wcref::PluginBus::instance().unsubscribe(id_); }
-    const Delivered& last() const { return delivered.last(); }
-    QList<Delivered> delivered;
+    const wctest::SeenMessage& last() const { return messages().last(); }
+    analysis_drawing_data data;
 
 private:
     int id_ = 0;
@@ -215,14 +204,14 @@ private slots:
 
         DrawingCatcher catcher;
         viewer->on_Right_clicked();
-        QCOMPARE(catcher.delivered.size(), 1);
+        QCOMPARE(catcher.count(), 1);
         QCOMPARE(catcher.last().code, oneHit);
         QCOMPARE(catcher.last().sender, "Graphic_MenuBar_Analysis.dll");
         QCOMPARE(catcher.last().receiver, "Graphic_View.dll");
-        QCOMPARE(catcher.last().data.index, 2);
+        QCOMPARE(catcher.data.index, 2);
         child<QCheckBox>(*viewer, "m_pShowAllCB")->setChecked(true);
         QCOMPARE(catcher.last().code, allHits);
-        QCOMPARE(int(catcher.last().data.shapes.size()), 2 + (mode == "mrc" ? 0 : 1));
+        QCOMPARE(int(catcher.data.shapes.size()), 2 + (mode == "mrc" ? 0 : 1));
 
         const QByteArray signal = QByteArray("2") + raise.toLatin1();
         QSignalSpy raised(viewer.get(), signal.constData());
@@ -259,17 +248,17 @@ private slots:
 
         DrawingCatcher catcher;
         viewer.on_Left_clicked();
-        QCOMPARE(catcher.delivered.size(), 0);  // already at the first: nothing new to show
+        QCOMPARE(catcher.count(), 0);  // already at the first: nothing new to show
         viewer.on_Last_clicked();
         viewer.on_Right_clicked();
         QCOMPARE(viewer.currentIndex(), std::size_t(3));
-        QCOMPARE(catcher.delivered.size(), 1);
+        QCOMPARE(catcher.count(), 1);
 
         auto* index = child<QLineEdit>(viewer, "m_pIndexLE");
         index->setText("2");
         QTest::keyClick(index, Qt::Key_Return);
         QCOMPARE(viewer.currentIndex(), std::size_t(2));
-        QCOMPARE(catcher.last().data.index, 2);
+        QCOMPARE(catcher.data.index, 2);
         index->setText("9");
         QTest::keyClick(index, Qt::Key_Return);
         QCOMPARE(viewer.currentIndex(), std::size_t(2));
@@ -289,7 +278,7 @@ private slots:
 
         DrawingCatcher catcher;
         viewer.on_First_clicked();
-        const analysis_drawing_data& data = catcher.last().data;
+        const analysis_drawing_data& data = catcher.data;
         const check_info& expected = (*result)["bottom"][sli_line_width].red.front();
         QCOMPARE(data.index, 1);  // "bottom" is listed first and is the only layer chosen
         QCOMPARE(data.count, 1);
@@ -318,7 +307,7 @@ private slots:
         DrawingCatcher catcher;
         table->selectRow(2);  // 4.000 mil, the yellow hit, third in navigation order
         QCOMPARE(viewer.currentIndex(), std::size_t(3));
-        QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
+        QCOMPARE(catcher.data.value_text, std::string("4.000 mil"));
     }
 
     void filterAndMeasNarrowTheHits() {
@@ -346,7 +335,7 @@ private slots:
         QCOMPARE(narrowed.count(), 1);
         QCOMPARE(viewer.currentCount(), std::size_t(2));
         viewer.on_Right_clicked();
-        QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
+        QCOMPARE(catcher.data.value_text, std::string("4.000 mil"));
         viewer.on_Right_clicked();
         QCOMPARE(next.count(), 1);  // past the last filtered hit the filter is asked for more
         viewer.on_unfilter_analysis_items();
@@ -361,7 +350,7 @@ private slots:
         meas->setCurrentIndex(meas->findText("3.000"));
         viewer.on_Meas_changed(meas->currentText());
         QCOMPARE(viewer.currentCount(), std::size_t(1));
-        QCOMPARE(catcher.last().data.value_text, std::string("3.000 mil"));
+        QCOMPARE(catcher.data.value_text, std::string("3.000 mil"));
 
         viewer.get_begin_filter_result(asked);
         auto* categories = child<QListWidget>(viewer, "m_pCategoriesList");
@@ -458,8 +447,8 @@ private slots:
         QTest::mouseClick(child<QPushButton>(viewer, "m_pClosePB"), Qt::LeftButton);
         QVERIFY(!viewer.isVisible());
         QCOMPARE(catcher.last().code, 20002810);
-        QCOMPARE(catcher.last().data.count, 0);
-        QVERIFY(catcher.last().data.shapes.empty());
+        QCOMPARE(catcher.data.count, 0);
+        QVERIFY(catcher.data.shapes.empty());
     }
 
     void lentResultIsNotCopied() {
@@ -470,7 +459,7 @@ private slots:
         DrawingCatcher catcher;
         viewer.on_First_clicked();
         viewer.on_Right_clicked();
-        QCOMPARE(catcher.last().data.shapes[0].points,
+        QCOMPARE(catcher.data.shapes[0].points,
                  result["bottom"][sli_line_width].red.front().shape.points.data());
     }
 };

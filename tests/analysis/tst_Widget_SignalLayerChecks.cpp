@@ -1,5 +1,4 @@
 #include <QCheckBox>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLabel>
@@ -320,9 +319,7 @@ private slots:
         child<QRadioButton>(dialog, "radioButton_CompensatedRout_Skeleton")->setChecked(true);
         child<QLineEdit>(dialog, "lineEdit_Spacing")->setText("7.5");
         dialog.get_ERF_Name("mine");
-        QFile file(scene_.working().filePath("ERFconfig/SignalLayerRanges/mine.json"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QJsonObject root = QJsonDocument::fromJson(file.readAll()).object();
+        const QJsonObject root = QJsonDocument::fromJson(savedSet("mine")).object();
         const QByteArray expected =
             R"([{"Spacing":"7.5"},{"Rout to Cu":"25.00"},{"Drill to Cu":"14.00"},)"
             R"({"Sliver min":"10.00"},{"Minimum Pad overlap":"5.00"},{"Test list":[)"
@@ -357,10 +354,8 @@ private slots:
         QCOMPARE(answerer.count(), 1);
         QCOMPARE(answerer.last().title, "Warning");
         QCOMPARE(answerer.last().text, "set have a same name file! Do you want to overwrite?");
-        QFile file(scene_.working().filePath("ERFconfig/SignalLayerRanges/set.json"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
         const QJsonArray entries =
-            QJsonDocument::fromJson(file.readAll()).object().value("signalLayerChecks").toArray();
+            QJsonDocument::fromJson(savedSet("set")).object().value("signalLayerChecks").toArray();
         QCOMPARE(entries.at(0).toObject().value("Spacing").toString(), spacing_in_file);
     }
 
@@ -382,10 +377,7 @@ private slots:
         QCOMPARE(Korvo::UIAPI::getRanges("SignalLayerRanges")[3].RedLv, 777.0);
 
         // A broken file leaves the form as it was and says why.
-        QFile broken(scene_.working().filePath("ERFconfig/SignalLayerRanges/broken.json"));
-        QVERIFY(broken.open(QIODevice::WriteOnly));
-        broken.write(R"({"signalLayerChecks":[{"Apply to":7}]})");
-        broken.close();
+        QVERIFY(wctest::writeFile(setPath("broken"), R"({"signalLayerChecks":[{"Apply to":7}]})"));
         wctest::MessageBoxAnswerer answerer;
         other.get_ERF_text("broken");
         QCOMPARE(answerer.count(), 1);
@@ -478,6 +470,12 @@ private slots:
     }
 
 private:
+    QString setPath(const QString& name) const {
+        return scene_.working().filePath("ERFconfig/SignalLayerRanges/" + name + ".json");
+    }
+    // A saved parameter set as written, empty when there is none.
+    QByteArray savedSet(const QString& name) const { return wctest::readFile(setPath(name)); }
+
     wctest::SampleJobScene scene_;
 };
 
