@@ -239,8 +239,6 @@ private slots:
                                                             "remembered");
         row("global after screen", QStringList{"RunScreen", "RunGlobally"}, false, QList<int>{1, 0},
             0);
-        row("selected, global", QStringList{"RunGlobally"}, true, QList<int>{3}, 3);
-        row("selected, screen", QStringList{"RunScreen"}, true, QList<int>{3}, 3);
         row("selected, profile", QStringList{"RunProfile"}, true, QList<int>{3}, 3);
     }
     void scopeReachingTheEngine() {

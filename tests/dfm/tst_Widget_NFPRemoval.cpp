@@ -1,4 +1,3 @@
-#include <QLineEdit>
 #include <QtTest>
 
 #include "DataColumns.h"

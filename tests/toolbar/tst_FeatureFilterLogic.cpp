@@ -29,7 +29,6 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("engine");
         row("integer kept", "r10", "r10");
-        row("leading zeros of the fraction lost", "r10.05", "r10.50");
         row("three decimals", "10.005", "10.5");
         row("one decimal", "r10.5", "r10.500");
         row("several numbers", "rect20.5x40.25", "rect20.500x40.250");
@@ -66,13 +65,9 @@ private slots:
         wctest::columns<QString, QString, bool, int, QString>(
             "include", "exclude", "popup_has_conditions", "logic", "attributes");
         // The popup's last logic is 1 and its conditions are ".bga" in every row.
-        row("nothing", "", "", false, 1, "");
         row("nothing but the popup's conditions", "", "", true, 1, ".bga");
-        row("exclude only, name=value", "", ".drill=via", false, 2, ".drill=via");
         row("exclude only, added to the popup's", "", ".smd", true, 2, ".bga;.smd");
         row("include", ".smd; .drill = via", "", false, 1, ".drill=via;.smd");
-        row("bare exclude takes out a presence condition", ".smd;.net=gnd", ".smd;.net", false, 1,
-            ".net=gnd");
         row("name=value exclude takes out any", ".net=gnd;.smd", ".net=vcc", false, 1, ".smd");
     }
     void attributeMapFromTheFields() {
