@@ -218,7 +218,6 @@ private slots:
                  ".type=signal|mixed&side=top|bottom&context=board");
         QCOMPARE(child<QLineEdit>(dialog, "lineEdit_ERF")->text(), "Outer(Mils)");
         QCOMPARE(text(dialog, "label_MinimumPadoverlap"), " Minimum pad overlap:");
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_RouttoCu")->text(), "25.00");
         QCOMPARE(child<QRadioButton>(dialog, "radioButton_CompensatedRout_No")->isChecked(), true);
         // Two columns, read row by row.
         const QStringList expected = {

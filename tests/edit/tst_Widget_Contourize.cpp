@@ -173,7 +173,6 @@ private slots:
         row("Ok, valid", Press{0, ok, acc, "1", none, 1, false});
         // Ok closes even though nothing was applied: kept as the host has it.
         row("Ok, empty", Press{0, ok, acc, "", illegal, 0, false});
-        row("Ok, above limit", Press{0, ok, acc, "3", none, 0, false});
         row("Close", Press{0, "pushButton_Close", acc, "1", none, 0, false});
     }
     void buttons() {
