@@ -8,7 +8,6 @@
 #include "UnitScope.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_SignalLayerOpt.h"
-#include "frame/ParameterSetActions.h"
 
 using namespace Korvo::API;
 using Params = signal_layer_DFM_op_params;
@@ -211,13 +210,10 @@ private slots:
 
     void parameterSetRoundTrip() {
         Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
-        QSignalSpy named(&dialog, &Widget_SignalLayerOpt::send_Sel_Template_Name);
         field(dialog, "PTHARMin")->setText("7.25");
         child<QCheckBox>(dialog, "checkBox_Shave")->click();
         dialog.setAffectedLayers({"top"});
-        dialog.findChild<wc::ParameterSetActions*>()->save("thin copper");
-        QCOMPARE(named.size(), 1);
-        QCOMPARE(named.at(0).at(0).toString(), "thin copper");
+        dfmtest::saveAs(dialog, "thin copper");
 
         Widget_SignalLayerOpt other(kJob, "pcb", scene_.host());
         other.setErfValues("thin copper");

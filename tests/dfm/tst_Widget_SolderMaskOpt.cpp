@@ -23,7 +23,7 @@ using wctest::row;
 namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
-using Entries = QList<QPair<int, int>>;
+using Entries = std::map<int32_t, int32_t>;
 using EngineSpy = dfmtest::EngineSpy<solder_mask_DFM_params, solder_mask_DFM_result_map>;
 constexpr auto kOperation = &wcref::EngineHooks::solder_mask_DFM_op;
 
@@ -73,6 +73,7 @@ QString delMessage(const QString& text, const QString& upper) {
 }  // namespace
 
 Q_DECLARE_METATYPE(Typed)
+Q_DECLARE_METATYPE(Entries)
 
 class tst_Widget_SolderMaskOpt : public QObject {
     Q_OBJECT
@@ -96,11 +97,7 @@ private slots:
         QFETCH(wc::RangeRows, rows);
         QFETCH(Entries, entries);
         wctest::UnitScope scope(scene_.host(), unit);
-        std::map<int32_t, int32_t> expected;
-        for (const auto& entry : entries) {
-            expected[entry.first] = entry.second;
-        }
-        QCOMPARE(wc::rangeTableMap(rows, scene_.host()), expected);
+        QCOMPARE(wc::rangeTableMap(rows, scene_.host()), entries);
     }
 
     void everyFieldInItsMember() {
