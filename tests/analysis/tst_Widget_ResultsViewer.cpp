@@ -17,6 +17,7 @@
 #include "LogCapture.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginBus.h"
+#include "PluginSpy.h"
 #include "ScopedEngineHook.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "analysis_drawing_data.h"
@@ -43,31 +44,19 @@ Levels twoRedOneYellow() {
     return levels;
 }
 
-// What a message carried, copied while it was being delivered.
-struct Delivered {
-    int code = 0;
-    QString sender;
-    QString receiver;
-    analysis_drawing_data data;
-};
-
-class DrawingCatcher {
+// The plug-in spy, with the drawing data of the last message copied while it was delivered.
+class DrawingCatcher : public wctest::PluginSpy {
 public:
     DrawingCatcher() {
         id_ = wcref::PluginBus::instance().subscribe([this](const PluginMetaData& message) {
-            Delivered seen;
-            seen.code = message.code;
-            seen.sender = message.sender;
-            seen.receiver = message.receiver;
-            if (message.payload != nullptr) {
-                seen.data = *static_cast<const analysis_drawing_data*>(message.payload);
-            }
-            delivered.append(seen);
+            data = message.payload != nullptr
+                       ? *static_cast<const analysis_drawing_data*>(message.payload)
+                       : analysis_drawing_data();
         });
     }
     ~DrawingCatcher() { wcref::PluginBus::instance().unsubscribe(id_); }
-    const Delivered& last() const { return delivered.last(); }
-    QList<Delivered> delivered;
+    const wctest::SeenMessage& last() const { return messages().last(); }
+    analysis_drawing_data data;
 
 private:
     int id_ = 0;
@@ -107,11 +96,25 @@ Factory over(Fill fill, Extra... extra) {
     return [r, extra...](QWidget* p) { return new Widget_ResultsViewer(0, p, r, extra...); };
 }
 
+// The same where the hits are `result[layer][item]`.
+template <typename Map, typename Item, typename... Extra>
+Factory atLayer(const char* layer, Item item, Extra... extra) {
+    using Levels = typename Map::mapped_type::mapped_type;
+    return over<Map>([=](Map& r) { r[layer][item] = twoRedOneYellow<Levels>(); }, extra...);
+}
+
+// The same where the hits are `result[item]`.
+template <typename Map, typename... Extra>
+Factory atItem(typename Map::key_type item, Extra... extra) {
+    return over<Map>([=](Map& r) { r[item] = twoRedOneYellow<typename Map::mapped_type>(); },
+                     extra...);
+}
+
 // The same for the optimisations whose viewer takes the run's layers first.
-template <typename Map, typename Fill>
-Factory overLayers(Fill fill) {
+template <typename Map>
+Factory overLayers(typename Map::key_type item) {
     auto r = std::make_shared<Map>();
-    fill(*r);
+    (*r)[item] = twoRedOneYellow<typename Map::mapped_type>();
     return [r](QWidget* p) {
         return new Widget_ResultsViewer(0, p, std::vector<std::string>{"top"}, r);
     };
@@ -136,82 +139,52 @@ private slots:
     void everyModeSendsItsCodes_data() {
         wctest::columns<Factory, int, QString, int, int, QString>("make", "number", "caption",
                                                                   "oneHit", "allHits", "raise");
-        row("signal", over<signal_check_result_map>([](auto& r) {
-                r["top"][sli_line_width] = twoRedOneYellow<signal_check_result>();
-            }),
-            6, "Signal Layer Checks", 20002803, 20002808, "Signal_check_raise()");
-        row("signal opt", over<signal_layer_DFM_result_map>([](auto& r) {
-                r["top"][sdi_spacing] = twoRedOneYellow<signal_layer_DFM_op_result>();
-            }),
-            7, "Signal Layer Opt", 20002803, 20002808, "Signal_DFM_raise()");
+        row("signal", atLayer<signal_check_result_map>("top", sli_line_width), 6,
+            "Signal Layer Checks", 20002803, 20002808, "Signal_check_raise()");
+        row("signal opt", atLayer<signal_layer_DFM_result_map>("top", sdi_spacing), 7,
+            "Signal Layer Opt", 20002803, 20002808, "Signal_DFM_raise()");
         row("solder mask",
-            over<wc::SolderMaskResult>(
-                [](auto& r) {
-                    r["top_mask"][smi_clearance_pad] = twoRedOneYellow<solder_mask_check_result>();
-                },
-                QString("job"), 0, QStringList{"top_mask"}),
+            atLayer<wc::SolderMaskResult>("top_mask", smi_clearance_pad, QString("job"), 0,
+                                          QStringList{"top_mask"}),
             5, " Solder Mask Check ", 20002803, 20002808, "SolderMask_check_raise()");
         row("solder mask opt", over<solder_mask_DFM_result_map>([](auto& r) {
                 r[smo_clearance_resized] = {twoRedOneYellow<solder_mask_DFM_op_result>()};
             }),
             8, "Solder Mask Opt", 20002817, 20002818, "SolderMask_DFM_raise()");
-        row("silk", over<wc::SilkScreenResult>([](auto& r) {
-                r["top_silk"][ssi_silk_to_pad] = twoRedOneYellow<silk_screen_check_result>();
-            }),
-            4, " Silk Screen Checks ", 20002803, 20002808, "Silk_check_raise()");
+        row("silk", atLayer<wc::SilkScreenResult>("top_silk", ssi_silk_to_pad), 4,
+            " Silk Screen Checks ", 20002803, 20002808, "Silk_check_raise()");
         row("drill", over<wc::DrillResult>([](auto& r) {
                 r["drill"].items[dci_hole_size] = twoRedOneYellow<check_levels>();
             }),
             1, "Drill Checks", 20002803, 20002808, "Drill_check_raise()");
-        row("drill table", over<wc::DrillTableResult>([](auto& r) {
-                r["drill"]["slot"] = twoRedOneYellow<drill_check_result>();
-            }),
-            3, "Drill Checks", 20002825, 20002826, "Drill_check_raise()");
+        row("drill table", atLayer<wc::DrillTableResult>("drill", "slot"), 3, "Drill Checks",
+            20002825, 20002826, "Drill_check_raise()");
         row("board drill", over<wc::BoardDrillResult>([](auto& r) {
                 r["drill"].items[bdi_hole_size] = twoRedOneYellow<check_levels>();
             }),
             2, "Board-DrillChecks", 20002803, 20002808, "BoardDrill_check_raise()");
-        row("power ground", over<wc::PowerGroundResult>([](auto& r) {
-                r["l2_gnd"][pgi_thermal_air_gap] = twoRedOneYellow<power_ground_check_result>();
-            }),
-            9, "Power Ground Checks", 20002840, 20002841, "PowerGround_raise()");
+        row("power ground", atLayer<wc::PowerGroundResult>("l2_gnd", pgi_thermal_air_gap), 9,
+            "Power Ground Checks", 20002840, 20002841, "PowerGround_raise()");
         row("power ground opt",
-            over<wc::PowerGroundDFMResult>(
-                [](auto& r) {
-                    r["l2_gnd"][pgo_sliver_filled] =
-                        twoRedOneYellow<power_ground_layer_DFM_op_result>();
-                },
-                QString("job"), QString("pcb")),
+            atLayer<wc::PowerGroundDFMResult>("l2_gnd", pgo_sliver_filled, QString("job"),
+                                              QString("pcb")),
             10, " Power Ground Opt ", 20002803, 20002844, "PowerGround_DFM_raise()");
-        row("prepare",
-            over<wc::PrepareResult>(
-                [](auto& r) { r[pci_open_surfaces] = twoRedOneYellow<prepare_check_result>(); },
-                QString("pcb")),
-            11, " Prepare Checks ", 20002834, 20002835, "Prepare_check_raise()");
+        row("prepare", atItem<wc::PrepareResult>(pci_open_surfaces, QString("pcb")), 11,
+            " Prepare Checks ", 20002834, 20002835, "Prepare_check_raise()");
         row("mrc", over<mrc_check_result>([](auto& r) {
                 r["top"]["width"] = {{"a", hit(25400)}, {"b", hit(50800)}};
             }),
             12, " MRC ", 20002832, 20002833, "Mrc_check_raise()");
-        row("surface", over<wc::SurfaceAnalyzerResult>([](auto& r) {
-                r["top"][sai_surface_width] = twoRedOneYellow<surface_analyser_result>();
-            }),
-            13, "Surface Analyzer", 20002803, 20002808, "Surface_check_raise()");
-        row("pad snapping", over<wc::PadSnappingResult>([](auto& r) {
-                r[psi_pad_off_grid] = twoRedOneYellow<pad_snapping_op_result>();
-            }),
-            14, "Pad Snapping", 20002836, 20002807, "PadSnapping_raise()");
-        row("teardrops", overLayers<teardrop_result_map>([](auto& r) {
-                r[tdi_created_drilled] = twoRedOneYellow<teardrop_create_DFM_op_result>();
-            }),
-            15, "Advanced Teardrops Creation", 20002822, 20002808, "TearDrop_DFM_raise()");
-        row("nfp", overLayers<NFP_removal_result_map>([](auto& r) {
-                r[nfp_isolated_removed] = twoRedOneYellow<NFP_removal_DFM_op_result>();
-            }),
-            16, "NFP Removal", 20002819, 20002808, "NFP_DFM_raise()");
-        row("avoid conductor", overLayers<wc::AvoidConductorResult>([](auto& r) {
-                r[aci_moved_line] = twoRedOneYellow<avoid_conductor_DFM_op_result>();
-            }),
-            17, "Avoid Conductor DFM", 20002819, 20002808, "Avoid_Conductor_DFM_raise()");
+        row("surface", atLayer<wc::SurfaceAnalyzerResult>("top", sai_surface_width), 13,
+            "Surface Analyzer", 20002803, 20002808, "Surface_check_raise()");
+        row("pad snapping", atItem<wc::PadSnappingResult>(psi_pad_off_grid), 14, "Pad Snapping",
+            20002836, 20002807, "PadSnapping_raise()");
+        row("teardrops", overLayers<teardrop_result_map>(tdi_created_drilled), 15,
+            "Advanced Teardrops Creation", 20002822, 20002808, "TearDrop_DFM_raise()");
+        row("nfp", overLayers<NFP_removal_result_map>(nfp_isolated_removed), 16, "NFP Removal",
+            20002819, 20002808, "NFP_DFM_raise()");
+        row("avoid conductor", overLayers<wc::AvoidConductorResult>(aci_moved_line), 17,
+            "Avoid Conductor DFM", 20002819, 20002808, "Avoid_Conductor_DFM_raise()");
     }
 
     void everyModeSendsItsCodes() {
@@ -231,14 +204,14 @@ private slots:
 
         DrawingCatcher catcher;
         viewer->on_Right_clicked();
-        QCOMPARE(catcher.delivered.size(), 1);
+        QCOMPARE(catcher.count(), 1);
         QCOMPARE(catcher.last().code, oneHit);
         QCOMPARE(catcher.last().sender, "Graphic_MenuBar_Analysis.dll");
         QCOMPARE(catcher.last().receiver, "Graphic_View.dll");
-        QCOMPARE(catcher.last().data.index, 2);
+        QCOMPARE(catcher.data.index, 2);
         child<QCheckBox>(*viewer, "m_pShowAllCB")->setChecked(true);
         QCOMPARE(catcher.last().code, allHits);
-        QCOMPARE(int(catcher.last().data.shapes.size()), 2 + (mode == "mrc" ? 0 : 1));
+        QCOMPARE(int(catcher.data.shapes.size()), 2 + (mode == "mrc" ? 0 : 1));
 
         const QByteArray signal = QByteArray("2") + raise.toLatin1();
         QSignalSpy raised(viewer.get(), signal.constData());
@@ -275,17 +248,17 @@ private slots:
 
         DrawingCatcher catcher;
         viewer.on_Left_clicked();
-        QCOMPARE(catcher.delivered.size(), 0);  // already at the first: nothing new to show
+        QCOMPARE(catcher.count(), 0);  // already at the first: nothing new to show
         viewer.on_Last_clicked();
         viewer.on_Right_clicked();
         QCOMPARE(viewer.currentIndex(), std::size_t(3));
-        QCOMPARE(catcher.delivered.size(), 1);
+        QCOMPARE(catcher.count(), 1);
 
         auto* index = child<QLineEdit>(viewer, "m_pIndexLE");
         index->setText("2");
         QTest::keyClick(index, Qt::Key_Return);
         QCOMPARE(viewer.currentIndex(), std::size_t(2));
-        QCOMPARE(catcher.last().data.index, 2);
+        QCOMPARE(catcher.data.index, 2);
         index->setText("9");
         QTest::keyClick(index, Qt::Key_Return);
         QCOMPARE(viewer.currentIndex(), std::size_t(2));
@@ -305,7 +278,7 @@ private slots:
 
         DrawingCatcher catcher;
         viewer.on_First_clicked();
-        const analysis_drawing_data& data = catcher.last().data;
+        const analysis_drawing_data& data = catcher.data;
         const check_info& expected = (*result)["bottom"][sli_line_width].red.front();
         QCOMPARE(data.index, 1);  // "bottom" is listed first and is the only layer chosen
         QCOMPARE(data.count, 1);
@@ -334,7 +307,7 @@ private slots:
         DrawingCatcher catcher;
         table->selectRow(2);  // 4.000 mil, the yellow hit, third in navigation order
         QCOMPARE(viewer.currentIndex(), std::size_t(3));
-        QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
+        QCOMPARE(catcher.data.value_text, std::string("4.000 mil"));
     }
 
     void filterAndMeasNarrowTheHits() {
@@ -362,7 +335,7 @@ private slots:
         QCOMPARE(narrowed.count(), 1);
         QCOMPARE(viewer.currentCount(), std::size_t(2));
         viewer.on_Right_clicked();
-        QCOMPARE(catcher.last().data.value_text, std::string("4.000 mil"));
+        QCOMPARE(catcher.data.value_text, std::string("4.000 mil"));
         viewer.on_Right_clicked();
         QCOMPARE(next.count(), 1);  // past the last filtered hit the filter is asked for more
         viewer.on_unfilter_analysis_items();
@@ -377,7 +350,7 @@ private slots:
         meas->setCurrentIndex(meas->findText("3.000"));
         viewer.on_Meas_changed(meas->currentText());
         QCOMPARE(viewer.currentCount(), std::size_t(1));
-        QCOMPARE(catcher.last().data.value_text, std::string("3.000 mil"));
+        QCOMPARE(catcher.data.value_text, std::string("3.000 mil"));
 
         viewer.get_begin_filter_result(asked);
         auto* categories = child<QListWidget>(viewer, "m_pCategoriesList");
@@ -474,8 +447,8 @@ private slots:
         QTest::mouseClick(child<QPushButton>(viewer, "m_pClosePB"), Qt::LeftButton);
         QVERIFY(!viewer.isVisible());
         QCOMPARE(catcher.last().code, 20002810);
-        QCOMPARE(catcher.last().data.count, 0);
-        QVERIFY(catcher.last().data.shapes.empty());
+        QCOMPARE(catcher.data.count, 0);
+        QVERIFY(catcher.data.shapes.empty());
     }
 
     void lentResultIsNotCopied() {
@@ -486,7 +459,7 @@ private slots:
         DrawingCatcher catcher;
         viewer.on_First_clicked();
         viewer.on_Right_clicked();
-        QCOMPARE(catcher.last().data.shapes[0].points,
+        QCOMPARE(catcher.data.shapes[0].points,
                  result["bottom"][sli_line_width].red.front().shape.points.data());
     }
 };

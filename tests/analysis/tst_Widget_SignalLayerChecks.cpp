@@ -1,6 +1,4 @@
-#include <QButtonGroup>
 #include <QCheckBox>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLabel>
@@ -14,7 +12,6 @@
 #include <thread>
 
 #include "CheckListService.h"
-#include "Common.h"
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "FindChild.h"
@@ -208,6 +205,9 @@ private slots:
         QCOMPARE(summary->styleSheet(), style);
         QCOMPARE(button(dialog, "pushButton_View")->styleSheet(),
                  "QPushButton{background-image:url(:/Widget_Common/Resources/viewgreen.jpg)}");
+        // Any change to the form makes the shown result stale.
+        child<QCheckBox>(dialog, "checkBox_Sliver")->click();
+        QCOMPARE(button(dialog, "pushButton_View")->styleSheet(), QString());
     }
 
     void windowAsTheHostExpects() {
@@ -218,11 +218,7 @@ private slots:
                  ".type=signal|mixed&side=top|bottom&context=board");
         QCOMPARE(child<QLineEdit>(dialog, "lineEdit_ERF")->text(), "Outer(Mils)");
         QCOMPARE(text(dialog, "label_MinimumPadoverlap"), " Minimum pad overlap:");
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_RouttoCu")->text(), "25.00");
         QCOMPARE(child<QRadioButton>(dialog, "radioButton_CompensatedRout_No")->isChecked(), true);
-        QCOMPARE(child<QButtonGroup>(dialog, "buttonGroup_CompensatedRout")
-                     ->id(child<QRadioButton>(dialog, "radioButton_CompensatedRout_Skeleton")),
-                 2);
         // Two columns, read row by row.
         const QStringList expected = {
             "Spacing", "Stubs", "Drill",      "Center", "Rout",
@@ -242,8 +238,6 @@ private slots:
                                                             "remembered");
         row("global after screen", QStringList{"RunScreen", "RunGlobally"}, false, QList<int>{1, 0},
             0);
-        row("selected, global", QStringList{"RunGlobally"}, true, QList<int>{3}, 3);
-        row("selected, screen", QStringList{"RunScreen"}, true, QList<int>{3}, 3);
         row("selected, profile", QStringList{"RunProfile"}, true, QList<int>{3}, 3);
     }
     void scopeReachingTheEngine() {
@@ -262,9 +256,6 @@ private slots:
         }
         QCOMPARE(QList<int>(spy.scopes.begin(), spy.scopes.end()), scopes);
         QCOMPARE(dialog.rememberedScope(), remembered);
-        const QString pressed = "pushButton_" + presses.last();
-        QVERIFY(
-            button(dialog, qPrintable(pressed))->styleSheet().endsWith("border: 2px solid red;}"));
         QCOMPARE(spy.params.back().apply_to, std::string(selected ? "Selected" : "All"));
         QVERIFY(spy.ranges > 0);
         QCOMPARE(text(dialog, "label_Status"), "1 layer was processed");
@@ -279,8 +270,6 @@ private slots:
             "No layers were processed", 0);
         row("empty distance", "top", "", QStringList{"Information|illegal floating parameter"}, "",
             0);
-        row("filter", ".type=signal|mixed&context=board", "10", QStringList{},
-            "4 layers were processed", 4);
     }
     void layersAndEmptyFields() {
         QFETCH(QString, layers);
@@ -320,14 +309,6 @@ private slots:
         QCOMPARE(text(dialog, "label_Summary"), QString());
     }
 
-    void staleMarking() {
-        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
-        dialog.on_RunGlobally_clicked();
-        QVERIFY(!button(dialog, "pushButton_View")->styleSheet().isEmpty());
-        child<QCheckBox>(dialog, "checkBox_Sliver")->click();
-        QCOMPARE(button(dialog, "pushButton_View")->styleSheet(), QString());
-    }
-
     void templateJsonAsWritten() {
         wctest::UnitScope scope(scene_.host(), 0);
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
@@ -335,9 +316,7 @@ private slots:
         child<QRadioButton>(dialog, "radioButton_CompensatedRout_Skeleton")->setChecked(true);
         child<QLineEdit>(dialog, "lineEdit_Spacing")->setText("7.5");
         dialog.get_ERF_Name("mine");
-        QFile file(scene_.working().filePath("ERFconfig/SignalLayerRanges/mine.json"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QJsonObject root = QJsonDocument::fromJson(file.readAll()).object();
+        const QJsonObject root = QJsonDocument::fromJson(savedSet("mine")).object();
         const QByteArray expected =
             R"([{"Spacing":"7.5"},{"Rout to Cu":"25.00"},{"Drill to Cu":"14.00"},)"
             R"({"Sliver min":"10.00"},{"Minimum Pad overlap":"5.00"},{"Test list":[)"
@@ -351,8 +330,6 @@ private slots:
             expected);
         const QJsonArray ranges = root.value("rangesList").toArray();
         QCOMPARE(ranges.size(), int(Korvo::UIAPI::getRanges("SignalLayerRanges").size()));
-        QCOMPARE(ranges.at(0).toObject().keys(),
-                 QStringList({"GreenLv", "RedLv", "YellowLv", "name"}));
         QCOMPARE(dialog.isErfFileExist("mine"), true);
     }
 
@@ -374,10 +351,8 @@ private slots:
         QCOMPARE(answerer.count(), 1);
         QCOMPARE(answerer.last().title, "Warning");
         QCOMPARE(answerer.last().text, "set have a same name file! Do you want to overwrite?");
-        QFile file(scene_.working().filePath("ERFconfig/SignalLayerRanges/set.json"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
         const QJsonArray entries =
-            QJsonDocument::fromJson(file.readAll()).object().value("signalLayerChecks").toArray();
+            QJsonDocument::fromJson(savedSet("set")).object().value("signalLayerChecks").toArray();
         QCOMPARE(entries.at(0).toObject().value("Spacing").toString(), spacing_in_file);
     }
 
@@ -399,10 +374,7 @@ private slots:
         QCOMPARE(Korvo::UIAPI::getRanges("SignalLayerRanges")[3].RedLv, 777.0);
 
         // A broken file leaves the form as it was and says why.
-        QFile broken(scene_.working().filePath("ERFconfig/SignalLayerRanges/broken.json"));
-        QVERIFY(broken.open(QIODevice::WriteOnly));
-        broken.write(R"({"signalLayerChecks":[{"Apply to":7}]})");
-        broken.close();
+        QVERIFY(wctest::writeFile(setPath("broken"), R"({"signalLayerChecks":[{"Apply to":7}]})"));
         wctest::MessageBoxAnswerer answerer;
         other.get_ERF_text("broken");
         QCOMPARE(answerer.count(), 1);
@@ -427,7 +399,6 @@ private slots:
         QCOMPARE(answerer.count(), 1);
         QVERIFY2(answerer.last().text.startsWith("Save success: "),
                  qPrintable(answerer.last().text));
-        QVERIFY(QFile::exists(Common::getPath_database() + "/results.sqlite"));
 
         Widget_SignalLayerChecks other(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         other.on_db_connected(true);
@@ -452,25 +423,16 @@ private slots:
         QCOMPARE(answerer.last().title, "Information");
     }
 
-    void viewerCountFromTheCache_data() {
-        QTest::addColumn<int>("layers");
-        QTest::addColumn<QString>("status");
-        row("none", 0, "No layers were processed");
-        row("one, two blanks", 1, "1 layer  was processed");
-        row("three", 3, "3 layers were processed");
-    }
+    // The count in the viewer's wording, two blanks for one layer (the wording itself is
+    // frame/tst_RunControls' concern).
     void viewerCountFromTheCache() {
-        QFETCH(int, layers);
-        QFETCH(QString, status);
         signal_check_result_map cached;
-        for (int i = 0; i < layers; ++i) {
-            cached["l" + std::to_string(i)];
-        }
+        cached["l1"];
         Korvo::Cache::common_cache::instance()->setSignalResult(cached);
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.viewSetShowResult();
-        QCOMPARE(text(dialog, "label_Status"), status);
-        QCOMPARE(dialog.layersWithinCheck().size(), layers);
+        QCOMPARE(text(dialog, "label_Status"), "1 layer  was processed");
+        QCOMPARE(dialog.layersWithinCheck().size(), 1);
     }
 
     void serviceRunsTheCheckOrIsBusy() {
@@ -505,6 +467,12 @@ private slots:
     }
 
 private:
+    QString setPath(const QString& name) const {
+        return scene_.working().filePath("ERFconfig/SignalLayerRanges/" + name + ".json");
+    }
+    // A saved parameter set as written, empty when there is none.
+    QByteArray savedSet(const QString& name) const { return wctest::readFile(setPath(name)); }
+
     wctest::SampleJobScene scene_;
 };
 

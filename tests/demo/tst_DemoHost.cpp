@@ -8,7 +8,6 @@
 #include <QtTest>
 #include <cmath>
 #include <functional>
-#include <set>
 
 #include "DataColumns.h"
 #include "DataRows.h"

@@ -1,9 +1,10 @@
 #pragma once
 // What the tests of the optimisation dialogs share: an engine operation that records what it was
-// given, saving a parameter set, and what the notifications after a run must be.
+// given, saving a parameter set, and what every dialog must show after its checks and its run.
 
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QtTest>
@@ -17,9 +18,11 @@
 #include <vector>
 
 #include "FindChild.h"
+#include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
 #include "ProgressWindows.h"
 #include "ReferenceEngine.h"
+#include "SampleJobScene.h"
 #include "progress_value.h"
 
 namespace dfmtest {
@@ -117,18 +120,49 @@ inline QString joined(const std::vector<std::string>& names) {
     return list.join(';');
 }
 
-// The two notifications after a run, matrix first.
-inline void verifyNotifications(const wctest::PluginSpy& spy, const QString& job) {
+// The field of `key`, "lineEdit_<key>".
+inline QLineEdit* field(QWidget& dialog, const QString& key) {
+    return child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key);
+}
+
+// Types "key=text" pairs into their fields, in order.
+inline void typeFields(QWidget& dialog, const QStringList& pairs) {
+    for (const QString& pair : pairs) {
+        field(dialog, pair.section('=', 0, 0))->setText(pair.section('=', 1));
+    }
+}
+
+// The checks before a run: `message` in an Information box and no engine call, or, when it is
+// empty, no box and one call.
+inline void verifyChecked(const wctest::MessageBoxAnswerer& boxes, int calls,
+                          const QString& message) {
+    const bool runs = message.isEmpty();
+    QCOMPARE(boxes.texts(), runs ? QStringList() : QStringList{message});
+    QVERIFY(runs || boxes.last().title == "Information");
+    QCOMPARE(calls, runs ? 1 : 0);
+}
+
+// A run that found no layer: said so, and neither the engine nor the host hears of it.
+template <typename Dialog>
+void verifyNoRun(Dialog& dialog, int calls, const wctest::PluginSpy& plugins) {
+    QCOMPARE(labelText(dialog, "label_Status"), "No layers were processed");
+    QCOMPARE(calls, 0);
+    QCOMPARE(plugins.count(), 0);
+    QVERIFY(!dialog.hasResults());
+}
+
+// A run that reached the engine, however it ended: the host told of the job twice, matrix
+// first, no box, the layers counted, the view button green and the run's time shown.
+inline void verifyRunEnded(QWidget& dialog, const wctest::PluginSpy& spy,
+                           const wctest::MessageBoxAnswerer& boxes, const QString& status) {
     QCOMPARE(spy.codes(), QList<int>({20002401, 20002400}));
-    const wctest::SeenMessage matrix = spy.messages().at(0);
-    const wctest::SeenMessage graphic = spy.messages().at(1);
-    QCOMPARE(matrix.sender, QStringLiteral("CAM_PNData_View.dll"));
-    QCOMPARE(matrix.receiver, QStringLiteral("Matrix.dll"));
-    QCOMPARE(matrix.values.value("DstType").toString(), QStringLiteral("Matrix"));
-    QCOMPARE(graphic.sender, QStringLiteral("CAM_PNData_View.dll"));
-    QCOMPARE(graphic.receiver, QStringLiteral("Graphic_JobList.dll"));
-    QCOMPARE(graphic.values.value("DstType").toString(), QStringLiteral("Graphic"));
-    QCOMPARE(graphic.values.value("Job").toString(), job);
+    for (const wctest::SeenMessage& message : spy.messages()) {
+        QCOMPARE(message.values.value("Job").toString(), wctest::SampleJobScene::kJob);
+    }
+    QCOMPARE(boxes.count(), 0);
+    QCOMPARE(labelText(dialog, "label_Status"), status);
+    QCOMPARE(viewStyle(dialog), kGreen);
+    QVERIFY(labelText(dialog, "label_Time").contains(" - "));
 }
 
 }  // namespace dfmtest

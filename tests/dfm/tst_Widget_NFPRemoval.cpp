@@ -1,12 +1,8 @@
-#include <QLineEdit>
 #include <QtTest>
 
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
-#include "MessageBoxAnswerer.h"
-#include "PluginSpy.h"
-#include "SampleJobScene.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_NFPRemoval.h"
 
@@ -76,9 +72,6 @@ private slots:
         QCOMPARE(p.ranges.size(), Korvo::UIAPI::getRanges("NFPRemoval").size());
         // The default layers are the inner copper layers.
         QCOMPARE(spy.layers.front(), (std::vector<std::string>{"l3", "l4"}));
-        QVERIFY(child<QPushButton>(dialog, "pushButton_" + run)
-                    ->styleSheet()
-                    .endsWith("border: 2px solid red;}"));
     }
 
     void layerError_data() {
@@ -94,11 +87,9 @@ private slots:
         wctest::MessageBoxAnswerer answerer;
         wctest::PluginSpy plugins;
         Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
+        dfmtest::field(dialog, "Layer")->setText(layers);
         dialog.on_m_pRunGlobalPB_clicked();
-        QCOMPARE(answerer.texts(), QStringList{"Layer error!"});
-        QCOMPARE(answerer.last().title, "Information");
-        QCOMPARE(spy.calls(), 0);
+        dfmtest::verifyChecked(answerer, spy.calls(), "Layer error!");
         QCOMPARE(plugins.count(), 0);
         QCOMPARE(dfmtest::labelText(dialog, "label_Status"), QString());
         QVERIFY(!dialog.hasResults());
@@ -124,14 +115,11 @@ private slots:
         wctest::MessageBoxAnswerer answerer;
         wctest::PluginSpy plugins;
         Widget_NFPRemoval dialog(kJob, "pcb", scene_.host());
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
+        dfmtest::field(dialog, "Layer")->setText(layers);
         dfmtest::Stopper stopper(dialog, stopped);
         dialog.on_m_pScreenOnlyPB_clicked();
         QCOMPARE(stopper.seen().contains("Remove NFP terminated|" + dfmtest::kRed), stopped);
-        dfmtest::verifyNotifications(plugins, kJob);
-        QCOMPARE(answerer.count(), 0);
-        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), status);
-        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
+        dfmtest::verifyRunEnded(dialog, plugins, answerer, status);
         QVERIFY(dialog.hasResults());
         QCOMPARE(dialog.result().at(nfp_isolated_removed).yellow.size(), size_t(3));
         click(dialog, "checkBox_Covered");
@@ -168,7 +156,7 @@ private slots:
         Widget_ResultsViewer* viewer = dialog.resultsViewer();
         QVERIFY(viewer != nullptr);
         QCOMPARE(viewer->kind(), wc::ViewerKind::NFPRemoval);
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;l3");
+        dfmtest::field(dialog, "Layer")->setText("top;l3");
         dialog.on_m_pRunGlobalPB_clicked();
         QCOMPARE(dialog.resultsViewer(), viewer);
         QCOMPARE(dfmtest::joined(viewer->model().layers().at(0).layer_names), "top;l3");
@@ -197,7 +185,7 @@ private slots:
             const bool was_default_on = name == "checkBox_Isolated";
             QCOMPARE(button->isChecked(), !was_default_on);
         }
-        QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "inner only");
+        QCOMPARE(dfmtest::field(other, "ERF")->text(), "inner only");
     }
 
 private:

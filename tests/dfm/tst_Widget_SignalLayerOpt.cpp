@@ -1,20 +1,13 @@
 #include <QCheckBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QtTest>
 
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
-#include "MessageBoxAnswerer.h"
-#include "PluginSpy.h"
-#include "SampleJobScene.h"
 #include "UnitScope.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_SignalLayerOpt.h"
-#include "frame/ParameterSetActions.h"
 
 using namespace Korvo::API;
 using Params = signal_layer_DFM_op_params;
@@ -24,6 +17,7 @@ namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
 using dfmtest::child;
+using dfmtest::field;
 using EngineSpy = dfmtest::EngineSpy<Params, signal_layer_DFM_result_map>;
 constexpr auto kOperation = &wcref::EngineHooks::signal_layer_DFM_op;
 
@@ -46,10 +40,6 @@ const std::pair<const char*, int32_t Params::*> kLengths[] = {
     {"BGAtoBGA", &Params::bga_to_bga},
     {"SMDShaving", &Params::smd_shaving_limit},
     {"BGAShaving", &Params::bga_shaving_limit}};
-
-QLineEdit* field(QWidget& dialog, const QString& key) {
-    return child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key);
-}
 
 }  // namespace
 
@@ -145,9 +135,7 @@ private slots:
         EngineSpy spy(kOperation);
         wctest::MessageBoxAnswerer boxes;
         dialog.on_unGlobally_clicked();
-        QCOMPARE(boxes.texts(), message.isEmpty() ? QStringList() : QStringList{message});
-        QVERIFY(boxes.count() == 0 || boxes.last().title == "Information");
-        QCOMPARE(spy.calls(), message.isEmpty() ? 1 : 0);
+        dfmtest::verifyChecked(boxes, spy.calls(), message);
     }
 
     void shaveEnablesShaveSameNetWithoutTouchingIt() {
@@ -171,10 +159,7 @@ private slots:
         EngineSpy spy(kOperation);
         wctest::PluginSpy messages;
         dialog.on_RunProfile_clicked();
-        QCOMPARE(child<QLabel>(dialog, "label_Status")->text(), "No layers were processed");
-        QCOMPARE(spy.calls(), 0);
-        QCOMPARE(messages.count(), 0);
-        QVERIFY(!dialog.hasResults());
+        dfmtest::verifyNoRun(dialog, spy.calls(), messages);
     }
 
     // A stop shows the terminated text and a red view button while the engine finishes; its
@@ -199,13 +184,9 @@ private slots:
             dialog.on_unGlobally_clicked();
             QVERIFY(stopper.seen().contains("SignalLayer opt terminated|" + dfmtest::kRed));
         }
-        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "2 layers were processed");
-        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
+        dfmtest::verifyRunEnded(dialog, messages, boxes, "2 layers were processed");
         QVERIFY(dialog.hasResults());
         QCOMPARE(dialog.result().size(), size_t(1));
-        QVERIFY(dfmtest::labelText(dialog, "label_Time").contains(" - "));
-        QCOMPARE(boxes.count(), 0);
-        dfmtest::verifyNotifications(messages, kJob);
     }
 
     void viewerShowsTheRunWithKindSeven() {
@@ -229,21 +210,18 @@ private slots:
 
     void parameterSetRoundTrip() {
         Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
-        QSignalSpy named(&dialog, &Widget_SignalLayerOpt::send_Sel_Template_Name);
         field(dialog, "PTHARMin")->setText("7.25");
         child<QCheckBox>(dialog, "checkBox_Shave")->click();
         dialog.setAffectedLayers({"top"});
-        dialog.findChild<wc::ParameterSetActions*>()->save("thin copper");
-        QCOMPARE(named.size(), 1);
-        QCOMPARE(named.at(0).at(0).toString(), "thin copper");
+        dfmtest::saveAs(dialog, "thin copper");
 
         Widget_SignalLayerOpt other(kJob, "pcb", scene_.host());
         other.setErfValues("thin copper");
         QCOMPARE(field(other, "PTHARMin")->text(), "7.25");
         QVERIFY(!child<QCheckBox>(other, "checkBox_Shave")->isChecked());
         QVERIFY(!child<QCheckBox>(other, "checkBox_ShaveSameNet")->isEnabled());
-        QCOMPARE(child<QLineEdit>(other, "lineEdit_Layer")->text(), "top");
-        QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "thin copper");
+        QCOMPARE(dfmtest::field(other, "Layer")->text(), "top");
+        QCOMPARE(dfmtest::field(other, "ERF")->text(), "thin copper");
     }
 
     void unitChangeConvertsEveryFieldIncludingDisabledOnes() {

@@ -9,9 +9,6 @@
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
-#include "MessageBoxAnswerer.h"
-#include "PluginSpy.h"
-#include "SampleJobScene.h"
 #include "UnitScope.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/SolderMaskOptChecks.h"
@@ -19,37 +16,25 @@
 
 using namespace Korvo::API;
 using dfmtest::child;
+using dfmtest::field;
 using dfmtest::labelText;
 using wctest::row;
 
 namespace {
 
 const char* const kJob = wctest::SampleJobScene::kJob;
-using Entries = QList<QPair<int, int>>;
+using Entries = std::map<int32_t, int32_t>;
 using EngineSpy = dfmtest::EngineSpy<solder_mask_DFM_params, solder_mask_DFM_result_map>;
 constexpr auto kOperation = &wcref::EngineHooks::solder_mask_DFM_op;
 
-// Three typed fields, the SMD table and the scope chosen, and what the record must hold.
+// Three typed fields and the scope chosen, and what the record must hold.
 struct Typed {
     int unit;
     QString clearance_opt, flow_add, cut_coverage;
-    wc::RangeRows smd_rows;
     bool selected;
     int button;
-    int clearance_opt_nm, flow_add_nm, cut_coverage_nm, smd_range_nm, scope;
+    int clearance_opt_nm, flow_add_nm, cut_coverage_nm, scope;
 };
-
-void type(QWidget& dialog, const QString& key, const QString& text) {
-    child<QLineEdit>(dialog, QStringLiteral("lineEdit_") + key)->setText(text);
-}
-
-solder_mask_DFM_op_result hits(int red, int yellow, int green) {
-    solder_mask_DFM_op_result record;
-    record.red.resize(static_cast<size_t>(red));
-    record.yellow.resize(static_cast<size_t>(yellow));
-    record.green.resize(static_cast<size_t>(green));
-    return record;
-}
 
 // The record's int fields in declared order, with the field that fills each.
 struct IntField {
@@ -88,6 +73,7 @@ QString delMessage(const QString& text, const QString& upper) {
 }  // namespace
 
 Q_DECLARE_METATYPE(Typed)
+Q_DECLARE_METATYPE(Entries)
 
 class tst_Widget_SolderMaskOpt : public QObject {
     Q_OBJECT
@@ -111,11 +97,7 @@ private slots:
         QFETCH(wc::RangeRows, rows);
         QFETCH(Entries, entries);
         wctest::UnitScope scope(scene_.host(), unit);
-        std::map<int32_t, int32_t> expected;
-        for (const auto& entry : entries) {
-            expected[entry.first] = entry.second;
-        }
-        QCOMPARE(wc::rangeTableMap(rows, scene_.host()), expected);
+        QCOMPARE(wc::rangeTableMap(rows, scene_.host()), entries);
     }
 
     void everyFieldInItsMember() {
@@ -124,7 +106,7 @@ private slots:
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         // Distinct quarter mils, exact in engine units.
         for (size_t i = 0; i < std::size(kIntFields); ++i) {
-            type(dialog, kIntFields[i].key, QString::number(0.25 * double(i + 1)));
+            field(dialog, kIntFields[i].key)->setText(QString::number(0.25 * double(i + 1)));
         }
         child<QRadioButton>(dialog, "radioButton_UseExistingMask_No")->click();
         child<QRadioButton>(dialog, "radioButton_FanShave_No")->click();
@@ -151,17 +133,13 @@ private slots:
 
     void recordFromTypedValues_data() {
         QTest::addColumn<Typed>("c");
-        const wc::RangeRows none, mil_range{{"4", "1"}}, mm_range{{"0.5", "0.25"}};
         // Truncated toward zero, not rounded and not floored.
-        row("mil truncated", Typed{0, "0.33333", "-0.33333", "7.5", mil_range, false, 0, 8466,
-                                   -8466, 190500, 101600, 0});
-        row("mil at the limits",
-            Typed{0, "200", "-8", "0", none, false, 1, 5080000, -203200, 0, -1, 1});
-        row("mm profile", Typed{1, "5", "-0.125", "0.0625", mm_range, false, 2, 5000000, -125000,
-                                62500, 500000, 2});
-        row("mm selected",
-            Typed{1, "0.125", "0.2", "1.5", none, true, 0, 125000, 200000, 1500000, -1, 3});
-        row("mil selected", Typed{0, "5", "0", "0", none, true, 2, 127000, 0, 0, -1, 3});
+        row("mil truncated",
+            Typed{0, "0.33333", "-0.33333", "7.5", false, 0, 8466, -8466, 190500, 0});
+        row("mil at the limits", Typed{0, "200", "-8", "0", false, 1, 5080000, -203200, 0, 1});
+        row("mm profile", Typed{1, "5", "-0.125", "0.0625", false, 2, 5000000, -125000, 62500, 2});
+        row("mm selected", Typed{1, "0.125", "0.2", "1.5", true, 0, 125000, 200000, 1500000, 3});
+        row("mil selected", Typed{0, "5", "0", "0", true, 2, 127000, 0, 0, 3});
     }
     void recordFromTypedValues() {
         QFETCH(Typed, c);
@@ -169,13 +147,11 @@ private slots:
         EngineSpy spy(kOperation);
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         if (c.unit == 1) {  // small enough to pass the first round
-            type(dialog, "BridgeSize", "0");
-            type(dialog, "CoverageMin", "0");
+            dfmtest::typeFields(dialog, {"BridgeSize=0", "CoverageMin=0"});
         }
-        type(dialog, "ClearanceOpt", c.clearance_opt);
-        type(dialog, "PreventVerticalFlowAdd", c.flow_add);
-        type(dialog, "CutSurplusCoverage", c.cut_coverage);
-        dialog.setTableRow(c.smd_rows);
+        field(dialog, "ClearanceOpt")->setText(c.clearance_opt);
+        field(dialog, "PreventVerticalFlowAdd")->setText(c.flow_add);
+        field(dialog, "CutSurplusCoverage")->setText(c.cut_coverage);
         if (c.selected) {
             child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->click();
         }
@@ -189,17 +165,11 @@ private slots:
         QCOMPARE(spy.last().cut_surplus_coverage, c.cut_coverage_nm);
         QCOMPARE(spy.last().apply_to_all, !c.selected);
         QCOMPARE(spy.last().scope, c.scope);
-        QCOMPARE(int(spy.last().smd_compensate_ranges.size()), c.smd_range_nm < 0 ? 0 : 1);
-        if (c.smd_range_nm >= 0) {
-            QCOMPARE(spy.last().smd_compensate_ranges.begin()->first, c.smd_range_nm);
-        }
-        QVERIFY(spy.last().gas_ranges.empty());
     }
 
     void checksBeforeTheRun_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QStringList>("edits");  // "Key=text", typed in order
-        QTest::addColumn<QString>("message");    // empty: the run starts
+        // "key=text" pairs typed; the message, or empty when the run starts.
+        wctest::columns<int, QStringList, QString>("unit", "edits", "message");
         row("bridge empty", 0, QStringList{"BridgeSize="},
             "Illegal floating parameter : Empty text-box ! ");
         row("bridge above 20", 0, QStringList{"BridgeSize=20.5"},
@@ -246,16 +216,11 @@ private slots:
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer answerer;
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
-        for (const QString& edit : edits) {
-            type(dialog, edit.section('=', 0, 0), edit.section('=', 1));
-        }
+        dfmtest::typeFields(dialog, edits);
         dialog.on_m_pRunGlobalPB_clicked();
-        const bool runs = message.isEmpty();
-        QCOMPARE(answerer.texts(), runs ? QStringList() : QStringList{message});
-        QVERIFY(answerer.count() == 0 || answerer.last().title == "Information");
-        QCOMPARE(spy.calls(), runs ? 1 : 0);
-        QCOMPARE(messages.count(), runs ? 2 : 0);
-        QCOMPARE(labelText(dialog, "label_Time") == "No results", !runs);
+        dfmtest::verifyChecked(answerer, spy.calls(), message);
+        QCOMPARE(messages.count(), message.isEmpty() ? 2 : 0);
+        QCOMPARE(labelText(dialog, "label_Time") == "No results", !message.isEmpty());
     }
 
     void noLayers_data() {
@@ -271,13 +236,10 @@ private slots:
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         dialog.setLayerText(expression);
         // An engine value out of range is not reached: the layers come first.
-        type(dialog, "PartialClearance", "9");
+        field(dialog, "PartialClearance")->setText("9");
         dialog.on_m_pRunGlobalPB_clicked();
-        QCOMPARE(labelText(dialog, "label_Status"), "No layers were processed");
-        QCOMPARE(spy.calls(), 0);
-        QCOMPARE(messages.count(), 0);
+        dfmtest::verifyNoRun(dialog, spy.calls(), messages);
         QCOMPARE(answerer.count(), 0);
-        QVERIFY(!dialog.hasResults());
     }
 
     // However the run ends (stopped, the engine failing or throwing), the host is told twice and
@@ -294,7 +256,10 @@ private slots:
         QFETCH(bool, stopped);
         QFETCH(bool, has_results);
         EngineSpy spy(kOperation, EngineSpy::Mode(mode));
-        spy.answer[smo_bridge_removed] = {hits(1, 0, 0), hits(0, 2, 0)};
+        std::vector<solder_mask_DFM_op_result>& bridges = spy.answer[smo_bridge_removed];
+        bridges.resize(2);
+        bridges[0].red.resize(1);
+        bridges[1].yellow.resize(2);
         spy.wait_for_stop = stopped;
         wctest::PluginSpy messages;
         wctest::MessageBoxAnswerer answerer;
@@ -303,11 +268,7 @@ private slots:
         dialog.on_m_pRunGlobalPB_clicked();
         QCOMPARE(stopper.seen().contains("SolderMask opt terminated|" + dfmtest::kRed), stopped);
         QCOMPARE(spy.calls(), 1);
-        dfmtest::verifyNotifications(messages, kJob);
-        QCOMPARE(answerer.count(), 0);
-        QCOMPARE(labelText(dialog, "label_Status"), "2 layers were processed");
-        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
-        QVERIFY(labelText(dialog, "label_Time").contains(" - "));
+        dfmtest::verifyRunEnded(dialog, messages, answerer, "2 layers were processed");
         QCOMPARE(dialog.hasResults(), has_results);
         if (!has_results) {
             return;
@@ -335,7 +296,7 @@ private slots:
         qobject_cast<QLineEdit*>(smd->cellWidget(1, 1))->setText("2");
         child<QPushButton>(dialog, "pushButton_DeleteSMDRow")->click();
         dialog.setgastablerow({{"3", "0.5"}});
-        type(dialog, "BridgeSize", "7");
+        field(dialog, "BridgeSize")->setText("7");
         child<QRadioButton>(dialog, "radioButton_IsRound_No")->click();
         child<QCheckBox>(dialog, "checkBox_Advance")->click();
 
@@ -345,13 +306,13 @@ private slots:
         QCOMPARE(saved_smd, (wc::RangeRows{{"4", "1"}, {"6", "2"}}));
         dialog.setTableRow({});
         dialog.setgastablerow({{"9", "9"}, {"8", "8"}});
-        type(dialog, "BridgeSize", "1");
+        field(dialog, "BridgeSize")->setText("1");
         child<QRadioButton>(dialog, "radioButton_IsRound_Yes")->click();
         child<QCheckBox>(dialog, "checkBox_Advance")->click();
 
         dialog.setErfValues("mine");
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_ERF")->text(), "mine");
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_BridgeSize")->text(), "7");
+        QCOMPARE(field(dialog, "ERF")->text(), "mine");
+        QCOMPARE(field(dialog, "BridgeSize")->text(), "7");
         QVERIFY(child<QRadioButton>(dialog, "radioButton_IsRound_No")->isChecked());
         QVERIFY(child<QGroupBox>(dialog, "groupBox_AdvancedSurplus")->isEnabled());
         QCOMPARE(dialog.smdCompensateRows(), saved_smd);
@@ -370,11 +331,11 @@ private slots:
         wctest::UnitScope scope(scene_.host(), 0);
         Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
         dialog.setgastablerow({{"8", ""}});
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_BridgeSize")->text(), "4.00");
+        QCOMPARE(field(dialog, "BridgeSize")->text(), "4.00");
         scope.change(1);
         dialog.change_units();
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_BridgeSize")->text(), "0.1016");
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_CutSurplusClearance")->text(), "0.0127");
+        QCOMPARE(field(dialog, "BridgeSize")->text(), "0.1016");
+        QCOMPARE(field(dialog, "CutSurplusClearance")->text(), "0.0127");
         QCOMPARE(dialog.gasRows(), (wc::RangeRows{{"0.2032", ""}}));
         QCOMPARE(labelText(dialog, "label_BridgeSizeUnit"), "mm");
     }

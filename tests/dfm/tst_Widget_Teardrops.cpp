@@ -1,21 +1,18 @@
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLineEdit>
 #include <QRadioButton>
 #include <QtTest>
 
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
-#include "MessageBoxAnswerer.h"
-#include "PluginSpy.h"
-#include "SampleJobScene.h"
 #include "UnitScope.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_Teardrops.h"
 
 using namespace Korvo::API;
 using dfmtest::child;
+using dfmtest::field;
 using wctest::row;
 
 namespace {
@@ -28,10 +25,6 @@ constexpr auto kOperation = &wcref::EngineHooks::teardrop_create_DFM_op;
 const QStringList kLengths = {"AnnRingMin",    "DrillSizeMin",  "DrillSizeMax",
                               "TraceWidthMin", "TraceWidthMax", "CuSpacing",
                               "DrillSpacing",  "OvalExcess",    "Extend"};
-
-QLineEdit* edit(QWidget& dialog, const QString& key) {
-    return child<QLineEdit>(dialog, "lineEdit_" + key);
-}
 
 }  // namespace
 
@@ -48,16 +41,13 @@ private slots:
         QCOMPARE(dialog.windowTitle(), "Advanced Teardrop Creation");
         QCOMPARE(child<QCheckBox>(dialog, "checkBox_UndrilledPads")->text(), "UNndrilled Pads");
         QCOMPARE(dfmtest::labelText(dialog, "label_ArcAngleHint"), "(0-20)");
-        QCOMPARE(child<QLineEdit>(dialog, "lineEdit_Layer")->text(), ".type=signal&context=board");
+        QCOMPARE(field(dialog, "Layer")->text(), ".type=signal&context=board");
         QStringList defaults;
         for (const QString& key : kLengths) {
-            defaults.append(edit(dialog, key)->text());
+            defaults.append(field(dialog, key)->text());
         }
         QCOMPARE(defaults, QStringList({"5.00", "0.00", "80.00", "0.00", "15.00", "5.00", "11.00",
                                         "3.00", "11.00"}));
-        QCOMPARE(child<QRadioButton>(dialog, "radioButton_WorkMode_Repair")->isChecked(), true);
-        QCOMPARE(child<QRadioButton>(dialog, "radioButton_ConsiderSolderMask_No")->isChecked(),
-                 true);
         QCOMPARE(dialog.getDefaultLayerList(), QStringList({"top", "l3", "bottom"}));
     }
 
@@ -84,19 +74,19 @@ private slots:
         wctest::MessageBoxAnswerer answerer;
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         for (int i = 0; i < kLengths.size(); ++i) {
-            edit(dialog, kLengths[i])->setText(lengths[i]);
+            field(dialog, kLengths[i])->setText(lengths[i]);
         }
         if (options) {
-            child<QLineEdit>(dialog, "lineEdit_LineWidthRatio")->setText("0.75");
+            field(dialog, "LineWidthRatio")->setText("0.75");
             child<QComboBox>(dialog, "comboBox_Type")->setCurrentIndex(4);
-            child<QLineEdit>(dialog, "lineEdit_ArcAngle")->setText("20");
+            field(dialog, "ArcAngle")->setText("20");
             child<QCheckBox>(dialog, "checkBox_DrilledPads")->setChecked(false);
             child<QRadioButton>(dialog, "radioButton_DeleteOld_Skip")->setChecked(true);
             child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->setChecked(true);
             child<QRadioButton>(dialog, "radioButton_WorkMode_Report")->setChecked(true);
             child<QRadioButton>(dialog, "radioButton_ConsiderSolderMask_Yes")->setChecked(true);
         }
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
+        field(dialog, "Layer")->setText("top;bottom");
         dialog.on_m_pScreenOnlyPB_clicked();
         QCOMPARE(answerer.texts(), QStringList());
         QCOMPARE(spy.calls(), 1);
@@ -121,9 +111,8 @@ private slots:
     }
 
     void checksBeforeTheRun_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QStringList>("typed");  // "key=text" pairs
-        QTest::addColumn<QString>("message");    // empty: the run starts
+        // "key=text" pairs typed; the message, or empty when the run starts.
+        wctest::columns<int, QStringList, QString>("unit", "typed", "message");
         row("twenty at its edge", 0, QStringList{"AnnRingMin=20", "CuSpacing=20"}, "");
         row("ring above", 0, QStringList{"AnnRingMin=20.01"},
             "The Value : 20.01 is outside of (0,20) !");
@@ -168,18 +157,12 @@ private slots:
         wctest::PluginSpy plugins;
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
         if (unit == 1) {
-            edit(dialog, "AnnRingMin")->setText("0");
-            edit(dialog, "CuSpacing")->setText("0");
+            dfmtest::typeFields(dialog, {"AnnRingMin=0", "CuSpacing=0"});
         }
-        for (const QString& pair : typed) {
-            edit(dialog, pair.section('=', 0, 0))->setText(pair.section('=', 1));
-        }
+        dfmtest::typeFields(dialog, typed);
         dialog.on_m_pRunGlobalPB_clicked();
-        const bool runs = message.isEmpty();
-        QCOMPARE(answerer.texts(), runs ? QStringList() : QStringList{message});
-        QVERIFY(answerer.count() == 0 || answerer.last().title == "Information");
-        QCOMPARE(spy.calls(), runs ? 1 : 0);
-        QCOMPARE(plugins.count(), runs ? 2 : 0);
+        dfmtest::verifyChecked(answerer, spy.calls(), message);
+        QCOMPARE(plugins.count(), message.isEmpty() ? 2 : 0);
     }
 
     // However the run ends (stopped, the engine failing or throwing), what the engine produced
@@ -203,16 +186,12 @@ private slots:
         wctest::MessageBoxAnswerer answerer;
         wctest::PluginSpy plugins;
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText(layers);
+        field(dialog, "Layer")->setText(layers);
         dfmtest::Stopper stopper(dialog, stopped);
         dialog.on_m_pInsideProfilePB_clicked();
         QCOMPARE(stopper.seen().contains("TearDrop dfm terminated|" + dfmtest::kRed), stopped);
         QCOMPARE(spy.calls(), 1);
-        dfmtest::verifyNotifications(plugins, kJob);
-        QCOMPARE(answerer.count(), 0);
-        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), status);
-        QCOMPARE(dfmtest::viewStyle(dialog), dfmtest::kGreen);
-        QVERIFY(dfmtest::labelText(dialog, "label_Time").contains(" - "));
+        dfmtest::verifyRunEnded(dialog, plugins, answerer, status);
         QVERIFY(dialog.hasResults());
         QCOMPARE(dialog.result().at(tdi_created_drilled).red.size(), size_t(2));
         dialog.on_m_pViewResultPB_clicked();
@@ -228,51 +207,42 @@ private slots:
         EngineSpy spy(kOperation);
         wctest::PluginSpy plugins;
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
-        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("nosuch");
+        field(dialog, "Layer")->setText("nosuch");
         dialog.on_m_pRunGlobalPB_clicked();
-        QCOMPARE(dfmtest::labelText(dialog, "label_Status"), "No layers were processed");
-        QCOMPARE(spy.calls(), 0);
-        QCOMPARE(plugins.count(), 0);
-        QVERIFY(!dialog.hasResults());
+        dfmtest::verifyNoRun(dialog, spy.calls(), plugins);
     }
 
     void parameterSetRoundTrip() {
         wctest::UnitScope unit(scene_.host(), 0);
         Widget_Teardrops dialog(kJob, "pcb", scene_.host());
-        child<QLineEdit>(dialog, "lineEdit_LineWidthRatio")->setText("0.75");
+        field(dialog, "LineWidthRatio")->setText("0.75");
         child<QComboBox>(dialog, "comboBox_Type")->setCurrentIndex(3);
-        child<QLineEdit>(dialog, "lineEdit_ArcAngle")->setText("12");
+        field(dialog, "ArcAngle")->setText("12");
         child<QCheckBox>(dialog, "checkBox_UndrilledPads")->setChecked(false);
-        edit(dialog, "DrillSpacing")->setText("250");
+        field(dialog, "DrillSpacing")->setText("250");
         child<QRadioButton>(dialog, "radioButton_DeleteOld_No")->setChecked(true);
         child<QRadioButton>(dialog, "radioButton_WorkMode_Report")->setChecked(true);
-        std::vector<Korvo::UIAPI::Analysis_Ranges_Record> ranges;
-        Korvo::UIAPI::getRanges("TeardropsRanges", ranges);
-        QVERIFY(Korvo::UIAPI::changeRangesValue("TeardropsRanges", ranges[1].name, "RedLv", 777));
 
         dfmtest::saveAs(dialog, "wide");
-        QVERIFY(dialog.isErfFileExist("wide"));
         QCOMPARE(dialog.get_Teardrops_ERF(), QStringList{"wide"});
-        QVERIFY(Korvo::UIAPI::changeRangesValue("TeardropsRanges", ranges[1].name, "RedLv", 1));
 
         Widget_Teardrops other(kJob, "pcb", scene_.host());
         other.setErfValues("wide");
-        QCOMPARE(child<QLineEdit>(other, "lineEdit_ERF")->text(), "wide");
-        QCOMPARE(child<QLineEdit>(other, "lineEdit_LineWidthRatio")->text(), "0.75");
+        QCOMPARE(field(other, "ERF")->text(), "wide");
+        QCOMPARE(field(other, "LineWidthRatio")->text(), "0.75");
         QCOMPARE(child<QComboBox>(other, "comboBox_Type")->currentIndex(), 3);
-        QCOMPARE(child<QLineEdit>(other, "lineEdit_ArcAngle")->text(), "12");
+        QCOMPARE(field(other, "ArcAngle")->text(), "12");
         QVERIFY(!child<QCheckBox>(other, "checkBox_UndrilledPads")->isChecked());
-        QCOMPARE(edit(other, "DrillSpacing")->text(), "250");
+        QCOMPARE(field(other, "DrillSpacing")->text(), "250");
         QVERIFY(child<QRadioButton>(other, "radioButton_DeleteOld_No")->isChecked());
         QVERIFY(child<QRadioButton>(other, "radioButton_WorkMode_Report")->isChecked());
-        QCOMPARE(Korvo::UIAPI::getRanges("TeardropsRanges")[1].RedLv, 777.0);
 
         // Lengths saved in mil come back in the unit shown now.
         unit.change(1);
         Widget_Teardrops metric(kJob, "pcb", scene_.host());
         metric.setErfValues("wide");
-        QCOMPARE(edit(metric, "DrillSpacing")->text(), "6.35");
-        QCOMPARE(edit(metric, "AnnRingMin")->text(), "0.127");
+        QCOMPARE(field(metric, "DrillSpacing")->text(), "6.35");
+        QCOMPARE(field(metric, "AnnRingMin")->text(), "0.127");
     }
 
 private:

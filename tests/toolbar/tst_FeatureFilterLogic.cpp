@@ -11,16 +11,6 @@ using wctest::row;
 
 namespace {
 
-using Strings = std::vector<std::string>;
-
-QString joined(const Strings& names) {
-    QStringList list;
-    for (const std::string& name : names) {
-        list << QString::fromStdString(name);
-    }
-    return list.join(QLatin1Char('|'));
-}
-
 QString joined(const wc::AttributeMap& map) {
     return QString::fromStdString(wc::attributeFieldText(map));
 }
@@ -29,8 +19,8 @@ QString joined(const wc::AttributeMap& map) {
 
 Q_DECLARE_METATYPE(wc::UserFilterFollowUp)
 
-// The feature filter's logic without a window: typed-name conversion, symbol list, attribute
-// map, default test and predefined filters.
+// The feature filter's logic without a window: typed-name conversion, attribute map, default
+// test and predefined filters. The symbol list is tested through the popup's fields.
 class tst_FeatureFilterLogic : public QObject {
     Q_OBJECT
 
@@ -39,7 +29,6 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("engine");
         row("integer kept", "r10", "r10");
-        row("leading zeros of the fraction lost", "r10.05", "r10.50");
         row("three decimals", "10.005", "10.5");
         row("one decimal", "r10.5", "r10.500");
         row("several numbers", "rect20.5x40.25", "rect20.500x40.250");
@@ -56,45 +45,6 @@ private slots:
         QFETCH(QString, typed);
         QFETCH(QString, engine);
         QCOMPARE(QString::fromStdString(wc::typedSymbolToEngine(typed.toStdString())), engine);
-    }
-
-    void symbolListFromTheFields_data() {
-        wctest::columns<QString, QString, bool, bool, int, QString>(
-            "include", "exclude", "host_converts", "has_popup", "mode", "symbols");
-        row("nothing", "", "", false, false, 0, "");
-        row("include beats exclude", "r10;s20", "r30", false, false, 1, "r10|s20");
-        row("exclude alone", "", "r30;;r10.05", false, false, 0, "r30|r10.50");
-        row("picked name from the map", "pad_a;r2", "", false, false, 1, "engine_pad_a|r2");
-        row("host converts when its unit flag is set", "r0.254", "", true, false, 1, "host:r0.254");
-        row("wildcard through the list popup", "*r1*", "", false, true, 1, "r10|r12.500");
-        row("wildcard without a popup is a name", "*r1*", "", false, false, 1, "*r1*");
-    }
-    void symbolListFromTheFields() {
-        QFETCH(QString, include);
-        QFETCH(QString, exclude);
-        QFETCH(bool, host_converts);
-        QFETCH(bool, has_popup);
-        QFETCH(int, mode);
-        QFETCH(QString, symbols);
-        wc::SymbolField in;
-        in.text = include;
-        in.names = {{QStringLiteral("pad_a"), "engine_pad_a"}};
-        wc::SymbolField out;
-        out.text = exclude;
-        if (has_popup) {
-            in.expand = [](const QString& pattern) {
-                return pattern == QLatin1String("*r1*")
-                           ? QStringList{QStringLiteral("r10 (12)"), QStringLiteral(" r12.5(3)")}
-                           : QStringList();
-            };
-        }
-        std::function<QString(const QString&)> host;
-        if (host_converts) {
-            host = [](const QString& name) { return QStringLiteral("host:") + name; };
-        }
-        const wc::SymbolList list = wc::buildSymbolList(in, out, host);
-        QCOMPARE(list.mode, mode);
-        QCOMPARE(joined(list.symbols), symbols);
     }
 
     void addingToASymbolField_data() {
@@ -115,13 +65,9 @@ private slots:
         wctest::columns<QString, QString, bool, int, QString>(
             "include", "exclude", "popup_has_conditions", "logic", "attributes");
         // The popup's last logic is 1 and its conditions are ".bga" in every row.
-        row("nothing", "", "", false, 1, "");
         row("nothing but the popup's conditions", "", "", true, 1, ".bga");
-        row("exclude only, name=value", "", ".drill=via", false, 2, ".drill=via");
         row("exclude only, added to the popup's", "", ".smd", true, 2, ".bga;.smd");
         row("include", ".smd; .drill = via", "", false, 1, ".drill=via;.smd");
-        row("bare exclude takes out a presence condition", ".smd;.net=gnd", ".smd;.net", false, 1,
-            ".net=gnd");
         row("name=value exclude takes out any", ".net=gnd;.smd", ".net=vcc", false, 1, ".smd");
     }
     void attributeMapFromTheFields() {
@@ -190,12 +136,8 @@ private slots:
         row("pads", "Highlight All Pads", 97, -1, "-", false, F::Highlight);
         row("lines", "Highlight All Lines", 98, -1, "-", false, F::Highlight);
         row("surfaces", "Highlight All Surfaces", 104, -1, "-", false, F::Highlight);
-        row("negative", "Highlight Negative Features", 63, -1, "-", false, F::Highlight);
-        row("smd", "Select Smd Pads", 97, 1, ".smd", false, F::Select);
-        row("tear drops", "Highlight Tear Drops", -1, 1, ".tear_drop", false, F::Highlight);
         row("npth", "Select Non Plated Holes", -1, 1, ".drill=non_plated", false, F::Select);
         row("pth", "Highlight Plated Holes", -1, 1, ".drill=plated", false, F::Highlight);
-        row("via", "Select Via Holes", -1, 1, ".drill=via", false, F::Select);
         row("known, not offered", "Select Nomenclature", -1, -1, "-", true, F::Select);
     }
     void userFilterTable() {
