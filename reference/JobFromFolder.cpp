@@ -47,7 +47,8 @@ int rank(const layer_info& l, int inner) {
 }
 
 int innerNumber(const QString& name) {
-    const QRegularExpressionMatch m = QRegularExpression("(?:\\.gp?|-in)(\\d+)").match(name);
+    const QRegularExpressionMatch m =
+        QRegularExpression("(?:\\.gp?|-in|\\.group)(\\d+)").match(name);
     return m.hasMatch() ? m.captured(1).toInt() : 0;
 }
 
@@ -76,25 +77,33 @@ layer_info JobFromFolder::guessLayer(const std::string& file_name, bool drill) {
     };
     if (drill) {
         set("drill", "none");
-    } else if (ext == "gtl" || ext == "cmp" || ext == "top" || is("-f[._]cu\\.")) {
+    } else if (ext == "gtl" || ext == "cmp" || ext == "top" || is("-f[._]cu\\.") ||
+               is("\\.(front|top|component)\\.gbr$")) {
         set("signal", "top");
-    } else if (ext == "gbl" || ext == "sol" || ext == "bot" || is("-b[._]cu\\.")) {
+    } else if (ext == "gbl" || ext == "sol" || ext == "bot" || is("-b[._]cu\\.") ||
+               is("\\.(back|bottom|solder)\\.gbr$")) {
         set("signal", "bottom");
-    } else if (is("\\.g\\d+$") || is("-in\\d+[._]cu\\.")) {
+    } else if (is("\\.g\\d+$") || is("-in\\d+[._]cu\\.") || is("\\.group\\d+\\.gbr$")) {
         set("signal", "inner");
     } else if (is("\\.gp\\d+$")) {
         set("power_ground", "inner");
-    } else if (ext == "gts" || ext == "stc" || ext == "smt" || is("-f[._]mask\\.")) {
+    } else if (ext == "gts" || ext == "stc" || ext == "smt" || is("-f[._]mask\\.") ||
+               is("\\.(front|top)mask\\.")) {
         set("solder_mask", "top");
-    } else if (ext == "gbs" || ext == "sts" || ext == "smb" || is("-b[._]mask\\.")) {
+    } else if (ext == "gbs" || ext == "sts" || ext == "smb" || is("-b[._]mask\\.") ||
+               is("\\.(back|bottom)mask\\.")) {
         set("solder_mask", "bottom");
-    } else if (ext == "gto" || ext == "plc" || ext == "sst" || is("-f[._]silks")) {
+    } else if (ext == "gto" || ext == "plc" || ext == "sst" || is("-f[._]silks") ||
+               is("\\.(front|top)silk\\.")) {
         set("silk_screen", "top");
-    } else if (ext == "gbo" || ext == "pls" || ext == "ssb" || is("-b[._]silks")) {
+    } else if (ext == "gbo" || ext == "pls" || ext == "ssb" || is("-b[._]silks") ||
+               is("\\.(back|bottom)silk\\.")) {
         set("silk_screen", "bottom");
-    } else if (ext == "gtp" || ext == "crc" || is("-f[._]paste\\.")) {
+    } else if (ext == "gtp" || ext == "crc" || is("-f[._]paste\\.") ||
+               is("\\.(front|top)paste\\.")) {
         set("solder_paste", "top");
-    } else if (ext == "gbp" || ext == "crs" || is("-b[._]paste\\.")) {
+    } else if (ext == "gbp" || ext == "crs" || is("-b[._]paste\\.") ||
+               is("\\.(back|bottom)paste\\.")) {
         set("solder_paste", "bottom");
     } else if (ext == "gko" || ext == "gm1" || is("edge[._]cuts") || is("outline") ||
                is("profile")) {

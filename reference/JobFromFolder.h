@@ -3,8 +3,9 @@
 // libgerbv reads, in step "pcb".
 //
 // Layers are named after their files (lower case) and typed, sided and ordered from the
-// common file-name conventions: .GTL/.GBL/.Gn/.GPn, "*-F_Cu", "*-B_Cu", "*-In<n>_Cu" copper;
-// .GTS/.GBS, "*-F_Mask" solder mask; .GTO/.GBO, "*-F_SilkS" silk screen; .GTP/.GBP paste;
+// common file-name conventions: .GTL/.GBL/.Gn/.GPn, "*-F_Cu", "*-B_Cu", "*-In<n>_Cu",
+// "*.front.gbr", "*.back.gbr", "*.group<n>.gbr" copper; .GTS/.GBS, "*-F_Mask", "*.frontmask.*"
+// solder mask; .GTO/.GBO, "*-F_SilkS", "*.frontsilk.*" silk screen; .GTP/.GBP paste;
 // .GKO/.GM1, "*-Edge_Cuts", "outline" the board outline (a "rout" layer); every Excellon
 // file is a drill layer spanning the outer copper layers; anything else is a "document" layer
 // in the "misc" context. Order: top silk, paste, mask, copper from top to bottom, bottom mask,

@@ -173,9 +173,16 @@ private slots:
         // The protel board's names are proven by jobFromFolder.
         wctest::row("protel inner", "B.G2", false, "signal", "inner");
         wctest::row("plane", "bpB.GP1", false, "power_ground", "inner");
-        wctest::row("kicad front", "board-F_Cu.gbr", false, "signal", "top");
-        wctest::row("kicad inner", "board-In1_Cu.gbr", false, "signal", "inner");
+        wctest::row("hyphenated front", "board-F_Cu.gbr", false, "signal", "top");
+        wctest::row("hyphenated inner", "board-In1_Cu.gbr", false, "signal", "inner");
         wctest::row("outline", "board-Edge_Cuts.gbr", false, "rout", "none");
+        // The benchmarks' board names its layers by side and group.
+        wctest::row("dotted front", "hellboard.front.gbr", false, "signal", "top");
+        wctest::row("dotted back", "hellboard.back.gbr", false, "signal", "bottom");
+        wctest::row("dotted group", "hellboard.group2.gbr", false, "signal", "inner");
+        wctest::row("dotted mask", "board.backmask.gbr", false, "solder_mask", "bottom");
+        wctest::row("dotted silk", "board.frontsilk.gbr", false, "silk_screen", "top");
+        wctest::row("fabrication drawing", "hellboard.fab.gbr", false, "document", "none");
         wctest::row("unknown", "B.GD1", false, "document", "none");
     }
     void layerGuesses() {
