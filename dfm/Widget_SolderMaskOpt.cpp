@@ -582,7 +582,7 @@ void Widget_SolderMaskOpt::solderMaskOpt(int scope) {
     }
     // The viewer may still show the previous result: it keeps it alive until refreshed.
     result_ = std::make_shared<const Result>(std::move(result));
-    has_results_ = !outcome.worker_threw;
+    has_results_ = true;
     setColor();
     setMeasureValue();
     showViewer(false);

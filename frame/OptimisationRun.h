@@ -38,7 +38,6 @@ struct OptimisationTexts {
 
 struct OptimisationOutcome {
     bool stopped = false;       // the user stopped the run; the result is what was done by then
-    bool worker_threw = false;  // the engine threw on the worker (logged there)
     bool dialog_gone = false;   // the dialog was destroyed while the engine ran
     bool engine_ok = false;     // what the engine call returned
     bool completed = false;     // the worker returned and the run's end was shown
@@ -103,7 +102,6 @@ OptimisationOutcome runOptimisation(RunControls& controls, QWidget* dialog, cons
                     b.ok = call(layers, b.result, &b);
                 });
             outcome.stopped = run.end == RunEnd::Stopped;
-            outcome.worker_threw = run.worker_threw;
             outcome.dialog_gone = run.owner_destroyed || runner.dialogGone();
         },
         description);
