@@ -14,6 +14,7 @@
 #include <QtTest>
 #include <functional>
 
+#include "DataColumns.h"
 #include "DataRows.h"
 #include "HostSettings.h"
 #include "Korvo_UIAPI.h"
@@ -82,8 +83,7 @@ private slots:
     }
 
     void writersReportAndKeepThePreviousFile_data() {
-        QTest::addColumn<Failure>("failure");
-        QTest::addColumn<QString>("writer");
+        wctest::columns<Failure, QString>("failure", "writer");
         for (const char* writer : {"parameter set", "range change", "range editor"}) {
             QTest::newRow(qPrintable(QStringLiteral("disk full, ") + writer))
                 << Failure::DiskFull << QString::fromLatin1(writer);

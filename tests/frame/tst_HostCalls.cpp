@@ -4,6 +4,7 @@
 #include <QtTest>
 #include <functional>
 
+#include "DataColumns.h"
 #include "HostSettings.h"
 #include "Korvo_API.h"
 #include "PluginSpy.h"
@@ -42,8 +43,7 @@ private slots:
     }
 
     void twinPrecedesOperation_data() {
-        QTest::addColumn<bool>("saving");
-        QTest::addColumn<QString>("operation");
+        wctest::columns<bool, QString>("saving", "operation");
         for (bool saving : {true, false}) {
             for (const char* op :
                  {"get_graphics", "get_matrix", "create_step", "clear_selected_features"}) {

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QtTest>
 
+#include "DataColumns.h"
 #include "DataRows.h"
 #include "Korvo_UIAPI.h"
 #include "MessageBoxAnswerer.h"
@@ -48,8 +49,7 @@ private slots:
     }
 
     void saveThenLoadRoundTrips_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QJsonObject>("object");
+        wctest::columns<QString, QJsonObject>("name", "object");
         const QJsonArray ranges{QJsonObject{
             {"name", "Spacing"}, {"RedLv", 50800.0}, {"YellowLv", 76200.0}, {"GreenLv", 101600.0}}};
         row("nested values", "ERF", QJsonObject{{"lineEdit_Size", "3.5"}, {"rangesList", ranges}});
@@ -108,9 +108,7 @@ private slots:
     }
 
     void badFileLeavesOutputUntouched_data() {
-        QTest::addColumn<bool>("write");
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<int>("result");
+        wctest::columns<bool, QByteArray, int>("write", "bytes", "result");
         using R = ParameterSetStore::LoadResult;
         row("missing", false, QByteArray(), int(R::Missing));
         row("empty file", true, QByteArray(), int(R::NotJson));
@@ -196,8 +194,7 @@ private slots:
     }
 
     void refusedSaveIsAnswered_data() {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("message");
+        wctest::columns<QString, QString>("name", "message");
         row("existing name", "ERF", "ERF have a same name file!");
         row("escaping name", "../escape",
             wc::ParameterSetStore::nameProblem(QStringLiteral("../escape")));

@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include "DataColumns.h"
 #include "DataRows.h"
 #include "MessageBoxAnswerer.h"
 #include "ReferenceEngine.h"
@@ -47,11 +48,8 @@ private slots:
     }
 
     void fieldTableFillsTheRecord_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("min");
-        QTest::addColumn<QString>("spacing");
-        QTest::addColumn<int>("min_nm");
-        QTest::addColumn<double>("spacing_nm");
+        wctest::columns<int, QString, QString, int, double>("unit", "min", "spacing", "min_nm",
+                                                            "spacing_nm");
         row("mil defaults", 0, "4.00", "10.00", 101600, 254000.0);
         // int32 members are truncated, double members kept.
         row("mm typed", 1, "0.0010009", "0.0000015", 1000, 1.5);
@@ -131,9 +129,7 @@ private slots:
     }
 
     void layerResolution_data() {
-        QTest::addColumn<QString>("expression");
-        QTest::addColumn<QStringList>("layers");
-        QTest::addColumn<QStringList>("missing");
+        wctest::columns<QString, QStringList, QStringList>("expression", "layers", "missing");
         row("names", "bottom;x1;top;x2", QStringList{"bottom", "top"}, QStringList{"x1", "x2"});
         row("filter", ".type=signal&side=top|bottom", QStringList{"top", "bottom"}, QStringList{});
         row("empty", "", QStringList{}, QStringList{});

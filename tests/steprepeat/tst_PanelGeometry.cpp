@@ -80,8 +80,7 @@ class tst_PanelGeometry : public QObject {
 private slots:
     // The editor's boxes must be the engine's boxes, or packing would be measured wrongly.
     void boxMatchesEngine_data() {
-        QTest::addColumn<int>("angle");
-        QTest::addColumn<bool>("mirror");
+        wctest::columns<int, bool>("angle", "mirror");
         for (int angle : {0, 30, 45, 90, 135, 180, 270, 315, 359}) {
             for (bool mirror : {false, true}) {
                 QTest::addRow("%d%s", angle, mirror ? " mirrored" : "") << angle << mirror;
@@ -126,16 +125,14 @@ private slots:
     }
 
     void align_data() {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<QList<int>>("reference");  // xmin, ymin, xmax, ymax
-        QTest::addColumn<QStringList>("expected");
-        const QList<int> ref{500, 300, 600, 350};
+        // The reference box as xmin, ymin, xmax, ymax.
+        wctest::columns<int, QList<int>, QStringList>("kind", "reference", "expected");
+        // Wider and taller than the boxes, so that each side gives its own place.
+        const QList<int> ref{500, 300, 650, 380};
         row("left", int(AlignKind::Left), ref, QStringList{"500,0", "500,200"});
-        row("right", int(AlignKind::Right), ref, QStringList{"500,0", "500,200"});
-        row("top", int(AlignKind::Top), ref, QStringList{"0,300", "250,300"});
+        row("right", int(AlignKind::Right), ref, QStringList{"550,0", "550,200"});
+        row("top", int(AlignKind::Top), ref, QStringList{"0,330", "250,330"});
         row("bottom", int(AlignKind::Bottom), ref, QStringList{"0,300", "250,300"});
-        row("centre x", int(AlignKind::CenterX), ref, QStringList{"500,0", "500,200"});
-        row("centre y", int(AlignKind::CenterY), ref, QStringList{"0,300", "250,300"});
         // -3 + 0 = -3: the midpoint truncates towards zero to -1, not down to -2.
         row("centre x odd negative", int(AlignKind::CenterX), QList<int>{-3, 0, 0, 10},
             QStringList{"-51,0", "-51,200"});
@@ -196,8 +193,7 @@ private slots:
     }
 
     void packRefusesOverlap_data() {
-        QTest::addColumn<bool>("outlinesMeet");
-        QTest::addColumn<bool>("refused");
+        wctest::columns<bool, bool>("outlinesMeet", "refused");
         row("boxes only", true, true);
         row("outlines apart", false, false);
     }
@@ -219,8 +215,7 @@ private slots:
     }
 
     void packSides_data() {
-        QTest::addColumn<bool>("centre");
-        QTest::addColumn<QStringList>("expected");
+        wctest::columns<bool, QStringList>("centre", "expected");
         row("both ways", false, QStringList{"0,0", "900,0", "900,100"});
         // Centre line x = 500, gap 10: the left one ends at 495, the right ones start at 505.
         row("to centre", true, QStringList{"395,0", "505,0", "505,100"});
@@ -299,8 +294,8 @@ private slots:
 
     // A marker on the child must land where the plain transformation of the panel puts it.
     void turnAndMirrorMoveTheChild_data() {
-        QTest::addColumn<int>("operation");  // 0 rotate 90, 1 mirror horizontal, 2 vertical
-        wctest::columns<int, int, bool>("anchor", "angle", "mirror");
+        // Operation 0 rotates by 90, 1 mirrors horizontally, 2 vertically.
+        wctest::columns<int, int, int, bool>("operation", "anchor", "angle", "mirror");
         for (int op : {0, 1, 2}) {
             for (int anchor : {0, 1, 2}) {
                 for (int angle : {0, 90, 30}) {
@@ -361,9 +356,8 @@ private slots:
     }
 
     void alignToGrid_data() {
-        QTest::addColumn<Rows>("rows");
-        QTest::addColumn<int>("refusal");
-        QTest::addColumn<QString>("result");  // "nx x ny dx dy" of the first row, or corners
+        // The result: "<nx>x<ny> <dx>,<dy> sel <n>" of the first row, or all the corners.
+        wctest::columns<Rows, int, QString>("rows", "refusal", "result");
         row("regular merges into an array",
             Rows{at(0, 0), at(203, 2), at(1, 97), at(198, 101), at(900, 700, false)},
             int(Refusal::None), QStringLiteral("2x2 198,97 sel 4"));
@@ -397,32 +391,22 @@ private slots:
         }
     }
 
-    void modifyEntry_data() {
-        QTest::addColumn<Rows>("rows");
-        QTest::addColumn<int>("refusal");
-        row("none", Rows{at(0, 0, false)}, int(Refusal::NoEntry));
-        row("two rows", Rows{at(0, 0), at(200, 0)}, int(Refusal::ManyEntries));
-        row("one", Rows{at(0, 0, false), at(200, 0)}, int(Refusal::None));
-    }
+    // The one selected row takes the entry's repeat and keeps its step. No selected row and
+    // several are refused; the editor's refusals test proves both with their messages.
     void modifyEntry() {
-        QFETCH(Rows, rows);
-        QFETCH(int, refusal);
         step_repeat_op entry = at(10, 20, false);
         entry.nx = 3;
         entry.dx = 150;
         entry.angle = 450;
-        const Outcome out = wc::panel::modifyEntry(rows, entry);
-        QCOMPARE(int(out.refusal), refusal);
-        if (out.ok()) {
-            QCOMPARE(out.rows[1].nx, 3);
-            QCOMPARE(out.rows[1].angle, 90);
-            QCOMPARE(out.rows[1].step_name, std::string("b"));
-        }
+        const Outcome out = wc::panel::modifyEntry({at(0, 0, false), at(200, 0, true, "c")}, entry);
+        QVERIFY(out.ok());
+        QCOMPARE(out.rows[1].nx, 3);
+        QCOMPARE(out.rows[1].angle, 90);
+        QCOMPARE(out.rows[1].step_name, std::string("c"));
     }
 
     void reduceNesting_data() {
-        QTest::addColumn<bool>("highestOnly");
-        QTest::addColumn<QString>("expected");
+        wctest::columns<bool, QString>("highestOnly", "expected");
         // panel -> "mid" (turned 90 at 1000,0) -> "b" at (100,0) -> "c" at (0,0) when deep.
         row("highest only", true, QStringLiteral("b 1000,-100 90"));
         row("all levels", false, QStringLiteral("c 1000,-100 90"));

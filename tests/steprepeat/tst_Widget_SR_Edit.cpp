@@ -147,8 +147,7 @@ private slots:
     }
 
     void yesPacksEverythingAsOneEdit_data() {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QString>("gap");
+        wctest::columns<int, QString>("unit", "gap");
         row("mil", 0, "100");
         row("mm", 1, "2.54");
     }
@@ -182,9 +181,8 @@ private slots:
     }
 
     void selectionPicks_data() {
-        QTest::addColumn<int>("mode");  // 0 single, 1 rectangle, 2 polygon
-        QTest::addColumn<bool>("shift");
-        QTest::addColumn<int>("selected");
+        // Mode 0 picks single, 1 by rectangle, 2 by polygon.
+        wctest::columns<int, bool, int>("mode", "shift", "selected");
         row("single replaces", 0, false, 1);
         row("single with shift adds", 0, true, 2);
         row("rectangle replaces", 1, false, 2);
@@ -346,8 +344,7 @@ private slots:
     }
 
     void reduceNestingReadsTheChildTables_data() {
-        QTest::addColumn<bool>("highestOnly");
-        QTest::addColumn<QString>("steps");
+        wctest::columns<bool, QString>("highestOnly", "steps");
         row("all levels", false, QStringLiteral("pcb pcb"));
         row("highest level only", true, QStringLiteral("mid mid"));
     }
