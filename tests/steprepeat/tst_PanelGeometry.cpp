@@ -314,11 +314,7 @@ private slots:
         const Rows rows{at(300, 200, true, "b", angle, mirror), at(500, 100, true, "c")};
         const point marker{90, 10};  // near the lower right corner of "b"
         const auto placed = [&](const step_repeat_op& r) {
-            wcref::RepeatInstance i;
-            i.position = {double(r.x), double(r.y)};
-            i.angle = r.angle;
-            i.mirror = r.mirror;
-            const point p = wcref::placePoint(marker, i.angle, i.mirror);
+            const point p = wcref::placePoint(marker, r.angle, r.mirror);
             return point{p.x + r.x, p.y + r.y};
         };
         // The anchor point as the operation defines it.
