@@ -157,37 +157,54 @@ private slots:
         QCOMPARE(openProgressWindows(), 0);
     }
 
-    void windowShape_data() {
-        wctest::columns<QString, QString, QString, QString>("label", "title", "shown_label",
-                                                            "shown_title");
-        row("default texts", QString(), QString(), "Processing", "Please wait");
-        row("swapped by the caller", "Please wait", "Processing", "Please wait", "Processing");
+    // A run that ends without a stop, at once or scoped, keeps the GUI thread turning; while it
+    // works its window shows in the host's shape with the caller's texts or the default ones.
+    void runWithoutStop_data() {
+        wctest::columns<StopBehaviour, int, bool, int, QString, QString, QString, QString>(
+            "behaviour", "poll_ms", "use_once", "work_ms", "label", "title", "shown_label",
+            "shown_title");
+        const auto leave = StopBehaviour::LeaveAtOnce;
+        const auto wait = StopBehaviour::WaitForWorker;
+        const QString none;
+        row("quick, leave at once, once", leave, 20, true, 0, none, none, none, none);
+        row("quick, leave at once, scoped", leave, 20, false, 0, none, none, none, none);
+        row("quick, wait for worker, once", wait, 200, true, 0, none, none, none, none);
+        row("quick, wait for worker, scoped", wait, 200, false, 0, none, none, none, none);
+        row("450 ms, 20 ms polling, default texts", leave, 20, true, 450, none, none, "Processing",
+            "Please wait");
+        row("450 ms, 200 ms polling, texts swapped by the caller", wait, 200, false, 450,
+            "Please wait", "Processing", "Please wait", "Processing");
     }
-    void windowShape() {
+    void runWithoutStop() {
+        QFETCH(StopBehaviour, behaviour);
+        QFETCH(int, poll_ms);
+        QFETCH(bool, use_once);
+        QFETCH(int, work_ms);
         QFETCH(QString, label);
         QFETCH(QString, title);
         QFETCH(QString, shown_label);
         QFETCH(QString, shown_title);
 
         QWidget owner;
-        BackgroundRun* current = nullptr;
-        int checked = 0;
-        auto release = std::make_shared<std::atomic<bool>>(false);
         // Qt completes the requested flags; compare with what it makes of the same request.
         QWidget reference;
         reference.setWindowFlags(Qt::Dialog | Qt::WindowTitleHint);
         const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-
         BackgroundRunOptions options;
         options.parent = &owner;
         options.label = label;
         options.title = title;
+        options.stop = behaviour;
+        options.poll_ms = poll_ms;
+        int polls = 0;
+        int checked = 0;
         options.on_poll = [&](double value) {
-            ZeProgressDialog* window = current->progressWindow();
-            if (*release || window == nullptr) {
-                return;
+            ++polls;
+            ZeProgressDialog* window = owner.findChild<ZeProgressDialog*>();
+            if (checked > 0 || value != 42.5 || window == nullptr) {
+                return;  // checked once, as soon as the worker has reported its value
             }
-            *release = true;
+            ++checked;
             QCOMPARE(window->size(), QSize(250, 60));
             QCOMPARE(window->pos(), QPoint(area.x() + area.width() - 250, 0));
             QCOMPARE(window->windowFlags(), reference.windowFlags());
@@ -199,49 +216,10 @@ private slots:
             QCOMPARE(window->minimum(), 0);  // a busy indicator, not a bar
             QCOMPARE(window->maximum(), 0);
             QCOMPARE(window->parentWidget(), &owner);
-            QCOMPARE(value, 42.5);
-            ++checked;
         };
-        BackgroundRun run(options);
-        current = &run;
-        const wc::RunOutcome outcome = run.step([release](Block& block) {
-            block.set_value(42.5);
-            const Clock::time_point until = Clock::now() + 10s;
-            while (!*release && Clock::now() < until) {
-                std::this_thread::sleep_for(1ms);
-            }
-        });
-        QVERIFY(outcome.finished());
-        QCOMPARE(checked, 1);
-        run.finish();
-        QVERIFY(run.progressWindow() == nullptr);
-    }
-
-    void runWithoutStop_data() {
-        wctest::columns<StopBehaviour, int, bool, int>("behaviour", "poll_ms", "use_once",
-                                                       "work_ms");
-        const auto leave = StopBehaviour::LeaveAtOnce;
-        const auto wait = StopBehaviour::WaitForWorker;
-        row("quick, leave at once, once", leave, 20, true, 0);
-        row("quick, leave at once, scoped", leave, 20, false, 0);
-        row("quick, wait for worker, once", wait, 200, true, 0);
-        row("quick, wait for worker, scoped", wait, 200, false, 0);
-        row("450 ms, 20 ms polling", leave, 20, true, 450);
-        row("450 ms, 200 ms polling", wait, 200, false, 450);
-    }
-    void runWithoutStop() {
-        QFETCH(StopBehaviour, behaviour);
-        QFETCH(int, poll_ms);
-        QFETCH(bool, use_once);
-        QFETCH(int, work_ms);
-
-        BackgroundRunOptions options;
-        options.stop = behaviour;
-        options.poll_ms = poll_ms;
-        int polls = 0;
-        options.on_poll = [&polls](double) { ++polls; };
         auto ran = std::make_shared<std::atomic<bool>>(false);
-        auto work = [ran, work_ms](Block&) {
+        auto work = [ran, work_ms](Block& block) {
+            block.set_value(42.5);
             std::this_thread::sleep_for(std::chrono::milliseconds(work_ms));
             *ran = true;
         };
@@ -260,6 +238,8 @@ private slots:
             BackgroundRun run(options);
             outcome = run.step(work);
             QVERIFY(run.progressWindow() != nullptr);
+            run.finish();
+            QVERIFY(run.progressWindow() == nullptr);
         }
         const qint64 elapsed = timer.elapsed();
         QVERIFY(*ran);
@@ -274,6 +254,7 @@ private slots:
             // A GUI thread that slept whole poll periods would see a handful of ticks at most.
             QVERIFY2(ticks >= 20, qPrintable(QString::number(ticks)));
             QVERIFY(polls >= 1 && polls <= work_ms / poll_ms + 1);
+            QCOMPARE(checked, 1);
         }
     }
 
