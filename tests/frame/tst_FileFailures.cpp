@@ -9,13 +9,10 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QJsonObject>
-#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QtTest>
-#include <functional>
 
 #include "DataColumns.h"
-#include "DataRows.h"
 #include "HostSettings.h"
 #include "Korvo_UIAPI.h"
 #include "MessageBoxAnswerer.h"

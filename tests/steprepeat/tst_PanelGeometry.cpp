@@ -172,6 +172,10 @@ private slots:
         row("beyond the gap does not block", int(PackEdge::Left),
             Rows{at(0, 160, false), at(400, 100)}, QStringList{"0,160", "5,100"});
         row("never moves away", int(PackEdge::Left), Rows{at(2, 100)}, QStringList{"2,100"});
+        // Turned by 30 and mirrored the box starts at x = 400 - 86.60...: the travel to the margin
+        // is cut to whole units, so the box stops just inside it, its datum at x = 92.
+        row("travel cut to whole units", int(PackEdge::Left),
+            Rows{at(400, 100, true, "b", 30, true)}, QStringList{"5.39746,100"});
     }
     void pack() {
         QFETCH(int, edge);
@@ -180,16 +184,6 @@ private slots:
         const Outcome out = do_align(rows, PackEdge(edge), frame(10, {5, 7, 11, 13}));
         QVERIFY(out.ok());
         QCOMPARE(corners(out.rows), expected);
-    }
-
-    void packTruncatesTheTravel() {
-        // Mirrored and turned by 30 degrees the box starts at x = 400 - 86.60...: the travel to
-        // the margin is cut to whole units, so the box stops just inside it.
-        const Outcome out =
-            do_align({at(400, 100, true, "b", 30, true)}, PackEdge::Left, frame(0, {5, 0, 0, 0}));
-        const reply_box b = instanceBox(childSteps().at("b"), out.rows.front());
-        QCOMPARE(out.rows.front().x, 92);
-        QVERIFY(b.xmin >= 5.0 && b.xmin < 6.0);
     }
 
     void packRefusesOverlap_data() {
@@ -232,46 +226,34 @@ private slots:
     }
 
     void spaceEvenly_data() {
-        wctest::columns<int, QList<int>, QStringList>("axis", "starts", "expected");
+        wctest::columns<int, Rows, QStringList>("axis", "rows", "expected");
+        const int h = int(Axis::Horizontal);
         // Widths 100: span 400 against 300 of boxes, gap 50.
-        row("horizontal", int(Axis::Horizontal), QList<int>{0, 120, 300},
+        row("horizontal", h, Rows{at(0, 0), at(120, 0), at(300, 0)},
             QStringList{"0,0", "150,0", "300,0"});
         // Span 401: the gap 50.5 truncates to 50 and the last box comes back by one.
-        row("gap truncated", int(Axis::Horizontal), QList<int>{0, 100, 301},
+        row("gap truncated", h, Rows{at(0, 0), at(100, 0), at(301, 0)},
             QStringList{"0,0", "150,0", "300,0"});
-        row("span not larger stays", int(Axis::Horizontal), QList<int>{0, 100, 200},
+        row("span not larger stays", h, Rows{at(0, 0), at(100, 0), at(200, 0)},
             QStringList{"0,0", "100,0", "200,0"});
-        row("overlapping, span smaller stays", int(Axis::Horizontal), QList<int>{0, 50, 150},
+        row("overlapping, span smaller stays", h, Rows{at(0, 0), at(50, 0), at(150, 0)},
             QStringList{"0,0", "50,0", "150,0"});
         // Heights 50 one above the other: span 250 against 150.
-        row("vertical", int(Axis::Vertical), QList<int>{0, 60, 200},
+        row("vertical", int(Axis::Vertical), Rows{at(0, 0), at(0, 60), at(0, 200)},
             QStringList{"0,0", "0,100", "0,200"});
+        // Two rows spaced on their own; a box in the way of a group keeps that group still.
+        row("grouped by row", h,
+            Rows{at(0, 0), at(120, 0), at(300, 0), at(0, 300), at(100, 300), at(400, 300),
+                 at(210, 300, false, "c")},
+            QStringList{"0,0", "150,0", "300,0", "0,300", "100,300", "400,300", "210,300"});
     }
     void spaceEvenly() {
         QFETCH(int, axis);
-        QFETCH(QList<int>, starts);
+        QFETCH(Rows, rows);
         QFETCH(QStringList, expected);
-        Rows rows;
-        for (int s : starts) {
-            rows.push_back(axis == int(Axis::Horizontal) ? at(s, 0) : at(0, s));
-        }
         const Outcome out = arrange_selected_steps(rows, Axis(axis), frame());
         QVERIFY(out.ok());
         QCOMPARE(corners(out.rows), expected);
-    }
-
-    void spaceEvenlyGroupsByRow() {
-        // Two rows spaced on their own; a box in the way of a group keeps that group still.
-        const Rows rows{at(0, 0),
-                        at(120, 0),
-                        at(300, 0),
-                        at(0, 300),
-                        at(100, 300),
-                        at(400, 300),
-                        at(210, 300, false, "c")};
-        const Outcome out = arrange_selected_steps(rows, Axis::Horizontal, frame());
-        QCOMPARE(corners(out.rows).mid(0, 6),
-                 (QStringList{"0,0", "150,0", "300,0", "0,300", "100,300", "400,300"}));
     }
 
     // The turned angle stays below 360. The typed angle's limits (-1 and 361 refused, 0 and 360
