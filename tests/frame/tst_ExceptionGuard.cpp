@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "DataColumns.h"
 #include "LogCapture.h"
 #include "MessageBoxAnswerer.h"
 #include "frame/ExceptionGuard.h"
@@ -50,8 +51,7 @@ private slots:
     }
 
     void guardedCatchesEveryKind_data() {
-        QTest::addColumn<Thrown>("kind");
-        QTest::addColumn<QString>("shown");
+        wctest::columns<Thrown, QString>("kind", "shown");
         QTest::newRow("std::exception") << Thrown::Standard << "engine refused";
         QTest::newRow("std::string") << Thrown::StdString << "engine refused";
         QTest::newRow("QString") << Thrown::QtString << "engine refused";

@@ -9,12 +9,10 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QJsonObject>
-#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QtTest>
-#include <functional>
 
-#include "DataRows.h"
+#include "DataColumns.h"
 #include "HostSettings.h"
 #include "Korvo_UIAPI.h"
 #include "MessageBoxAnswerer.h"
@@ -82,8 +80,7 @@ private slots:
     }
 
     void writersReportAndKeepThePreviousFile_data() {
-        QTest::addColumn<Failure>("failure");
-        QTest::addColumn<QString>("writer");
+        wctest::columns<Failure, QString>("failure", "writer");
         for (const char* writer : {"parameter set", "range change", "range editor"}) {
             QTest::newRow(qPrintable(QStringLiteral("disk full, ") + writer))
                 << Failure::DiskFull << QString::fromLatin1(writer);

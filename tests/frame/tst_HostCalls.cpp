@@ -1,15 +1,13 @@
-// What a host sees of the frame's calls to it: the two notifications after an edit and the
-// recorder's twin before each recorded engine operation.
+// What a host sees of the frame's calls to it: the recorder's twin before each recorded engine
+// operation.
 
 #include <QtTest>
-#include <functional>
 
+#include "DataColumns.h"
 #include "HostSettings.h"
 #include "Korvo_API.h"
-#include "PluginSpy.h"
 #include "ReferenceEngine.h"
 #include "ScopedEngineHook.h"
-#include "frame/PluginMessages.h"
 #include "frame/RecordedCalls.h"
 
 namespace {
@@ -27,23 +25,8 @@ private slots:
     }
     void cleanup() { wcref::setSaveFlag(false); }
 
-    void notifiesMatrixThenJobList() {
-        wctest::PluginSpy spy;
-        wc::notifyJobChanged(QString::fromStdString(kJob));
-        QCOMPARE(spy.codes(), (QList<int>{20002401, 20002400}));
-        const auto& matrix = spy.messages().at(0);
-        QCOMPARE(matrix.sender, QStringLiteral("CAM_PNData_View.dll"));
-        QCOMPARE(matrix.receiver, QStringLiteral("Matrix.dll"));
-        QCOMPARE(matrix.values.value("DstType").toString(), QStringLiteral("Matrix"));
-        QCOMPARE(matrix.values.value("Job").toString(), QString::fromStdString(kJob));
-        const auto& graphic = spy.messages().at(1);
-        QCOMPARE(graphic.receiver, QStringLiteral("Graphic_JobList.dll"));
-        QCOMPARE(graphic.values.value("DstType").toString(), QStringLiteral("Graphic"));
-    }
-
     void twinPrecedesOperation_data() {
-        QTest::addColumn<bool>("saving");
-        QTest::addColumn<QString>("operation");
+        wctest::columns<bool, QString>("saving", "operation");
         for (bool saving : {true, false}) {
             for (const char* op :
                  {"get_graphics", "get_matrix", "create_step", "clear_selected_features"}) {
