@@ -39,6 +39,8 @@ if [ "${#targets[@]}" -eq 0 ]; then
     done
 fi
 cmake --build "${build}" -j2 --target "${targets[@]}"
+# Absolute paths: a target that reads through the dialogs works in a folder of its own.
+build=$(cd "${build}" && pwd)
 
 run_one() {
     local target="$1"
@@ -49,7 +51,7 @@ run_one() {
     ASAN_OPTIONS=fast_unwind_on_malloc=0 \
         LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0" \
         "${build}/fuzz/${target}" -max_total_time="${seconds}" -print_final_stats=1 \
-        -artifact_prefix="${build}/${target}-" "${corpus}" "fuzz/corpus/${target}" >"${log}" 2>&1
+        -artifact_prefix="${build}/${target}-" "${corpus}" "$PWD/fuzz/corpus/${target}" >"${log}" 2>&1
 }
 
 failed=()
