@@ -156,7 +156,12 @@ void verifyNoRun(Dialog& dialog, int calls, const wctest::PluginSpy& plugins) {
 inline void verifyRunEnded(QWidget& dialog, const wctest::PluginSpy& spy,
                            const wctest::MessageBoxAnswerer& boxes, const QString& status) {
     QCOMPARE(spy.codes(), QList<int>({20002401, 20002400}));
-    for (const wctest::SeenMessage& message : spy.messages()) {
+    const char* const routes[][2] = {{"Matrix.dll", "Matrix"}, {"Graphic_JobList.dll", "Graphic"}};
+    for (int i = 0; i < 2; ++i) {
+        const wctest::SeenMessage& message = spy.messages().at(i);
+        QCOMPARE(message.sender, QStringLiteral("CAM_PNData_View.dll"));
+        QCOMPARE(message.receiver, QString::fromLatin1(routes[i][0]));
+        QCOMPARE(message.values.value("DstType").toString(), QString::fromLatin1(routes[i][1]));
         QCOMPARE(message.values.value("Job").toString(), wctest::SampleJobScene::kJob);
     }
     QCOMPARE(boxes.count(), 0);
