@@ -159,7 +159,6 @@ private slots:
     void recordShownBack() {
         signal_check_params p;
         p.spacing = 254000;       // 10 mil
-        p.sliver_min = 100000;    // 3.93700787... mil, six significant digits
         p.apply_to = "anything";  // not "All": "Selected"
         p.use_compensated_rout = true;
         p.check_missing_pads_for_drills = false;
@@ -168,7 +167,6 @@ private slots:
         wc::showSignalCheckParams(p, {sl_smd, signal_layers_checks_list(10), sl_pad_connection},
                                   form);
         QCOMPARE(form.distances[wc::DistSpacing], "10");
-        QCOMPARE(form.distances[wc::DistSliverMin], "3.93701");
         QCOMPARE(form.apply_to, 1);
         QCOMPARE(form.compensated_rout, 0);
         QCOMPARE(form.missing_pads, 1);
