@@ -33,13 +33,10 @@ namespace {
 const char* const kJob = wctest::SampleJobScene::kJob;
 
 using wctest::child;
+using wctest::labelText;
 
 QPushButton* button(QWidget& dialog, const char* name) {
     return child<QPushButton>(dialog, QString::fromLatin1(name));
-}
-
-QString text(QWidget& dialog, const char* label) {
-    return child<QLabel>(dialog, QString::fromLatin1(label))->text();
 }
 
 // What the engine's check was asked while the spy lives, layer by layer (on the worker). While
@@ -162,7 +159,6 @@ private slots:
     void recordShownBack() {
         signal_check_params p;
         p.spacing = 254000;       // 10 mil
-        p.sliver_min = 100000;    // 3.93700787... mil, six significant digits
         p.apply_to = "anything";  // not "All": "Selected"
         p.use_compensated_rout = true;
         p.check_missing_pads_for_drills = false;
@@ -171,7 +167,6 @@ private slots:
         wc::showSignalCheckParams(p, {sl_smd, signal_layers_checks_list(10), sl_pad_connection},
                                   form);
         QCOMPARE(form.distances[wc::DistSpacing], "10");
-        QCOMPARE(form.distances[wc::DistSliverMin], "3.93701");
         QCOMPARE(form.apply_to, 1);
         QCOMPARE(form.compensated_rout, 0);
         QCOMPARE(form.missing_pads, 1);
@@ -217,7 +212,7 @@ private slots:
         QCOMPARE(child<QLineEdit>(dialog, "lineEdit_Layer")->text(),
                  ".type=signal|mixed&side=top|bottom&context=board");
         QCOMPARE(child<QLineEdit>(dialog, "lineEdit_ERF")->text(), "Outer(Mils)");
-        QCOMPARE(text(dialog, "label_MinimumPadoverlap"), " Minimum pad overlap:");
+        QCOMPARE(labelText(dialog, "label_MinimumPadoverlap"), " Minimum pad overlap:");
         QCOMPARE(child<QRadioButton>(dialog, "radioButton_CompensatedRout_No")->isChecked(), true);
         // Two columns, read row by row.
         const QStringList expected = {
@@ -230,7 +225,7 @@ private slots:
         }
         QCOMPARE(shown, expected);
         QCOMPARE(button(dialog, "pushButton_RunGlobally")->toolTip(), "Run globally");
-        QCOMPARE(text(dialog, "label_Time"), "No results");
+        QCOMPARE(labelText(dialog, "label_Time"), "No results");
     }
 
     void scopeReachingTheEngine_data() {
@@ -252,13 +247,13 @@ private slots:
                             selected ? "radioButton_ApplyTo_Selected" : "radioButton_ApplyTo_All")
             ->setChecked(true);
         for (const QString& press : presses) {
-            button(dialog, qPrintable("pushButton_" + press))->click();
+            wctest::click(dialog, "pushButton_" + press);
         }
         QCOMPARE(QList<int>(spy.scopes.begin(), spy.scopes.end()), scopes);
         QCOMPARE(dialog.rememberedScope(), remembered);
         QCOMPARE(spy.params.back().apply_to, std::string(selected ? "Selected" : "All"));
         QVERIFY(spy.ranges > 0);
-        QCOMPARE(text(dialog, "label_Status"), "1 layer was processed");
+        QCOMPARE(labelText(dialog, "label_Status"), "1 layer was processed");
     }
 
     void layersAndEmptyFields_data() {
@@ -288,7 +283,7 @@ private slots:
             shown.append(box.title + "|" + box.text);
         }
         QCOMPARE(shown, boxes);
-        QCOMPARE(text(dialog, "label_Status"), status);
+        QCOMPARE(labelText(dialog, "label_Status"), status);
         QCOMPARE(int(spy.layers.size()), engine_calls);
         QCOMPARE(int(dialog.result().size()), engine_calls);
     }
@@ -303,10 +298,10 @@ private slots:
         wctest::Stopper stopper(dialog);
         dialog.on_RunGlobally_clicked();
         QCOMPARE(spy.calls(), 1);
-        QCOMPARE(text(dialog, "label_Status"), "SignalLayer check terminated");
+        QCOMPARE(labelText(dialog, "label_Status"), "SignalLayer check terminated");
         QCOMPARE(button(dialog, "pushButton_View")->styleSheet(),
                  "QPushButton{background-image:url(:/Widget_Common/Resources/viewred.jpg)}");
-        QCOMPARE(text(dialog, "label_Summary"), QString());
+        QCOMPARE(labelText(dialog, "label_Summary"), QString());
     }
 
     void templateJsonAsWritten() {
@@ -409,7 +404,7 @@ private slots:
         QVERIFY(!child<QCheckBox>(other, "checkBox_Drill")->isChecked());
         QCOMPARE(other.result().size(), size_t(2));
         QCOMPARE(other.result().at("top").at(sli_pad_size).yellow.size(), size_t(2));
-        QCOMPARE(text(other, "label_Summary"), "!");
+        QCOMPARE(labelText(other, "label_Summary"), "!");
     }
 
     void databaseMessages() {
@@ -431,7 +426,7 @@ private slots:
         Korvo::Cache::common_cache::instance()->setSignalResult(cached);
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.viewSetShowResult();
-        QCOMPARE(text(dialog, "label_Status"), "1 layer  was processed");
+        QCOMPARE(labelText(dialog, "label_Status"), "1 layer  was processed");
         QCOMPARE(dialog.layersWithinCheck().size(), 1);
     }
 
@@ -442,9 +437,9 @@ private slots:
         child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
         child<QRadioButton>(dialog, "radioButton_ApplyTo_Selected")->setChecked(true);
         dialog.on_RunProfile_clicked();
-        QCOMPARE(text(dialog, "label_Status"), "2 layers were processed");
+        QCOMPARE(labelText(dialog, "label_Status"), "2 layers were processed");
         QCOMPARE(QList<int>(spy.scopes.begin(), spy.scopes.end()), QList<int>({3, 3}));
-        QCOMPARE(text(dialog, "label_Summary"), QString());
+        QCOMPARE(labelText(dialog, "label_Summary"), QString());
 
         // A second check while one is under way is refused.
         spy.hold = true;
@@ -462,7 +457,7 @@ private slots:
         dialog.on_RunGlobally_clicked();
         spy.hold = false;
         first.join();
-        QCOMPARE(text(dialog, "label_Status"), "the service is busy");
+        QCOMPARE(labelText(dialog, "label_Status"), "the service is busy");
         QCOMPARE(dialog.result().size(), size_t(2));  // the earlier result stays
     }
 

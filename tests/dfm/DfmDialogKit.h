@@ -3,7 +3,6 @@
 // given, saving a parameter set, and what every dialog must show after its checks and its run.
 
 #include <QInputDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -28,16 +27,13 @@
 namespace dfmtest {
 
 using wctest::child;
+using wctest::labelText;
 using wctest::Stopper;
 
 inline const QString kGreen =
     QStringLiteral("QPushButton{background-image:url(:/Widget_Common/Resources/viewgreen.jpg)}");
 inline const QString kRed =
     QStringLiteral("QPushButton{background-image:url(:/Widget_Common/Resources/viewred.jpg)}");
-
-inline QString labelText(QWidget& dialog, const char* name) {
-    return child<QLabel>(dialog, QString::fromLatin1(name))->text();
-}
 
 inline QString viewStyle(QWidget& dialog) {
     return child<QPushButton>(dialog, QStringLiteral("pushButton_View"))->styleSheet();

@@ -8,6 +8,7 @@
 
 using namespace Korvo::API;
 using dfmtest::child;
+using wctest::click;
 using wctest::row;
 
 namespace {
@@ -15,10 +16,6 @@ namespace {
 const char* const kJob = wctest::SampleJobScene::kJob;
 using EngineSpy = dfmtest::EngineSpy<NFP_removal_DFM_op_params, NFP_removal_result_map>;
 constexpr auto kOperation = &wcref::EngineHooks::NFP_removal_DFM_op;
-
-void click(QWidget& dialog, const QString& name) {
-    child<QAbstractButton>(dialog, name)->click();
-}
 
 }  // namespace
 

@@ -184,9 +184,6 @@ private slots:
         row("pad in surface at 270", 0, QStringList{"PadInSurfaceClearance=270"}, "");
         row("pad in surface above", 0, QStringList{"PadInSurfaceClearance=270.5"},
             "The Value : 270.5 is outside of (0,270) !");
-        row("mm bridge just under 20 mil passes", 1, QStringList{"BridgeSize=0.5"}, "");
-        row("mm bridge just over 20 mil", 1, QStringList{"BridgeSize=0.51"},
-            "The Value : 0.51 is outside of (0,0.508) !");
         row("mm coverage opt", 1, QStringList{"BridgeSize=0", "CoverageMin=0", "CoverageOpt=6.9"},
             "The Value : 6.9 is outside of (0,6.858) !");
         // Engine units: only the first check admits negatives.

@@ -130,9 +130,6 @@ private slots:
             "The Value : 21 is outside of (0,20) !");
         row("ring first", 0, QStringList{"DrillSizeMin=101", "AnnRingMin=25"},
             "The Value : 25 is outside of (0,20) !");
-        row("mm under twenty mil", 1, QStringList{"AnnRingMin=0.5"}, "");
-        row("mm over twenty mil", 1, QStringList{"AnnRingMin=0.51"},
-            "The Value : 0.51 is outside of (0,0.508) !");
         row("mm drill max at its limit", 1, QStringList{"DrillSizeMax=5.08"}, "");
         row("mm drill max over", 1, QStringList{"DrillSizeMax=5.09"},
             "The Value : 5.09 is outside of (0,5.08) !");

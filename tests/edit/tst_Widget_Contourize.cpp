@@ -1,5 +1,4 @@
 #include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -20,6 +19,7 @@
 namespace {
 
 using wctest::child;
+using wctest::labelText;
 using wctest::row;
 
 // What is typed and chosen, and the record the dialog must emit.
@@ -53,10 +53,6 @@ QLineEdit* accuracy(QWidget& dialog) {
 
 QLineEdit* maxSize(QWidget& dialog) {
     return child<QLineEdit>(dialog, QStringLiteral("lineEdit_MaxSize"));
-}
-
-QString labelText(QWidget& dialog, const char* name) {
-    return child<QLabel>(dialog, QString::fromLatin1(name))->text();
 }
 
 // Copies every record the dialog emits, while the record still exists.

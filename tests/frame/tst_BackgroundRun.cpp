@@ -167,8 +167,6 @@ private slots:
         const auto wait = StopBehaviour::WaitForWorker;
         const QString none;
         row("quick, leave at once, once", leave, 20, true, 0, none, none, none, none);
-        row("quick, leave at once, scoped", leave, 20, false, 0, none, none, none, none);
-        row("quick, wait for worker, once", wait, 200, true, 0, none, none, none, none);
         row("quick, wait for worker, scoped", wait, 200, false, 0, none, none, none, none);
         row("450 ms, 20 ms polling, default texts", leave, 20, true, 450, none, none, "Processing",
             "Please wait");
@@ -478,12 +476,6 @@ private slots:
         QCOMPARE(readTree(root.filePath(to)), expected);
         QCOMPARE(readTree(root.filePath("src")), source_before);
         QCOMPARE(log.errors().empty(), ok);
-        // The import's copy must agree.
-        if (ok) {
-            QVERIFY(Import_Progress::CopyDirFiles(root.filePath(from), root.filePath("again"),
-                                                  overwrite));
-            QCOMPARE(readTree(root.filePath("again")), readTree(root.filePath(from)));
-        }
     }
 
     void progressCommon_data() {

@@ -29,6 +29,8 @@
 #include "steprepeat/Widget_SR_Edit.h"
 
 using Korvo::API::step_repeat_op;
+using wctest::click;
+using wctest::labelText;
 using wctest::row;
 
 namespace {
@@ -65,14 +67,6 @@ std::vector<Korvo::API::reply_box> engineBoxes() {
         boxes.push_back(wcref::instanceBox(child, i));
     }
     return boxes;
-}
-
-QString text(QWidget& dialog, const char* name) {
-    return wctest::child<QLabel>(dialog, name)->text();
-}
-
-void press(QWidget& dialog, const QString& name) {
-    wctest::child<QPushButton>(dialog, name)->click();
 }
 
 QString question(const char* words) {
@@ -135,7 +129,7 @@ private slots:
         // The status is set before the question is asked.
         answerer.onEachBox([&](QMessageBox*) { status_seen = label->text(); });
         wcref::clearEngineCalls();
-        press(dialog, button);
+        click(dialog, button);
         QCOMPARE(answerer.count(), 1);
         QCOMPARE(answerer.last().title, "Information");
         QCOMPARE(answerer.last().text, question);
@@ -164,7 +158,7 @@ private slots:
         wctest::PluginSpy spy;
         QSignalSpy changed(&dialog, &Widget_SR_Edit::send_SR_Changed);
         wcref::clearEngineCalls();
-        press(dialog, "pushButton_PackLeft");
+        click(dialog, "pushButton_PackLeft");
         QCOMPARE(answerer.count(), 1);
         QCOMPARE(writes(), 1);
         QCOMPARE(Korvo::API::get_editop_count(kJob, kPanel), edits + 1);
@@ -177,7 +171,7 @@ private slots:
         }
         std::sort(lefts.begin(), lefts.end());
         QCOMPARE(lefts, (QList<double>{0, 0, 2100, 2100, 4200, 4200, 6300, 6300}));
-        QCOMPARE(text(dialog, "label_SelectedSteps"), "Selected Steps : 8");
+        QCOMPARE(labelText(dialog, "label_SelectedSteps"), "Selected Steps : 8");
     }
 
     void selectionPicks_data() {
@@ -197,11 +191,11 @@ private slots:
         Widget_SR_Edit dialog(kJob, kPanel, &host);
         // First pick: the turned instance at the lower right.
         dialog.receive_SR_Select_point({mil(8000, 1500)});
-        QCOMPARE(text(dialog, "label_SelectedSteps"), "Selected Steps : 1");
+        QCOMPARE(labelText(dialog, "label_SelectedSteps"), "Selected Steps : 1");
         wcref::setShiftPressedForTest(shift ? 1 : 0);
         const char* buttons[3] = {"pushButton_SingleSelect", "pushButton_RectangleSelect",
                                   "pushButton_PolygonSelect"};
-        press(dialog, buttons[mode]);
+        click(dialog, buttons[mode]);
         if (mode == 0) {
             dialog.receive_SR_Select_point({mil(1500, 1250)});
         } else if (mode == 1) {
@@ -211,7 +205,7 @@ private slots:
             dialog.receive_SR_PolygonSelect_point(
                 {mil(0, 0), mil(4000, 0), mil(4000, 2200), mil(0, 2200)});
         }
-        QCOMPARE(text(dialog, "label_SelectedSteps"),
+        QCOMPARE(labelText(dialog, "label_SelectedSteps"),
                  QStringLiteral("Selected Steps : %1").arg(selected));
     }
 
@@ -232,7 +226,7 @@ private slots:
         wcref::setShiftPressedForTest(1);
         dialog.receive_SR_Select_point({mil(5900, 2900)});  // array (2, 1)
         wctest::PluginSpy spy;
-        press(dialog, "pushButton_AlignLeft");
+        click(dialog, "pushButton_AlignLeft");
         const QList<wctest::SeenMessage> picks = spy.withCode(20000267);
         QCOMPARE(picks.size(), 1);
         QCOMPARE(picks.front().sender, "Graphic_MenuBar_Step.dll");
@@ -251,7 +245,7 @@ private slots:
             QVERIFY(after[k].xmin == before[k].xmin || after[k].xmin == 7200 * kMil);
         }
         QCOMPARE(moved, aligned);
-        QCOMPARE(text(dialog, "label_SelectedSteps"), "Selected Steps : 2");
+        QCOMPARE(labelText(dialog, "label_SelectedSteps"), "Selected Steps : 2");
     }
 
     void refusals_data() {
@@ -305,7 +299,7 @@ private slots:
         }
         wctest::MessageBoxAnswerer answerer(QMessageBox::Yes);
         wcref::clearEngineCalls();
-        press(dialog, button);
+        click(dialog, button);
         if (message.isEmpty()) {
             QCOMPARE(answerer.count(), 0);
             QCOMPARE(writes(), 1);
@@ -314,7 +308,7 @@ private slots:
         QCOMPARE(answerer.texts().value(answerer.count() - 1), message);
         QCOMPARE(answerer.last().title, "Information");
         QCOMPARE(writes(), 0);
-        QCOMPARE(text(dialog, "label_Status"), "Single Select");
+        QCOMPARE(labelText(dialog, "label_Status"), "Single Select");
     }
 
     // A new size rewrites the profile, the margins and the table as one edit.
@@ -328,7 +322,7 @@ private slots:
         dialog.findChild<QCheckBox*>("checkBox_KeepSR")->setChecked(false);
         dialog.findChild<QCheckBox*>("checkBox_KeepMargin")->setChecked(false);
         const int edits = Korvo::API::get_editop_count(kJob, kPanel);
-        press(dialog, "pushButton_PanelSize");
+        click(dialog, "pushButton_PanelSize");
         QCOMPARE(Korvo::API::get_editop_count(kJob, kPanel), edits + 1);
         Korvo::API::reply_box box;
         QVERIFY(Korvo::API::profile_box(kJob, kPanel, box));
@@ -368,7 +362,7 @@ private slots:
         QVERIFY(Korvo::API::set_step_repeat(kJob, kPanel, {outer}));
         QWidget host;
         Widget_SR_Edit dialog(kJob, kPanel, &host);
-        press(dialog, highestOnly ? "pushButton_ReduceHighestLevel" : "pushButton_ReduceNesting");
+        click(dialog, highestOnly ? "pushButton_ReduceHighestLevel" : "pushButton_ReduceNesting");
         QStringList names;
         QList<int> xs;
         for (const step_repeat_op& r : table()) {
@@ -391,11 +385,11 @@ private slots:
                 [](const std::string&, const std::string&, std::vector<step_repeat_op>&) -> bool {
                     throw std::runtime_error("table unreadable");
                 });
-            press(dialog, "pushButton_Delete");
+            click(dialog, "pushButton_Delete");
         }
         QCOMPARE(answerer.texts(), QStringList{"table unreadable"});
         dialog.receive_SR_Select_point({mil(1500, 1250)});
-        QCOMPARE(text(dialog, "label_SelectedSteps"), "Selected Steps : 1");
+        QCOMPARE(labelText(dialog, "label_SelectedSteps"), "Selected Steps : 1");
     }
 
     void marginsInNanometres() {
@@ -404,7 +398,7 @@ private slots:
         Widget_SR_Edit dialog(kJob, kPanel, &host);
         dialog.findChild<QLineEdit*>("lineEdit_MarginLeft")->setText("250");
         dialog.findChild<QLineEdit*>("lineEdit_MarginTop")->setText("10");
-        press(dialog, "pushButton_Margins");
+        click(dialog, "pushButton_Margins");
         std::map<std::string, std::string> attributes;
         Korvo::API::get_step_attributes(kJob, kPanel, attributes);
         QCOMPARE(attributes[".panel_margin_left"], std::to_string(int(250 * kMil)));

@@ -28,13 +28,10 @@ using wctest::row;
 namespace {
 
 using wctest::child;
+using wctest::click;
 
 QLineEdit* edit(QObject& popup, const char* name) {
     return child<QLineEdit>(popup, name);
-}
-
-void click(QObject& popup, const char* name) {
-    child<QPushButton>(popup, name)->click();
 }
 
 // The plug-in spy, with what only the delivery could read: the filter record of the last
