@@ -130,21 +130,4 @@ std::chrono::milliseconds longOperationDuration() {
     return store.long_operation_duration;
 }
 
-bool setDisplayedLayers(const std::string& job, const std::vector<std::string>& layers) {
-    EngineStore& store = EngineStore::instance();
-    std::lock_guard<std::mutex> guard(store.mutex);
-    EngineJob* j = store.job(job);
-    if (j == nullptr) {
-        return false;
-    }
-    for (const std::string& name : layers) {
-        if (j->layer(name) == nullptr) {
-            LOG(ERROR) << "cannot display unknown layer " << name;
-            return false;
-        }
-    }
-    j->displayed = std::set<std::string>(layers.begin(), layers.end());
-    return true;
-}
-
 }  // namespace wcref

@@ -18,8 +18,7 @@
 // - close_job answers 0 when the job was open, -1 otherwise; get_opened_jobs the count.
 // - get_matrix / get_graphics answer "OK", or an error text naming the unknown job. The map
 //   form numbers the steps from 1 in creation order.
-// - get_graphics lists the displayed layers (all board layers of a freshly opened job; see
-//   setDisplayedLayers).
+// - get_graphics lists the displayed layers: all board layers of an opened job.
 // - Every modifying operation on a step adds one to its edit counter (get_editop_count); the
 //   selection of features or of step-and-repeat instances is not an edit.
 // - get_all_feature_info: type bits 1..16 select types; when neither polarity bit (32, 64) is
@@ -194,8 +193,5 @@ std::chrono::milliseconds longOperationDuration();
 // The area the graphic view shows, used by runs with scope 1 ("on screen only"); until it is
 // set, such runs check the whole step.
 void setScreenBox(const Korvo::API::reply_box& box);
-
-// Chooses the layers get_graphics reports for `job`; unknown layer names are refused.
-bool setDisplayedLayers(const std::string& job, const std::vector<std::string>& layers);
 
 }  // namespace wcref
