@@ -37,11 +37,11 @@ struct OptimisationTexts {
 };
 
 struct OptimisationOutcome {
-    bool stopped = false;       // the user stopped the run; the result is what was done by then
-    bool dialog_gone = false;   // the dialog was destroyed while the engine ran
-    bool engine_ok = false;     // what the engine call returned
-    bool completed = false;     // the worker returned and the run's end was shown
-    int layer_count = 0;        // the number of layers the run was given
+    bool stopped = false;      // the user stopped the run; the result is what was done by then
+    bool dialog_gone = false;  // the dialog was destroyed while the engine ran
+    bool engine_ok = false;    // what the engine call returned
+    bool completed = false;    // the worker returned and the run's end was shown
+    int layer_count = 0;       // the number of layers the run was given
 };
 
 // The pieces of the run that do not depend on the result type.
