@@ -5,6 +5,8 @@
 #undef MIN  // gerbv.h defines them with GNU statement expressions
 #undef MAX
 
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
@@ -14,6 +16,9 @@
 #include <mutex>
 
 #include "CopperGeometry.h"
+#include "GerberX2.h"
+#include "JobFromFolder.h"
+#include "StepRepeatGeometry.h"
 
 // From GLib (linked through libgerbv): lets libgerbv's diagnostics go to our log.
 extern "C" {
@@ -47,8 +52,10 @@ struct ProjectDeleter {
 };
 using Project = std::unique_ptr<gerbv_project_t, ProjectDeleter>;
 
-// Parses the file; null with a reason when libgerbv cannot make a layer of it.
-gerbv_image_t* openImage(const std::string& path, Project& project, std::string& message) {
+// Parses the file, an Excellon file with the drill attributes `attributes` when given; null
+// with a reason when libgerbv cannot make a layer of it.
+gerbv_image_t* openImage(const std::string& path, Project& project, std::string& message,
+                         gerbv_HID_Attribute* attributes = nullptr, int n_attributes = 0) {
     static std::once_flag once;
     std::call_once(once, [] { g_log_set_default_handler(&logGerbvMessage, nullptr); });
     const QFileInfo info(QString::fromStdString(path));
@@ -61,7 +68,10 @@ gerbv_image_t* openImage(const std::string& path, Project& project, std::string&
         return nullptr;
     }
     project.reset(gerbv_create_project());
-    gerbv_open_layer_from_filename(project.get(), path.c_str());
+    if (gerbv_open_image(project.get(), path.c_str(), ++project->last_loaded, 0, attributes,
+                         n_attributes, 1) == -1) {
+        --project->last_loaded;
+    }
     if (project->last_loaded < 0 || project->file[0] == nullptr ||
         project->file[0]->image == nullptr) {
         message = path + " is neither a Gerber nor an Excellon drill file";
@@ -85,6 +95,9 @@ gerbv_image_t* openImage(const std::string& path, Project& project, std::string&
             text.find("Missing Gerber EOF") != std::string::npos) {
             message = path + " is damaged: " + text;
             return nullptr;
+        }
+        if (text.find("Unknown RS-274X extension found %T") != std::string::npos) {
+            continue;  // an X2 attribute: libgerbv skips it, GerberX2 reads it
         }
         LOG(WARNING) << "import of " << path << ": " << text;
     }
@@ -415,11 +428,175 @@ void addRegion(std::vector<std::vector<point>>& contours, featureInfo base,
     }
 }
 
+std::string fileText(const std::string& path) {
+    QFile file(QString::fromStdString(path));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return file.readAll().toStdString();
+}
+
+// libgerbv's drill attributes (drill.c, drill_attribute_list) for reading an Excellon file in
+// `p`'s format: no autodetection, zero suppression (0 none, 1 leading, 2 trailing zeros left
+// out), units (0 inch, 1 mm) and digits, which libgerbv takes as integer digits when trailing
+// zeros are left out and as decimal digits otherwise.
+std::vector<gerbv_HID_Attribute> drillAttributes(const file_Parameters& p) {
+    std::vector<gerbv_HID_Attribute> a(4);
+    for (gerbv_HID_Attribute& one : a) {
+        one = gerbv_HID_Attribute{};
+    }
+    a[0].name = const_cast<char*>("autodetect");
+    a[0].type = gerbv_HID_Attribute::HID_Boolean;
+    a[0].default_val.int_value = 0;
+    a[1].name = const_cast<char*>("zero_suppression");
+    a[1].type = gerbv_HID_Attribute::HID_Enum;
+    a[1].default_val.int_value = p.zeros == "leading" ? 1 : p.zeros == "trailing" ? 2 : 0;
+    a[2].name = const_cast<char*>("units");
+    a[2].type = gerbv_HID_Attribute::HID_Enum;
+    a[2].default_val.int_value = p.units == "mm" ? 1 : 0;
+    a[3].name = const_cast<char*>("digits");
+    a[3].type = gerbv_HID_Attribute::HID_Integer;
+    a[3].default_val.int_value = p.zeros == "trailing" ? p.integer_digits : p.decimal_digits;
+    return a;
+}
+
+DrillNumberFormat numberFormatOf(const file_Parameters& p) {
+    DrillNumberFormat f;
+    f.units = p.units == "mm" ? "mm" : "inch";
+    f.zeros = p.zeros;
+    f.integer_digits = p.integer_digits;
+    f.decimal_digits = p.decimal_digits;
+    return f;
+}
+
+// Where we correct libgerbv. Told the format through its drill attributes, libgerbv still lets
+// the file override two parts of it: a ";FILE_FORMAT=i:d" comment replaces the digits it was
+// given with d (taken as integer digits when trailing zeros are left out, although d counts the
+// decimal ones), and an INCH or METRIC statement in the header replaces the units. With its own
+// autodetection it is worse: after ";FILE_FORMAT=2:3" it ignores the "INCH,LZ" that follows and
+// assumes leading zeros left out, so the protel board's X0152 (1.52 inch) becomes 0.152 inch.
+// Each override multiplies every coordinate by one factor, a power of ten, times 25.4 when the
+// units differ; the factor is measured by matching libgerbv's hits against our own decoding of
+// the same coordinates (`expected`, nanometres) and undone, on the tool sizes too for the unit
+// part. Returns the factor applied (1 when libgerbv read the format asked for).
+double correctDrillReading(gerbv_image_t* image, const std::vector<point>& expected,
+                           const std::string& path) {
+    std::vector<point> hits;
+    for (const gerbv_net_t* net = image->netlist; net != nullptr; net = net->next) {
+        if (net->aperture_state == GERBV_APERTURE_STATE_FLASH) {
+            hits.push_back(nm(net->start_x, net->start_y));
+        }
+    }
+    if (hits.empty() || expected.empty()) {
+        return 1;
+    }
+    std::vector<point> sorted = expected;
+    std::sort(sorted.begin(), sorted.end(),
+              [](const point& a, const point& b) { return a.x < b.x; });
+    const auto matches = [&](double factor) {
+        constexpr double kTolerance = 500;  // nanometres
+        int count = 0;
+        for (const point& h : hits) {
+            const point p{h.x * factor, h.y * factor};
+            auto it = std::lower_bound(sorted.begin(), sorted.end(), p.x - kTolerance,
+                                       [](const point& a, double x) { return a.x < x; });
+            for (; it != sorted.end() && it->x <= p.x + kTolerance; ++it) {
+                if (std::abs(it->y - p.y) <= kTolerance) {
+                    ++count;
+                    break;
+                }
+            }
+        }
+        return count;
+    };
+    double best = 1;
+    int best_count = matches(1);
+    double best_unit = 1;
+    for (const double unit : {1.0, 25.4, 1 / 25.4}) {
+        for (int power = -4; power <= 4; ++power) {
+            const double factor = unit * std::pow(10.0, power);
+            const int count = factor == 1 ? 0 : matches(factor);
+            if (count > best_count) {
+                best = factor;
+                best_count = count;
+                best_unit = unit;
+            }
+        }
+    }
+    if (2 * best_count < static_cast<int>(hits.size())) {
+        LOG(WARNING) << "import of " << path << ": only " << best_count << " of " << hits.size()
+                     << " drill hits read by libgerbv match the drill format asked for";
+        return 1;
+    }
+    if (best == 1) {
+        return 1;
+    }
+    LOG(INFO) << "import of " << path << ": libgerbv's drill coordinates corrected by a factor "
+              << best;
+    for (gerbv_net_t* net = image->netlist; net != nullptr; net = net->next) {
+        net->start_x *= best;
+        net->start_y *= best;
+        net->stop_x *= best;
+        net->stop_y *= best;
+        if (net->cirseg != nullptr) {
+            net->cirseg->cp_x *= best;
+            net->cirseg->cp_y *= best;
+            net->cirseg->width *= best;
+            net->cirseg->height *= best;
+        }
+    }
+    if (best_unit != 1) {
+        for (int code = 0; code < APERTURE_MAX; ++code) {
+            if (image->aperture[code] != nullptr) {
+                image->aperture[code]->parameter[0] *= best_unit;
+            }
+        }
+    }
+    return best;
+}
+
+// Chooses the coordinate format of the Excellon file `path` by registering its holes onto
+// `copper`, into `parameters`.
+void chooseDrillFormat(const std::string& path, const std::vector<PadSite>& copper,
+                       file_Parameters& parameters) {
+    const std::string text = fileText(path);
+    const DrillHeader header = DrillFormat::readHeader(text);
+    const DrillChoice choice = DrillFormat::choose(header, DrillFormat::holes(text), copper);
+    parameters.units = choice.format.units;
+    parameters.zeros = choice.format.zeros;
+    parameters.integer_digits = choice.format.integer_digits;
+    parameters.decimal_digits = choice.format.decimal_digits;
+    parameters.coordinates = header.incremental ? "incremental" : "absolute";
+    parameters.format_source = choice.source;
+    parameters.plating = DrillFormat::plating(
+        QFileInfo(QString::fromStdString(path)).fileName().toStdString(), header);
+    if (!choice.warning.empty()) {
+        LOG(WARNING) << path << ": " << choice.warning;
+    }
+}
+
+bool isOuterCopper(const Korvo::API::layer_info& row) {
+    return (row.type == "signal" || row.type == "mixed") &&
+           (row.side == "top" || row.side == "bottom");
+}
+
 }  // namespace
 
 bool GerberImport::identify(const std::string& path, std::string& format,
                             file_Parameters& parameters, std::string& message) {
-    std::lock_guard<std::mutex> guard(gerbvMutex());
+    bool drill = false;
+    if (!kind(path, drill, message)) {
+        LOG(ERROR) << "file_identify: " << message;
+        return false;
+    }
+    return identify(path, format, parameters, message,
+                    drill ? folderCopper(path) : std::vector<PadSite>{});
+}
+
+bool GerberImport::identify(const std::string& path, std::string& format,
+                            file_Parameters& parameters, std::string& message,
+                            const std::vector<PadSite>& copper) {
+    std::unique_lock<std::mutex> guard(gerbvMutex());
     Project project;
     const gerbv_image_t* image = openImage(path, project, message);
     if (image == nullptr) {
@@ -447,21 +624,136 @@ bool GerberImport::identify(const std::string& path, std::string& format,
         parameters.coordinates =
             image->format->coordinate == GERBV_COORDINATE_INCREMENTAL ? "incremental" : "absolute";
     }
-    message = path + " is " + (drill ? "an Excellon drill file" : "a Gerber RS-274X file");
+    guard.unlock();
+    if (!drill) {
+        message = path + " is a Gerber RS-274X file";
+        return true;
+    }
+    // What libgerbv guessed is replaced by what the header says, checked against the copper.
+    chooseDrillFormat(path, copper, parameters);
+    message = path + " is an Excellon drill file, read as " +
+              DrillFormat::describe(numberFormatOf(parameters)) + ": " + parameters.format_source;
     return true;
+}
+
+bool GerberImport::kind(const std::string& path, bool& drill, std::string& message) {
+    std::lock_guard<std::mutex> guard(gerbvMutex());
+    Project project;
+    const gerbv_image_t* image = openImage(path, project, message);
+    drill = image != nullptr && image->layertype == GERBV_LAYERTYPE_DRILL;
+    return image != nullptr;
+}
+
+std::vector<PadSite> GerberImport::padSites(const std::vector<featureInfo>& features) {
+    std::vector<PadSite> out;
+    for (const featureInfo& f : features) {
+        if (f.type != Korvo::API::feature_pad || !f.positive) {
+            continue;
+        }
+        PadSite site;
+        site.x = f.start.x;
+        site.y = f.start.y;
+        if (f.contour.size() >= 3) {
+            const Korvo::API::reply_box box = boxOfPoints(f.contour);
+            site.half_width = std::max(f.start.x - box.xmin, box.xmax - f.start.x);
+            site.half_height = std::max(f.start.y - box.ymin, box.ymax - f.start.y);
+        } else {
+            const SymbolSize size = CopperGeometry::parseSymbol(f.symbol);
+            if (size.kind == SymbolSize::none) {
+                continue;
+            }
+            site.round = size.kind == SymbolSize::round;
+            site.half_width = size.width / 2;
+            site.half_height = size.kind == SymbolSize::round || size.kind == SymbolSize::square
+                                   ? size.width / 2
+                                   : size.height / 2;
+        }
+        out.push_back(site);
+    }
+    return out;
+}
+
+// file_identify gets nothing but a path, so a drill file is registered against the outer
+// copper of its own folder: the files there that guessLayer types as top or bottom signal
+// layers. Identifying every file of a folder would read that copper once per drill file, so
+// the pads are kept per folder together with the names, sizes and times of the copper files;
+// a changed, added or removed copper file makes the next identification read them again.
+// JobFromFolder, which reads the copper anyway, passes its own pads instead.
+std::vector<PadSite> GerberImport::folderCopper(const std::string& path) {
+    const QFileInfo info(QString::fromStdString(path));
+    const QString folder = info.absolutePath();
+    std::vector<std::string> files;
+    std::string signature;
+    for (const QFileInfo& file :
+         QDir(folder).entryInfoList(QDir::Files | QDir::Readable, QDir::Name)) {
+        if (file.absoluteFilePath() == info.absoluteFilePath() ||
+            !isOuterCopper(JobFromFolder::guessLayer(file.fileName().toStdString(), false))) {
+            continue;
+        }
+        files.push_back(file.absoluteFilePath().toStdString());
+        signature += files.back() + "|" + std::to_string(file.size()) + "|" +
+                     std::to_string(file.lastModified().toMSecsSinceEpoch()) + "\n";
+    }
+    static std::mutex mutex;
+    static std::map<std::string, std::pair<std::string, std::vector<PadSite>>> cache;
+    {
+        std::lock_guard<std::mutex> guard(mutex);
+        const auto found = cache.find(folder.toStdString());
+        if (found != cache.end() && found->second.first == signature) {
+            return found->second.second;
+        }
+    }
+    std::vector<PadSite> sites;
+    for (const std::string& file : files) {
+        bool drill = false;
+        std::string why;
+        std::vector<featureInfo> features;
+        std::map<int, int> counts;
+        if (kind(file, drill, why) && !drill && read(file, "copper", features, counts, why)) {
+            const std::vector<PadSite> more = padSites(features);
+            sites.insert(sites.end(), more.begin(), more.end());
+        }
+    }
+    std::lock_guard<std::mutex> guard(mutex);
+    cache[folder.toStdString()] = {signature, sites};
+    return sites;
 }
 
 bool GerberImport::read(const std::string& path, const std::string& layer,
                         std::vector<featureInfo>& features, std::map<int, int>& tool_counts,
-                        std::string& message) {
+                        std::string& message, const file_Parameters* parameters) {
+    const bool told =
+        parameters != nullptr && parameters->format == "excellon" && !parameters->zeros.empty();
+    std::vector<gerbv_HID_Attribute> attributes;
+    if (told) {
+        attributes = drillAttributes(*parameters);
+    }
     std::lock_guard<std::mutex> guard(gerbvMutex());
     Project project;
-    const gerbv_image_t* image = openImage(path, project, message);
+    gerbv_image_t* image = openImage(path, project, message, told ? attributes.data() : nullptr,
+                                     static_cast<int>(attributes.size()));
     if (image == nullptr) {
         LOG(ERROR) << "file_translate: " << message;
         return false;
     }
     const bool drill = image->layertype == GERBV_LAYERTYPE_DRILL;
+    std::string plating = told ? parameters->plating : std::string();
+    if (drill) {
+        const std::string text = fileText(path);
+        const DrillHeader header = DrillFormat::readHeader(text);
+        if (told) {
+            correctDrillReading(
+                image, DrillFormat::place(DrillFormat::holes(text), numberFormatOf(*parameters)),
+                path);
+        }
+        if (plating.empty()) {
+            plating = DrillFormat::plating(
+                QFileInfo(QString::fromStdString(path)).fileName().toStdString(), header);
+        }
+        if (plating.empty()) {
+            plating = "plated";  // what most drill files hold
+        }
+    }
     std::map<int, ApertureUse> uses;
     const auto useFor = [&](int code) -> const ApertureUse& {
         auto found = uses.find(code);
@@ -593,7 +885,7 @@ bool GerberImport::read(const std::string& path, const std::string& layer,
                         }
                     }
                     if (drill) {
-                        f.attributes[".drill"] = "plated";
+                        f.attributes[".drill"] = plating;
                     }
                 } else if ((net->interpolation == GERBV_INTERPOLATION_CW_CIRCULAR ||
                             net->interpolation == GERBV_INTERPOLATION_CCW_CIRCULAR) &&
@@ -608,6 +900,10 @@ bool GerberImport::read(const std::string& path, const std::string& layer,
                 ++tool_counts[net->aperture];
             }
         }
+    }
+    if (!drill) {
+        // libgerbv drops the X2 attributes; the nets come from a pass of our own.
+        GerberX2::nameFeatures(GerberX2::read(path), features);
     }
     message = path + ": " + std::to_string(features.size()) + " features";
     LOG(INFO) << "imported " << message << " into layer " << layer;

@@ -103,6 +103,10 @@ struct file_Parameters {
     int decimal_digits = 0;
     std::string zeros;        // "leading" or "trailing" (omitted zeros), "none"
     std::string coordinates;  // "absolute" or "incremental"
+    // Excellon: how the coordinate format above was chosen, e.g. "header (98% of 427 holes on
+    // pads)" or "registration (...)"; empty for Gerber.
+    std::string format_source;
+    std::string plating;  // Excellon: "plated", "non_plated" or "" when the file does not say
 };
 
 struct step_header_info {
