@@ -8,6 +8,7 @@
 #include "EngineCallText.h"
 #include "EngineStore.h"
 #include "GerberImport.h"
+#include "JobFromFolder.h"
 #include "Korvo_API.h"
 
 namespace ct = wcref::calltext;
@@ -46,7 +47,7 @@ bool file_translate(const std::string& job, const std::string& step, const std::
     }
     std::vector<featureInfo> features;
     std::string message;
-    if (!wcref::GerberImport::read(path, layer, features, tool_counts, message)) {
+    if (!wcref::GerberImport::read(path, layer, features, tool_counts, message, &parameters)) {
         return false;
     }
     std::lock_guard<std::mutex> guard(store().mutex);
@@ -72,6 +73,19 @@ bool file_translate(const std::string& job, const std::string& step, const std::
     data = wcref::EngineLayerData{};
     for (featureInfo& f : features) {
         data.add(std::move(f));
+    }
+    if (parameters.format == "excellon" && parameters.zeros != "") {
+        // What the layer was read in, as the job's import reports it.
+        wcref::DrillNumberFormat read;
+        read.units = parameters.units;
+        read.zeros = parameters.zeros;
+        read.integer_digits = parameters.integer_digits;
+        read.decimal_digits = parameters.decimal_digits;
+        s->attributes[wcref::kDrillFormatKey + layer] =
+            wcref::DrillFormat::describe(read) +
+            (parameters.plating.empty() ? "" : ", " + parameters.plating);
+        s->attributes[wcref::kDrillFormatSourceKey + layer] =
+            parameters.format_source.empty() ? "given by the caller" : parameters.format_source;
     }
     ++s->editops;
     finished = std::time(nullptr);

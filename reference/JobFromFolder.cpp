@@ -3,6 +3,7 @@
 #include <glog/logging.h>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <algorithm>
@@ -12,6 +13,8 @@
 #include "CopperGeometry.h"
 #include "EngineStore.h"
 #include "GerberImport.h"
+#include "Ipc356.h"
+#include "LayerGuess.h"
 #include "StepRepeatGeometry.h"
 
 namespace wcref {
@@ -22,34 +25,36 @@ using Korvo::API::point;
 
 namespace {
 
-// Sorting rank of a guessed layer: top to bottom, then drills, outline and documents.
-int rank(const layer_info& l, int inner) {
-    const bool top = l.side == "top";
-    if (l.type == "silk_screen") {
-        return top ? 0 : 900;
-    }
-    if (l.type == "solder_paste") {
-        return top ? 10 : 890;
-    }
-    if (l.type == "solder_mask") {
-        return top ? 20 : 880;
-    }
-    if (l.type == "signal" || l.type == "power_ground" || l.type == "mixed") {
-        return top ? 100 : l.side == "bottom" ? 800 : 200 + inner;
-    }
-    if (l.type == "drill") {
-        return 1000;
-    }
-    if (l.type == "rout") {
-        return 1100;
-    }
-    return 1200;
+std::string drillFormatText(const Korvo::API::file_Parameters& p) {
+    DrillNumberFormat f;
+    f.units = p.units;
+    f.zeros = p.zeros;
+    f.integer_digits = p.integer_digits;
+    f.decimal_digits = p.decimal_digits;
+    return DrillFormat::describe(f) + (p.plating.empty() ? "" : ", " + p.plating);
 }
 
-int innerNumber(const QString& name) {
-    const QRegularExpressionMatch m =
-        QRegularExpression("(?:\\.gp?|-in|\\.group)(\\d+)").match(name);
-    return m.hasMatch() ? m.captured(1).toInt() : 0;
+bool isNetlist(const std::string& path) {
+    QFile file(QString::fromStdString(path));
+    return file.open(QIODevice::ReadOnly) &&
+           Ipc356::looksLikeNetlist(file.read(4096).toStdString());
+}
+
+// The folder's netlist, compared with the copper by the signal layer check; one that does not
+// parse is refused and the job opens without it.
+void readNetlist(const std::string& path, EngineJob& job) {
+    std::vector<TestPoint> points;
+    std::string why;
+    if (!Ipc356::read(path, points, why)) {
+        LOG(ERROR) << "netlist refused, the job opens without it: " << why;
+        return;
+    }
+    if (!job.netlist.empty()) {
+        LOG(WARNING) << "second netlist " << path << " ignored: the job has one";
+        return;
+    }
+    LOG(INFO) << "netlist " << path << ": " << points.size() << " test points";
+    job.netlist = std::move(points);
 }
 
 long long key(const point& p) {
@@ -61,58 +66,8 @@ long long key(const point& p) {
 }  // namespace
 
 layer_info JobFromFolder::guessLayer(const std::string& file_name, bool drill) {
-    const QString name = QString::fromStdString(file_name).toLower();
-    const QString ext = QFileInfo(name).suffix();
-    layer_info l;
-    l.name = name.toStdString();
-    l.context = "board";
-    l.polarity = "positive";
-    l.side = "none";
-    const auto is = [&](const char* pattern) {
-        return name.contains(QRegularExpression(QString::fromLatin1(pattern)));
-    };
-    const auto set = [&](const char* type, const char* side) {
-        l.type = type;
-        l.side = side;
-    };
-    if (drill) {
-        set("drill", "none");
-    } else if (ext == "gtl" || ext == "cmp" || ext == "top" || is("-f[._]cu\\.") ||
-               is("\\.(front|top|component)\\.gbr$")) {
-        set("signal", "top");
-    } else if (ext == "gbl" || ext == "sol" || ext == "bot" || is("-b[._]cu\\.") ||
-               is("\\.(back|bottom|solder)\\.gbr$")) {
-        set("signal", "bottom");
-    } else if (is("\\.g\\d+$") || is("-in\\d+[._]cu\\.") || is("\\.group\\d+\\.gbr$")) {
-        set("signal", "inner");
-    } else if (is("\\.gp\\d+$")) {
-        set("power_ground", "inner");
-    } else if (ext == "gts" || ext == "stc" || ext == "smt" || is("-f[._]mask\\.") ||
-               is("\\.(front|top)mask\\.")) {
-        set("solder_mask", "top");
-    } else if (ext == "gbs" || ext == "sts" || ext == "smb" || is("-b[._]mask\\.") ||
-               is("\\.(back|bottom)mask\\.")) {
-        set("solder_mask", "bottom");
-    } else if (ext == "gto" || ext == "plc" || ext == "sst" || is("-f[._]silks") ||
-               is("\\.(front|top)silk\\.")) {
-        set("silk_screen", "top");
-    } else if (ext == "gbo" || ext == "pls" || ext == "ssb" || is("-b[._]silks") ||
-               is("\\.(back|bottom)silk\\.")) {
-        set("silk_screen", "bottom");
-    } else if (ext == "gtp" || ext == "crc" || is("-f[._]paste\\.") ||
-               is("\\.(front|top)paste\\.")) {
-        set("solder_paste", "top");
-    } else if (ext == "gbp" || ext == "crs" || is("-b[._]paste\\.") ||
-               is("\\.(back|bottom)paste\\.")) {
-        set("solder_paste", "bottom");
-    } else if (ext == "gko" || ext == "gm1" || is("edge[._]cuts") || is("outline") ||
-               is("profile")) {
-        set("rout", "none");
-    } else {
-        set("document", "none");
-        l.context = "misc";
-    }
-    return l;
+    // The name alone: attributes and content are not known here.
+    return layerguess::guess(file_name, drill, X2Attributes{}, {}).info;
 }
 
 bool JobFromFolder::build(const std::string& job_name, const std::string& folder, EngineJob& job,
@@ -127,52 +82,87 @@ bool JobFromFolder::build(const std::string& job_name, const std::string& folder
     job.path = folder;
     EngineStep step;
     step.name = "pcb";
-    std::vector<std::pair<int, layer_info>> rows;
+    std::vector<LayerGuess> rows;
+    // Copper and the other Gerber layers first: the drill files are read in the format that
+    // registers their holes onto the pads of the outer copper layers.
+    std::vector<QFileInfo> drills;
     for (const QFileInfo& file : dir.entryInfoList(QDir::Files | QDir::Readable, QDir::Name)) {
+        const std::string path = file.absoluteFilePath().toStdString();
+        bool drill = false;
+        std::string why;
+        if (!GerberImport::kind(path, drill, why)) {
+            if (isNetlist(path)) {
+                readNetlist(path, job);
+            } else {
+                LOG(INFO) << "job " << job_name << " skips " << why;
+            }
+            continue;
+        }
+        if (drill) {
+            drills.push_back(file);
+            continue;
+        }
+        const std::string name = guessLayer(file.fileName().toStdString(), false).name;
+        std::vector<featureInfo> features;
+        std::map<int, int> counts;
+        if (!GerberImport::read(path, name, features, counts, why)) {
+            continue;  // logged by the importer
+        }
+        // The file's own attributes first, then its name, then what it holds.
+        rows.push_back(layerguess::guessFile(path, false, features));
+        rows.back().info.name = name;
+        EngineLayerData& data = step.layers[name];
+        for (featureInfo& f : features) {
+            data.add(std::move(f));
+        }
+    }
+    // The outer copper as the stack will have it (a board of numbered layers only gets its
+    // first and last as top and bottom).
+    layerguess::settleLayers(rows);
+    std::vector<PadSite> copper;
+    for (const LayerGuess& g : rows) {
+        if ((g.info.type == "signal" || g.info.type == "mixed" || g.info.type == "power_ground") &&
+            g.info.polarity != "negative" && (g.info.side == "top" || g.info.side == "bottom")) {
+            const std::vector<PadSite> sites =
+                GerberImport::padSites(step.layers[g.info.name].features);
+            copper.insert(copper.end(), sites.begin(), sites.end());
+        }
+    }
+    for (const QFileInfo& file : drills) {
         const std::string path = file.absoluteFilePath().toStdString();
         std::string format;
         Korvo::API::file_Parameters parameters;
         std::string why;
-        if (!GerberImport::identify(path, format, parameters, why)) {
-            LOG(INFO) << "job " << job_name << " skips " << why;
-            continue;
-        }
-        layer_info row = guessLayer(file.fileName().toStdString(), format == "excellon");
-        std::vector<featureInfo> features;
-        std::map<int, int> counts;
-        if (!GerberImport::read(path, row.name, features, counts, why)) {
+        if (!GerberImport::identify(path, format, parameters, why, copper)) {
             continue;  // logged by the importer
         }
-        EngineLayerData& data = step.layers[row.name];
+        const std::string name = guessLayer(file.fileName().toStdString(), true).name;
+        std::vector<featureInfo> features;
+        std::map<int, int> counts;
+        if (!GerberImport::read(path, name, features, counts, why, &parameters)) {
+            continue;
+        }
+        LOG(INFO) << "job " << job_name << ": " << file.fileName().toStdString() << " read as "
+                  << drillFormatText(parameters) << ", " << parameters.format_source;
+        step.attributes[kDrillFormatKey + name] = drillFormatText(parameters);
+        step.attributes[kDrillFormatSourceKey + name] = parameters.format_source;
+        rows.push_back(layerguess::guessFile(path, true, features));
+        rows.back().info.name = name;
+        EngineLayerData& data = step.layers[name];
         for (featureInfo& f : features) {
             data.add(std::move(f));
         }
-        rows.emplace_back(rank(row, innerNumber(file.fileName().toLower())), row);
     }
     if (rows.empty()) {
         message = "folder \"" + folder + "\" holds no Gerber or Excellon file";
         return false;
     }
-    std::stable_sort(rows.begin(), rows.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::string first_copper;
-    std::string last_copper;
-    for (size_t k = 0; k < rows.size(); ++k) {
-        rows[k].second.row = static_cast<int>(k) + 1;
-        const std::string& type = rows[k].second.type;
-        if (type == "signal" || type == "power_ground" || type == "mixed") {
-            if (first_copper.empty()) {
-                first_copper = rows[k].second.name;
-            }
-            last_copper = rows[k].second.name;
-        }
-    }
+    // Matrix order, row numbers and drill spans.
+    layerguess::settleLayers(rows);
     std::set<long long> drilled;
-    for (auto& entry : rows) {
-        layer_info& row = entry.second;
+    for (const LayerGuess& guess : rows) {
+        const layer_info& row = guess.info;
         if (row.type == "drill") {
-            row.drill_start = first_copper;
-            row.drill_end = last_copper;
             for (const featureInfo& f : step.layers[row.name].features) {
                 if (f.type == Korvo::API::feature_pad) {
                     drilled.insert(key(f.start));

@@ -2,18 +2,19 @@
 // Builds a whole job from a folder of Gerber and Excellon files: one layer per file that
 // libgerbv reads, in step "pcb".
 //
-// Layers are named after their files (lower case) and typed, sided and ordered from the
-// common file-name conventions: .GTL/.GBL/.Gn/.GPn, "*-F_Cu", "*-B_Cu", "*-In<n>_Cu",
-// "*.front.gbr", "*.back.gbr", "*.group<n>.gbr" copper; .GTS/.GBS, "*-F_Mask", "*.frontmask.*"
-// solder mask; .GTO/.GBO, "*-F_SilkS", "*.frontsilk.*" silk screen; .GTP/.GBP paste;
-// .GKO/.GM1, "*-Edge_Cuts", "outline" the board outline (a "rout" layer); every Excellon
-// file is a drill layer spanning the outer copper layers; anything else is a "document" layer
-// in the "misc" context. Order: top silk, paste, mask, copper from top to bottom, bottom mask,
-// paste, silk, drills, outline, documents.
+// Layers are named after their files (lower case) and typed, sided and ordered by LayerGuess:
+// from the files' Gerber X2 attributes, then the common file-name conventions, then their
+// content (an Excellon file is a drill layer, a file of closed thin outlines the profile);
+// anything undecided is a "document" layer in the "misc" context, for the user to type in the
+// matrix (change_matrix). Drill layers span the copper their attributes name, else the outer
+// copper layers. An IPC-D-356 netlist in the folder becomes the job's netlist; one that does
+// not parse is refused (logged) and the job opens without it.
 //
 // The profile is the convex hull of the outline layer when there is one, else the box of all
 // board layers. Pads of the outer copper layers with no drill at their centre get the ".smd"
-// attribute, drill pads the ".drill" attribute "plated". Files libgerbv cannot identify
+// attribute. Gerber files are read first; each drill file is then read in the coordinate
+// format that registers its holes onto the pads of the outer copper layers (DrillFormat), and
+// its pads get the ".drill" attribute "plated" or "non_plated". Files libgerbv cannot identify
 // (read-me texts, pictures) are skipped; a folder without any layer is refused.
 
 #include <string>
@@ -21,6 +22,11 @@
 #include "EngineJob.h"
 
 namespace wcref {
+
+// Step attributes `build` leaves for each drill layer <name>: the coordinate format it was read
+// in ("INCH,LZ 2:3, plated") and how that was chosen ("header (98% of 427 holes on pads)").
+inline const std::string kDrillFormatKey = "drill_format.";
+inline const std::string kDrillFormatSourceKey = "drill_format_source.";
 
 class JobFromFolder {
 public:

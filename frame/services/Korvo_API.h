@@ -29,6 +29,25 @@ std::string get_matrix(const std::string& job, std::vector<std::string>& steps,
                        std::vector<layer_info>& layers);
 std::string get_matrix(const std::string& job, std::map<int, std::string>& steps,
                        std::vector<layer_info>& layers);
+// Edits the matrix row `row` (rows count from 1), which must hold the layer `layer`, so that a
+// caller working from an old copy of the matrix edits nothing: the layer takes the name,
+// context, type, polarity, side and drill span of `info` (`info.row` is not read) and moves to
+// `new_row`, the layers in between moving by one row. A renamed layer keeps its features in
+// every step, and drill spans naming it follow the new name. Each step's edit counter goes up
+// by one. Refused, with the reason logged and the matrix unchanged: an unknown job; a row or
+// new row outside 1..layer count; a layer that is not in that row; an empty name, one with
+// white space, or one another layer has; a context other than "board" or "misc"; an unknown
+// type, polarity or side, or a side the type cannot have (copper is top, inner or bottom; mask,
+// silk and paste top or bottom; drill and rout none); a drill span on a layer that is not a
+// drill layer, with one end only, or with an end that is not a copper layer of the job; and
+// changing a copper layer that a drill layer spans into something else.
+bool change_matrix(const std::string& job, int row, int new_row, const std::string& layer,
+                   const layer_info& info);
+// Moves the layer in row `from` to row `to` (rows count from 1), the layers in between moving
+// by one row; each step's edit counter goes up by one. Refused, with the reason logged and the
+// matrix unchanged, for an unknown job or a row outside 1..layer count. A move onto its own
+// row changes nothing and answers true.
+bool move_layer_poi(const std::string& job, int from, int to);
 // The layers currently displayed, in the same shape as get_matrix.
 std::string get_graphics(const std::string& job, std::vector<std::string>& steps,
                          std::vector<layer_info>& layers);
