@@ -101,6 +101,55 @@ GeoBox capsuleBox(const Capsule& c) {
                   GeoPoint(std::max(c.a.x, c.b.x) + c.radius, std::max(c.a.y, c.b.y) + c.radius));
 }
 
+// The point of the band's middle arc at `angle`.
+point arcAt(const ArcBand& arc, double angle) {
+    return {arc.centre.x + arc.radius * std::cos(angle),
+            arc.centre.y + arc.radius * std::sin(angle)};
+}
+
+// Whether the direction `angle` lies within the arc's sweep.
+bool inSweep(const ArcBand& arc, double angle) {
+    constexpr double kSlack = 1e-12;
+    double turn = std::fmod(angle - arc.start, 2 * kPi);
+    if (turn < 0) {
+        turn += 2 * kPi;
+    }
+    return turn <= arc.sweep + kSlack || turn >= 2 * kPi - kSlack;
+}
+
+GeoBox arcBox(const ArcBand& arc) {
+    const point a = arcAt(arc, arc.start);
+    const point b = arcAt(arc, arc.start + arc.sweep);
+    GeoBox box(GeoPoint(std::min(a.x, b.x), std::min(a.y, b.y)),
+               GeoPoint(std::max(a.x, b.x), std::max(a.y, b.y)));
+    for (int k = 0; k < 4; ++k) {  // the extreme points the arc passes
+        if (inSweep(arc, k * kPi / 2)) {
+            const point p = arcAt(arc, k * kPi / 2);
+            bg::expand(box, GeoPoint(p.x, p.y));
+        }
+    }
+    const double w = arc.half_width;
+    return GeoBox(GeoPoint(box.min_corner().x() - w, box.min_corner().y() - w),
+                  GeoPoint(box.max_corner().x() + w, box.max_corner().y() + w));
+}
+
+// Distance from `p` to the middle arc and the arc point that realises it: the radial
+// projection when it falls within the sweep, else the nearer end.
+double pointArc(const point& p, const ArcBand& arc, point& on_arc) {
+    const point v = sub(p, arc.centre);
+    const double r = length(v);
+    if (r > 0 && inSweep(arc, std::atan2(v.y, v.x))) {
+        on_arc = add(arc.centre, scale(v, arc.radius / r));
+        return std::abs(r - arc.radius);
+    }
+    const point a = arcAt(arc, arc.start);
+    const point b = arcAt(arc, arc.start + arc.sweep);
+    const double da = length(sub(p, a));
+    const double db = length(sub(p, b));
+    on_arc = da <= db ? a : b;
+    return std::min(da, db);
+}
+
 // Calls `visit(p, q)` for every edge of every ring of the polygon.
 template <typename Visit>
 void forEachEdge(const GeoPolygon& polygon, Visit visit) {
@@ -115,31 +164,124 @@ void forEachEdge(const GeoPolygon& polygon, Visit visit) {
     }
 }
 
+// The closest pair found so far. Among pairs equally close (to a femtometre), one taken
+// halfway along parallel edges or concentric arcs is kept: there the gap is shown and judged
+// away from the ends, where other copper may close it.
 struct Best {
     double distance = std::numeric_limits<double>::infinity();
     point a;
     point b;
-    void offer(double d, const point& pa, const point& pb) {
-        if (d < distance) {
+    bool centred = false;
+    void offer(double d, const point& pa, const point& pb, bool is_centred = false) {
+        constexpr double kTie = 1e-6;
+        if (d < distance - kTie || (d <= distance + kTie && (is_centred || !centred) &&
+                                    (d < distance || (is_centred && !centred)))) {
             distance = d;
             a = pa;
             b = pb;
+            centred = is_centred;
         }
     }
 };
 
-// Capsule against capsule: exact.
-void capsuleCapsule(const Capsule& x, const Capsule& y, Best& best) {
-    point cx;
-    point cy;
-    const double axis = CopperGeometry::segmentDistance(x.a, x.b, y.a, y.b, cx, cy);
-    const double d = axis - x.radius - y.radius;
+// Closest points of two segments. Parallel segments whose projections overlap are closest
+// along a whole stretch: take its middle, so that a gap between parallel edges is shown, and
+// judged, halfway along rather than at one end where other copper may close it.
+double closestCentred(const point& p1, const point& q1, const point& p2, const point& q2, point& c1,
+                      point& c2, bool& centred) {
+    centred = false;
+    const double d = CopperGeometry::segmentDistance(p1, q1, p2, q2, c1, c2);
+    const point u = sub(q1, p1);
+    const point v = sub(q2, p2);
+    const double cross = u.x * v.y - u.y * v.x;
+    const double uu = dot(u, u);
+    const double vv = dot(v, v);
+    if (uu <= 0 || vv <= 0 || cross * cross > 1e-24 * uu * vv) {
+        return d;
+    }
+    const double lu = std::sqrt(uu);
+    const double lv = std::sqrt(vv);
+    const point e = scale(u, 1.0 / lu);
+    const double s0 = dot(sub(p2, p1), e);
+    const double s1 = dot(sub(q2, p1), e);
+    const double lo = std::max(0.0, std::min(s0, s1));
+    const double hi = std::min(lu, std::max(s0, s1));
+    if (hi <= lo) {
+        return d;
+    }
+    c1 = add(p1, scale(e, (lo + hi) / 2));
+    const point f = scale(v, 1.0 / lv);
+    c2 = add(p2, scale(f, std::clamp(dot(sub(c1, p2), f), 0.0, lv)));
+    centred = true;
+    return length(sub(c1, c2));
+}
+
+// Two middle lines `axis` apart at `cx` and `cy`, widened by `rx` and `ry`: the copper's
+// distance and points, exact because a widened curve's edge lies along the normal.
+void offerWidened(double axis, const point& cx, const point& cy, double rx, double ry, Best& best,
+                  bool centred = false) {
+    const double d = axis - rx - ry;
     if (d <= 0) {
         best.offer(0.0, cx, cy);
         return;
     }
     const point direction = scale(sub(cy, cx), 1.0 / axis);
-    best.offer(d, add(cx, scale(direction, x.radius)), sub(cy, scale(direction, y.radius)));
+    best.offer(d, add(cx, scale(direction, rx)), sub(cy, scale(direction, ry)), centred);
+}
+
+// Capsule against capsule: exact.
+void capsuleCapsule(const Capsule& x, const Capsule& y, Best& best) {
+    point cx;
+    point cy;
+    bool centred = false;
+    const double axis = closestCentred(x.a, x.b, y.a, y.b, cx, cy, centred);
+    offerWidened(axis, cx, cy, x.radius, y.radius, best, centred);
+}
+
+void arcCapsule(const ArcBand& x, const Capsule& y, Best& best) {
+    point cx;
+    point cy;
+    const double axis = CopperGeometry::arcSegmentDistance(x, y.a, y.b, cx, cy);
+    offerWidened(axis, cx, cy, x.half_width, y.radius, best);
+}
+
+void arcArc(const ArcBand& x, const ArcBand& y, Best& best) {
+    point cx;
+    point cy;
+    const double axis = CopperGeometry::arcArcDistance(x, y, cx, cy);
+    const bool concentric = x.centre.x == y.centre.x && x.centre.y == y.centre.y;
+    offerWidened(axis, cx, cy, x.half_width, y.half_width, best, concentric);
+}
+
+// Arc band against polygon: the middle arc against the polygon's edges, less the half width;
+// 0 when the arc starts inside the polygon (then it crosses no edge or lies inside).
+void arcPolygon(const ArcBand& arc, const GeoPolygon& polygon, Best& best) {
+    const point start = arcAt(arc, arc.start);
+    if (bg::covered_by(GeoPoint(start.x, start.y), polygon)) {
+        best.offer(0.0, start, start);
+        return;
+    }
+    Best axis;
+    forEachEdge(polygon, [&](const point& p, const point& q) {
+        // No nearer than the edge is to the whole circle: skip edges that cannot do better.
+        point on_arc;
+        point on_edge;
+        const double inner =
+            CopperGeometry::segmentDistance(p, q, arc.centre, arc.centre, on_edge, on_arc);
+        const double outer = std::max(length(sub(p, arc.centre)), length(sub(q, arc.centre)));
+        if (std::max({0.0, inner - arc.radius, arc.radius - outer}) >= axis.distance) {
+            return;
+        }
+        const double d = CopperGeometry::arcSegmentDistance(arc, p, q, on_arc, on_edge);
+        axis.offer(d, on_arc, on_edge);
+    });
+    if (axis.distance - arc.half_width <= 0) {
+        best.offer(0.0, axis.b, axis.b);
+        return;
+    }
+    const point direction = scale(sub(axis.b, axis.a), 1.0 / axis.distance);
+    best.offer(axis.distance - arc.half_width, add(axis.a, scale(direction, arc.half_width)),
+               axis.b);
 }
 
 // Capsule against polygon: the capsule's axis against the polygon's edges, less the radius.
@@ -153,15 +295,17 @@ void capsulePolygon(const Capsule& c, const GeoPolygon& polygon, Best& best) {
     forEachEdge(polygon, [&](const point& p, const point& q) {
         point on_axis;
         point on_edge;
-        const double d = CopperGeometry::segmentDistance(c.a, c.b, p, q, on_axis, on_edge);
-        axis.offer(d, on_axis, on_edge);
+        bool centred = false;
+        const double d = closestCentred(c.a, c.b, p, q, on_axis, on_edge, centred);
+        axis.offer(d, on_axis, on_edge, centred);
     });
     if (axis.distance - c.radius <= 0) {
         best.offer(0.0, axis.b, axis.b);
         return;
     }
     const point direction = scale(sub(axis.b, axis.a), 1.0 / axis.distance);
-    best.offer(axis.distance - c.radius, add(axis.a, scale(direction, c.radius)), axis.b);
+    best.offer(axis.distance - c.radius, add(axis.a, scale(direction, c.radius)), axis.b,
+               axis.centred);
 }
 
 void polygonPolygon(const GeoPolygon& x, const GeoPolygon& y, Best& best) {
@@ -184,8 +328,9 @@ void polygonPolygon(const GeoPolygon& x, const GeoPolygon& y, Best& best) {
         forEachEdge(y, [&](const point& p2, const point& q2) {
             point c1;
             point c2;
-            const double d = CopperGeometry::segmentDistance(p1, q1, p2, q2, c1, c2);
-            best.offer(d, c1, c2);
+            bool centred = false;
+            const double d = closestCentred(p1, q1, p2, q2, c1, c2, centred);
+            best.offer(d, c1, c2, centred);
         });
     });
 }
@@ -309,25 +454,24 @@ CopperShape CopperGeometry::copperOf(const featureInfo& f) {
             break;
         case Korvo::API::feature_line:
         case Korvo::API::feature_arc: {
+            const double half = size.width / 2;
+            const bool arc = f.type == Korvo::API::feature_arc;
+            if (arc && size.kind == SymbolSize::round && length(sub(f.start, f.center)) >= 1.0) {
+                const ArcBand band = arcBand(f.start, f.end, f.center, f.clockwise, half);
+                shape.arcs.push_back(band);
+                // The file's end point off the arc's circle: join it to the arc's end.
+                const point end = arcAt(band, f.clockwise ? band.start : band.start + band.sweep);
+                if (length(sub(end, f.end)) > 0.25) {
+                    shape.capsules.push_back({end, f.end, half});
+                }
+                break;
+            }
             std::vector<point> axis{f.start, f.end};
-            if (f.type == Korvo::API::feature_arc) {
-                axis = arcPoints(f.start, f.end, f.center, f.clockwise, size.width / 2);
+            if (arc && length(sub(f.start, f.center)) >= 1.0) {
+                axis = arcPoints(f.start, f.end, f.center, f.clockwise, half);
             }
             if (size.kind == SymbolSize::round) {
-                // Chords cut inside the arc: widen them by the sagitta of the outer edge so
-                // that the flattened arc covers the true one and what touches it still does.
-                double widen = 0;
-                if (f.type == Korvo::API::feature_arc && axis.size() > 1) {
-                    const double r = length(sub(f.start, f.center));
-                    const double half_chord = length(sub(axis[1], axis[0])) / 2;
-                    if (r > 0 && half_chord < r) {
-                        widen = (r - std::sqrt(r * r - half_chord * half_chord)) *
-                                (r + size.width / 2) / r;
-                    }
-                }
-                for (size_t k = 0; k + 1 < axis.size(); ++k) {
-                    shape.capsules.push_back({axis[k], axis[k + 1], size.width / 2 + widen});
-                }
+                shape.capsules.push_back({axis.front(), axis.back(), half});
             } else if (size.kind != SymbolSize::none) {
                 const std::vector<point> outline = symbolOutline(size);
                 for (size_t k = 0; k + 1 < axis.size(); ++k) {
@@ -353,12 +497,141 @@ CopperShape CopperGeometry::copperOf(const featureInfo& f) {
     for (const Capsule& c : shape.capsules) {
         expand(shape.box, first, capsuleBox(c));
     }
+    for (const ArcBand& a : shape.arcs) {
+        expand(shape.box, first, arcBox(a));
+    }
     for (const GeoPolygon& p : shape.polygons) {
         for (const GeoPoint& v : p.outer()) {
             expand(shape.box, first, GeoBox(v, v));
         }
     }
     return shape;
+}
+
+ArcBand CopperGeometry::arcBand(const point& start, const point& end, const point& centre,
+                                bool clockwise, double half_width) {
+    const double a0 = std::atan2(start.y - centre.y, start.x - centre.x);
+    const double a1 = std::atan2(end.y - centre.y, end.x - centre.x);
+    double sweep = clockwise ? a0 - a1 : a1 - a0;
+    while (sweep <= 1e-12) {
+        sweep += 2 * kPi;  // equal ends make a full circle, as in arcPoints
+    }
+    ArcBand band;
+    band.centre = centre;
+    band.radius = length(sub(start, centre));
+    band.start = clockwise ? a1 : a0;
+    band.sweep = std::min(sweep, 2 * kPi);
+    band.half_width = half_width;
+    return band;
+}
+
+double CopperGeometry::arcSegmentDistance(const ArcBand& arc, const point& p, const point& q,
+                                          point& on_arc, point& on_segment) {
+    Best best;
+    point on;
+    // The segment's ends against the arc, the arc's ends against the segment.
+    best.offer(pointArc(p, arc, on), on, p);
+    best.offer(pointArc(q, arc, on), on, q);
+    for (const double angle : {arc.start, arc.start + arc.sweep}) {
+        const point e = arcAt(arc, angle);
+        point c;
+        point same;
+        best.offer(segmentDistance(p, q, e, e, c, same), e, c);
+    }
+    const point d = sub(q, p);
+    const double dd = dot(d, d);
+    if (dd > 0 && best.distance > 0) {
+        // Inside both: the segment point nearest the centre, and the arc point on its radius;
+        // or where the segment crosses the circle.
+        const double t = dot(sub(arc.centre, p), d) / dd;
+        const point foot = add(p, scale(d, t));
+        const point radial = sub(foot, arc.centre);
+        const double h = length(radial);
+        if (t > 0 && t < 1 && h > 0 && inSweep(arc, std::atan2(radial.y, radial.x))) {
+            best.offer(std::abs(h - arc.radius), add(arc.centre, scale(radial, arc.radius / h)),
+                       foot);
+        }
+        if (h <= arc.radius) {
+            const double along = std::sqrt(arc.radius * arc.radius - h * h) / std::sqrt(dd);
+            for (const double s : {t - along, t + along}) {
+                const point x = add(p, scale(d, s));
+                if (s >= 0 && s <= 1 &&
+                    inSweep(arc, std::atan2(x.y - arc.centre.y, x.x - arc.centre.x))) {
+                    best.offer(0.0, x, x);
+                }
+            }
+        }
+    }
+    on_arc = best.a;
+    on_segment = best.b;
+    return best.distance;
+}
+
+double CopperGeometry::arcArcDistance(const ArcBand& a, const ArcBand& b, point& on_a,
+                                      point& on_b) {
+    Best best;
+    point on;
+    const point v = sub(b.centre, a.centre);
+    const double gap = length(v);
+    if (gap == 0) {
+        // Concentric: where the sweeps share directions the radii differ by the distance; take
+        // the middle of the shared turn that starts at one arc's start.
+        for (const auto& first : {std::make_pair(&a, &b), std::make_pair(&b, &a)}) {
+            const ArcBand& x = *first.first;
+            const ArcBand& y = *first.second;
+            if (!inSweep(y, x.start)) {
+                continue;
+            }
+            double into = std::fmod(x.start - y.start, 2 * kPi);
+            if (into < 0) {
+                into += 2 * kPi;
+            }
+            const double shared = std::min(x.sweep, std::max(0.0, y.sweep - into));
+            const double angle = x.start + shared / 2;
+            best.offer(std::abs(a.radius - b.radius), arcAt(a, angle), arcAt(b, angle), true);
+            break;
+        }
+    }
+    // Each arc's ends against the other arc.
+    for (const double angle : {a.start, a.start + a.sweep}) {
+        const point e = arcAt(a, angle);
+        best.offer(pointArc(e, b, on), e, on);
+    }
+    for (const double angle : {b.start, b.start + b.sweep}) {
+        const point e = arcAt(b, angle);
+        best.offer(pointArc(e, a, on), on, e);
+    }
+    if (gap > 0) {
+        // Inside both sweeps, closest points lie on the line through the two centres.
+        const double towards = std::atan2(v.y, v.x);
+        for (const double ta : {towards, towards + kPi}) {
+            for (const double tb : {towards, towards + kPi}) {
+                if (inSweep(a, ta) && inSweep(b, tb)) {
+                    const point pa = arcAt(a, ta);
+                    const point pb = arcAt(b, tb);
+                    best.offer(length(sub(pa, pb)), pa, pb);
+                }
+            }
+        }
+        // Where the circles cross.
+        if (gap <= a.radius + b.radius && gap >= std::abs(a.radius - b.radius)) {
+            const double along =
+                (gap * gap + a.radius * a.radius - b.radius * b.radius) / (2 * gap);
+            const double across = std::sqrt(std::max(0.0, a.radius * a.radius - along * along));
+            const point u = scale(v, 1.0 / gap);
+            const point base = add(a.centre, scale(u, along));
+            for (const double side : {-1.0, 1.0}) {
+                const point x = add(base, scale(point{-u.y, u.x}, side * across));
+                if (inSweep(a, std::atan2(x.y - a.centre.y, x.x - a.centre.x)) &&
+                    inSweep(b, std::atan2(x.y - b.centre.y, x.x - b.centre.x))) {
+                    best.offer(0.0, x, x);
+                }
+            }
+        }
+    }
+    on_a = best.a;
+    on_b = best.b;
+    return best.distance;
 }
 
 double CopperGeometry::distance(const CopperShape& a, const CopperShape& b, point& on_a,
@@ -372,11 +645,32 @@ double CopperGeometry::distance(const CopperShape& a, const CopperShape& b, poin
             capsulePolygon(x, y, best);
         }
     }
+    for (const ArcBand& x : a.arcs) {
+        for (const Capsule& y : b.capsules) {
+            arcCapsule(x, y, best);
+        }
+        for (const ArcBand& y : b.arcs) {
+            arcArc(x, y, best);
+        }
+        for (const GeoPolygon& y : b.polygons) {
+            arcPolygon(x, y, best);
+        }
+    }
+    for (const ArcBand& y : b.arcs) {
+        Best swapped;
+        for (const Capsule& x : a.capsules) {
+            arcCapsule(y, x, swapped);
+        }
+        for (const GeoPolygon& x : a.polygons) {
+            arcPolygon(y, x, swapped);
+        }
+        best.offer(swapped.distance, swapped.b, swapped.a, swapped.centred);
+    }
     for (const GeoPolygon& x : a.polygons) {
         for (const Capsule& y : b.capsules) {
             Best swapped;
             capsulePolygon(y, x, swapped);
-            best.offer(swapped.distance, swapped.b, swapped.a);
+            best.offer(swapped.distance, swapped.b, swapped.a, swapped.centred);
         }
         for (const GeoPolygon& y : b.polygons) {
             polygonPolygon(x, y, best);

@@ -1,14 +1,20 @@
 #pragma once
 // The copper a feature covers, as the reference engine measures it.
 //
-// Round things stay exact: a round pad is a disc, a line or a slot drawn with a round or oval
-// symbol is a capsule (a segment widened by a radius, round ends), so distances between them
-// are exact. Everything else becomes Boost.Geometry polygons: square and rectangular pads,
-// lines drawn with square or rectangular symbols (the hull of the symbol at both ends),
-// surfaces with their holes, and pads whose outline is kept (macro and polygon apertures).
-// Arcs are flattened into capsules along chords, widened by the chords' sagitta so that they
-// cover the true arc: an arc's edge lies at most kMaxChordError outside the true edge, never
-// inside it, so nothing that touches an arc loses contact and no violation is missed.
+// Round things stay exact: a round pad is a disc, an oval pad and a line drawn with a round
+// symbol are capsules (a segment widened by a radius, round ends), and an arc drawn with a
+// round symbol is an arc band (the points within half the width of the circular arc: an
+// annular sector with round ends), so distances between them are exact, also between arcs
+// and between an arc and a polygon. Everything else becomes Boost.Geometry polygons: square
+// and rectangular pads, lines drawn with square or rectangular symbols (the hull of the symbol
+// at both ends), surfaces with their holes, and pads whose outline is kept (macro and polygon
+// apertures). Lines and arcs drawn with oval symbols are hulls of the flattened symbol, and arcs
+// drawn with square, rectangular or oval symbols stay polygonal: hulls of the symbol along
+// chords of at most kMaxChordError, which may cut up to that much inside the true edge.
+//
+// An arc's radius is its start point's distance from the centre. When the file's end point
+// lies off that circle (rounded centre offsets), a capsule of the arc's width joins the arc's
+// end to the file's end point, so that what touches the end point in the file still does.
 //
 // Symbol names in the engine's spelling, sizes in mil: "r<d>" round, "s<w>" square,
 // "rect<w>x<h>" rectangle, "oval<w>x<h>" obround. A pad with an unknown symbol name and no
@@ -30,8 +36,9 @@ using GeoPoint = bg::model::d2::point_xy<double>;
 using GeoPolygon = bg::model::polygon<GeoPoint>;  // clockwise, closed
 using GeoBox = bg::model::box<GeoPoint>;
 
-// Largest distance between a chord and the arc it replaces, in nanometres (0.02 mil). With the
-// widening, a distance measured to an arc is short by at most three times this (0.06 mil).
+// Largest distance between a chord and the arc it replaces, in nanometres (0.02 mil): for
+// outlines of round and oval symbols, contours of surfaces and arcs drawn with non-round
+// symbols.
 constexpr double kMaxChordError = 500.0;
 
 // Nanometres per mil.
@@ -51,11 +58,23 @@ struct Capsule {
     double radius = 0.0;
 };
 
+// The points within `half_width` of the circular arc of `radius` about `centre` that starts
+// at angle `start` and turns `sweep` radians counter-clockwise: an annular sector with round
+// ends. A full circle turns 2 pi.
+struct ArcBand {
+    Korvo::API::point centre;
+    double radius = 0.0;
+    double start = 0.0;  // radians
+    double sweep = 0.0;  // radians, in (0, 2 pi]
+    double half_width = 0.0;
+};
+
 struct CopperShape {
     std::vector<Capsule> capsules;
+    std::vector<ArcBand> arcs;
     std::vector<GeoPolygon> polygons;
     GeoBox box{GeoPoint(0, 0), GeoPoint(0, 0)};
-    bool empty() const { return capsules.empty() && polygons.empty(); }
+    bool empty() const { return capsules.empty() && arcs.empty() && polygons.empty(); }
 };
 
 class CopperGeometry {
@@ -77,10 +96,23 @@ public:
 
     static CopperShape copperOf(const Korvo::API::featureInfo& feature);
 
+    // The arc from `start` to `end` about `centre` (a full circle when they coincide) widened
+    // by `half_width`; radius and start angle from `start`, end angle from `end`.
+    static ArcBand arcBand(const Korvo::API::point& start, const Korvo::API::point& end,
+                           const Korvo::API::point& centre, bool clockwise, double half_width);
+
     // Shortest distance between two shapes and the two points that realise it; 0 when they
     // touch or overlap (the points then lie on the contact).
     static double distance(const CopperShape& a, const CopperShape& b, Korvo::API::point& on_a,
                            Korvo::API::point& on_b);
+
+    // Closest points of the arc band's middle arc (half width ignored) and the segment p-q,
+    // and of two middle arcs; return their distance, 0 where they cross.
+    static double arcSegmentDistance(const ArcBand& arc, const Korvo::API::point& p,
+                                     const Korvo::API::point& q, Korvo::API::point& on_arc,
+                                     Korvo::API::point& on_segment);
+    static double arcArcDistance(const ArcBand& a, const ArcBand& b, Korvo::API::point& on_a,
+                                 Korvo::API::point& on_b);
 
     // Closest points of segments p1-q1 and p2-q2; returns their distance.
     static double segmentDistance(const Korvo::API::point& p1, const Korvo::API::point& q1,

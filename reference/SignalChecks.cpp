@@ -3,6 +3,7 @@
 #include <glog/logging.h>
 
 #include <algorithm>
+#include <array>
 #include <boost/geometry/index/rtree.hpp>
 #include <chrono>
 #include <cmath>
@@ -10,6 +11,7 @@
 
 #include "CopperGeometry.h"
 #include "StepRepeatGeometry.h"
+#include "UnionFind.h"
 
 namespace wcref {
 
@@ -21,6 +23,30 @@ namespace {
 // Features closer than this touch: engine lengths are whole nanometres.
 constexpr double kTouch = 0.5;
 
+// A measured distance counts as below a limit only when it is below by more than this: a
+// layout at exactly the limit, read from inches or millimetres, lands a few femtometres either
+// side of it.
+constexpr double kLimitSlack = 1e-3;
+
+bool below(double value, double limit) {
+    return value < limit - kLimitSlack;
+}
+
+bool samePoint(const point& a, const point& b) {
+    return std::abs(a.x - b.x) <= kTouch && std::abs(a.y - b.y) <= kTouch;
+}
+
+// A gap's two ends to the nanometre, in either order.
+std::array<long long, 4> gapKey(const point& a, const point& b) {
+    std::array<long long, 4> key{std::llround(a.x), std::llround(a.y), std::llround(b.x),
+                                 std::llround(b.y)};
+    if (std::make_pair(key[2], key[3]) < std::make_pair(key[0], key[1])) {
+        std::swap(key[0], key[2]);
+        std::swap(key[1], key[3]);
+    }
+    return key;
+}
+
 enum Kind { kPad, kLine, kArc, kSurface };
 
 struct Piece {
@@ -28,6 +54,7 @@ struct Piece {
     Kind kind = kPad;
     bool smd = false;
     bool in_scope = true;
+    int net = -1;  // index into SignalCheckInput::net_names
     CopperShape shape;
 };
 
@@ -38,22 +65,6 @@ GeoBox grown(const GeoBox& box, double by) {
     return GeoBox(GeoPoint(box.min_corner().x() - by, box.min_corner().y() - by),
                   GeoPoint(box.max_corner().x() + by, box.max_corner().y() + by));
 }
-
-class UnionFind {
-public:
-    explicit UnionFind(size_t n) : parent_(n) { std::iota(parent_.begin(), parent_.end(), 0); }
-    size_t find(size_t x) {
-        while (parent_[x] != x) {
-            parent_[x] = parent_[parent_[x]];
-            x = parent_[x];
-        }
-        return x;
-    }
-    void join(size_t a, size_t b) { parent_[find(a)] = find(b); }
-
-private:
-    std::vector<size_t> parent_;
-};
 
 // Reports progress and polls the stop flag at most every 20 ms of work.
 class Poller {
@@ -126,6 +137,14 @@ signal_layers_checks_items spacingItem(const Piece& a, const Piece& b, bool smd_
          sli_surface_to_surface_spacing},
     };
     return table[x][y];
+}
+
+// The same-net item of a pair of one net: pads with pads, pads with anything else, the rest.
+signal_layers_checks_items sameNetItem(const Piece& a, const Piece& b) {
+    if (a.kind == kPad && b.kind == kPad) {
+        return sli_same_net_pad_to_pad;
+    }
+    return a.kind == kPad || b.kind == kPad ? sli_same_net_pad_to_line : sli_same_net_line_to_line;
 }
 
 bool insideArea(const GeoBox& box, const SignalCheckInput& input, int scope) {
@@ -261,6 +280,7 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
         }
         piece.in_scope = scope == 3 ? input.copper.selected.count(f.id) != 0
                                     : insideArea(piece.shape.box, input, scope);
+        piece.net = k < input.copper.nets.size() ? input.copper.nets[k] : -1;
         pieces.push_back(std::move(piece));
     }
     std::vector<Entry> entries;
@@ -271,6 +291,69 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
     const Tree tree(entries.begin(), entries.end());
     const auto ref = [&](const Piece& p) {
         return feature_ref{input.copper.row, features[p.feature].id};
+    };
+    // The hit names the nets of its copper, each once, in the order of its features.
+    const auto named = [&input](check_info hit, std::initializer_list<int> nets) {
+        for (int net : nets) {
+            if (net < 0 || static_cast<size_t>(net) >= input.net_names.size()) {
+                continue;
+            }
+            const std::string& name = input.net_names[static_cast<size_t>(net)];
+            if (std::find(hit.nets.begin(), hit.nets.end(), name) == hit.nets.end()) {
+                hit.nets.push_back(name);
+            }
+        }
+        return hit;
+    };
+
+    // Whether copper other than pieces `a` and `b` reaches into the disc whose diameter is the
+    // gap from `pa` to `pb`: then the gap is the mouth of a notch that copper closes, or
+    // copper fills it, and the void is narrower elsewhere (between that copper and a or b).
+    // Copper merely touching the disc, such as a copy of a or b, does not count.
+    const auto gapFilled = [&](unsigned a, unsigned b, const point& pa, const point& pb) {
+        const double half = std::hypot(pb.x - pa.x, pb.y - pa.y) / 2;
+        const point middle{(pa.x + pb.x) / 2, (pa.y + pb.y) / 2};
+        CopperShape dot;
+        dot.capsules.push_back({middle, middle, 0.0});
+        std::vector<Entry> in_disc;
+        tree.query(bgi::intersects(GeoBox(GeoPoint(middle.x - half, middle.y - half),
+                                          GeoPoint(middle.x + half, middle.y + half))),
+                   std::back_inserter(in_disc));
+        point qa;
+        point qb;
+        for (const Entry& e : in_disc) {
+            if (e.second == a || e.second == b) {
+                continue;
+            }
+            const double d = CopperGeometry::distance(pieces[e.second].shape, dot, qa, qb);
+            if (d <= 0 || d < half - kTouch) {
+                return true;
+            }
+        }
+        return false;
+    };
+    // Whether the point `end` of line or arc `k` lies in other copper than pads and copies of
+    // the line itself: the end of a pour's stroke, or a vertex where a trace goes on.
+    const auto endCovered = [&](unsigned k, const point& end) {
+        CopperShape dot;
+        dot.capsules.push_back({end, end, 0.0});
+        std::vector<Entry> at_end;
+        tree.query(bgi::intersects(GeoBox(GeoPoint(end.x, end.y), GeoPoint(end.x, end.y))),
+                   std::back_inserter(at_end));
+        const featureInfo& f = features[pieces[k].feature];
+        point qa;
+        point qb;
+        for (const Entry& e : at_end) {
+            const Piece& other = pieces[e.second];
+            const featureInfo& g = features[other.feature];
+            const bool copy = g.type == f.type && g.symbol == f.symbol &&
+                              samePoint(g.start, f.start) && samePoint(g.end, f.end);
+            if (e.second != k && other.kind != kPad && !copy &&
+                CopperGeometry::distance(other.shape, dot, qa, qb) <= kTouch) {
+                return true;
+            }
+        }
+        return false;
     };
 
     // Islands, and the close pairs the gap tests need once the islands are known.
@@ -308,6 +391,7 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
         }
     }
 
+    std::set<std::array<long long, 4>> sliver_gaps;  // one hit per gap, however many copies
     for (size_t k = 0; k < near.size(); ++k) {
         if (poll.stop(40.0 + 10.0 * k / near.size())) {
             return false;
@@ -320,19 +404,31 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
         }
         const bool same = islands.find(n.a) == islands.find(n.b);
         if (same) {
-            if (sliver && n.d < params.sliver_min) {
-                grade(sli_copper_sliver, distanceHit(n.d, n.pa, n.pb, {ref(a), ref(b)}), ranges,
+            if (sliver && below(n.d, params.sliver_min) && !gapFilled(n.a, n.b, n.pa, n.pb) &&
+                sliver_gaps.insert(gapKey(n.pa, n.pb)).second) {
+                grade(sli_copper_sliver,
+                      named(distanceHit(n.d, n.pa, n.pb, {ref(a), ref(b)}), {a.net, b.net}), ranges,
                       result);
             }
             continue;
         }
-        if (n.d >= params.spacing) {
+        // As for slivers, a gap that other copper reaches into is no free gap: the narrower
+        // one between that copper and a or b is reported instead.
+        if (!below(n.d, params.spacing) || gapFilled(n.a, n.b, n.pa, n.pb)) {
+            continue;
+        }
+        const check_info hit =
+            named(distanceHit(n.d, n.pa, n.pb, {ref(a), ref(b)}), {a.net, b.net});
+        if (a.net >= 0 && a.net == b.net) {
+            // Two pieces of one net, joined elsewhere (through a hole, on another layer).
+            if (spacing || smd) {
+                grade(sameNetItem(a, b), hit, ranges, result);
+            }
             continue;
         }
         const bool smd_pair = a.smd || b.smd;
         if ((smd && smd_pair) || (spacing && !(smd && smd_pair))) {
-            grade(spacingItem(a, b, smd), distanceHit(n.d, n.pa, n.pb, {ref(a), ref(b)}), ranges,
-                  result);
+            grade(spacingItem(a, b, smd), hit, ranges, result);
         }
     }
 
@@ -395,12 +491,13 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
                         padded = padded || CopperGeometry::distance(centre, pieces[e.second].shape,
                                                                     pa, pb) <= kTouch;
                     }
-                } else if (d < limit) {
+                } else if (below(d, limit)) {
                     close.push_back({e.second, 0, d, pa, pb});
                 }
             }
             const std::string kind =
                 f.attributes.count(".drill") ? f.attributes.at(".drill") : std::string();
+            const int hole_net = k < layer.nets.size() ? layer.nets[k] : -1;
             for (const Near& n : close) {
                 const Piece& p = pieces[n.a];
                 if ((drill && touched.count(islands.find(n.a)) != 0) ||
@@ -417,15 +514,18 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
                            : p.kind == kSurface ? sli_rout_to_surface
                                                 : sli_rout_to_line;
                 }
-                grade(item, distanceHit(n.d, n.pa, n.pb, {feature_ref{layer.row, f.id}, ref(p)}),
+                grade(item,
+                      named(distanceHit(n.d, n.pa, n.pb, {feature_ref{layer.row, f.id}, ref(p)}),
+                            {hole_net, p.net}),
                       ranges, result);
             }
-            if (drill && params.check_missing_pads_for_drills && kind != "non_plated" &&
-                f.type == feature_pad && !padded && hole_in_scope) {
+            if (drill && input.outer && params.check_missing_pads_for_drills &&
+                kind != "non_plated" && f.type == feature_pad && !padded && hole_in_scope) {
                 const SymbolSize size = CopperGeometry::parseSymbol(f.symbol);
                 grade(kind == "via" ? sli_missing_pad_for_via : sli_missing_pad_for_pth,
-                      boxHit(size.width, shape.box, {feature_ref{layer.row, f.id}}), ranges,
-                      result);
+                      named(boxHit(size.width, shape.box, {feature_ref{layer.row, f.id}}),
+                            {hole_net}),
+                      ranges, result);
             }
         }
         return true;
@@ -457,10 +557,11 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
             }
             const Piece& line = pieces[k];
             const featureInfo& f = features[line.feature];
-            if ((line.kind != kLine && line.kind != kArc) || line.shape.capsules.empty()) {
+            const SymbolSize size = CopperGeometry::parseSymbol(f.symbol);
+            if ((line.kind != kLine && line.kind != kArc) || size.kind != SymbolSize::round) {
                 continue;
             }
-            const double half = line.shape.capsules.front().radius;
+            const double half = size.width / 2;
             for (const point& end : {f.start, f.end}) {
                 found.clear();
                 tree.query(bgi::intersects(GeoBox(GeoPoint(end.x - half, end.y - half),
@@ -474,10 +575,13 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
                     }
                     point edge;
                     const double overlap = padOverlap(end, half, pad.shape, edge);
-                    if (overlap > kTouch && overlap < params.min_pad_overlap) {
+                    // An end in other copper is a stroke of a pour or a vertex inside a trace.
+                    if (overlap > kTouch && below(overlap, params.min_pad_overlap) &&
+                        !endCovered(k, end)) {
                         grade(sli_pad_connection_overlap,
-                              distanceHit(overlap, end, edge, {ref(line), ref(pad)}), ranges,
-                              result);
+                              named(distanceHit(overlap, end, edge, {ref(line), ref(pad)}),
+                                    {line.net}),
+                              ranges, result);
                     }
                 }
             }

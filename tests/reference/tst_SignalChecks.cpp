@@ -51,6 +51,17 @@ public:
         f.clockwise = false;
         return add(f);
     }
+    // An arc of radius r about (cx, cy) from angle `from` to `to` (degrees).
+    featureInfo& arcFrom(double w, double cx, double cy, double r, double from, double to,
+                         bool clockwise = false) {
+        featureInfo f = make(feature_arc, round(w));
+        const double pi = 3.14159265358979323846;
+        f.center = at(cx, cy);
+        f.start = at(cx + r * std::cos(from * pi / 180), cy + r * std::sin(from * pi / 180));
+        f.end = at(cx + r * std::cos(to * pi / 180), cy + r * std::sin(to * pi / 180));
+        f.clockwise = clockwise;
+        return add(f);
+    }
     CheckLayer layer;
 
 private:
@@ -100,8 +111,9 @@ class tst_SignalChecks : public QObject {
     Q_OBJECT
 
 private slots:
-    // Two features 'unit' apart: the value and the points are exact (arcs within the chord
-    // error); a spacing a nanometre wider finds the hit, one a nanometre narrower does not.
+    // Two features 'unit' apart: the value and the points are exact (concentric arcs meet in
+    // the middle of their shared turn); a spacing a nanometre wider finds the hit, one a
+    // nanometre narrower does not.
     void exactDistance_data() {
         QTest::addColumn<double>("unit");
         QTest::addColumn<int>("pair");
@@ -125,9 +137,10 @@ private slots:
             QTest::newRow((tag + " trace end to trace").constData())
                 << u.second << 3 << 7 * s << QPointF(0, 3 * s) << QPointF(0, 10 * s) << 0.0
                 << sli_line_to_line_spacing;
+            const double diagonal = std::sqrt(0.5);
             QTest::newRow((tag + " two arcs").constData())
-                << u.second << 4 << 12 * s << QPointF(52 * s, 0) << QPointF(64 * s, 0)
-                << 3 * wcref::kMaxChordError << sli_arc_to_arc_spacing;
+                << u.second << 4 << 12 * s << QPointF(52 * s * diagonal, 52 * s * diagonal)
+                << QPointF(64 * s * diagonal, 64 * s * diagonal) << 0.0 << sli_arc_to_arc_spacing;
         }
     }
     void exactDistance() {
@@ -176,13 +189,8 @@ private slots:
         QVERIFY2(std::abs(hit.value - nm) <= tolerance + exact,
                  qPrintable(QString::number(hit.value)));
         QCOMPARE(hit.shape.kind, check_points::line);
-        // Flattened arcs meet anywhere along their length: compare the radii there.
         const auto near = [&](const point& p, const QPointF& q) {
-            if (tolerance > 0) {
-                return std::abs(std::hypot(p.x, p.y) - std::hypot(q.x(), q.y()) * unit) <=
-                       tolerance;
-            }
-            return std::hypot(p.x - q.x() * unit, p.y - q.y() * unit) <= exact;
+            return std::hypot(p.x - q.x() * unit, p.y - q.y() * unit) <= tolerance + exact;
         };
         QVERIFY(near(hit.shape.points[0], on_first) || near(hit.shape.points[0], on_second));
         QVERIFY(near(hit.shape.points[1], on_first) || near(hit.shape.points[1], on_second));
@@ -208,6 +216,22 @@ private slots:
         scene.line(2, 50, 0, 73, 0);
         input.copper = scene.layer;
         QVERIFY(allHits(check(input, sl_spacing, 10 * kMil)).empty());
+    }
+
+    // A pad beside the corner of a trace (a board's real layout): the pad is closer to the
+    // diagonal segment than to the straight one, and the straight one's gap passes the
+    // diagonal's copper, so the check gives one hit, at the true clearance, not one per segment.
+    void padBesideTraceCornerIsOneHit() {
+        Scene scene(kMil);
+        scene.pad(43, 15, 32);
+        scene.line(12, 0, 0, -33, 33);
+        scene.line(12, 0, 0, 0, -53);
+        SignalCheckInput input;
+        input.copper = scene.layer;
+        const std::vector<check_info> hits = allHits(check(input, sl_spacing, 10 * kMil));
+        QCOMPARE(int(hits.size()), 1);
+        QVERIFY(std::abs(hits[0].value - (47 / std::sqrt(2.0) - 27.5) * kMil) < 0.05);
+        QCOMPARE(hits[0].features[1].id, 2);
     }
 
     // Each of the other tests with a planted violation: found just above its distance, gone
@@ -272,6 +296,276 @@ private slots:
                  qPrintable(QString::number(hits[0].value)));
         if (item != sli_missing_pad_for_pth) {  // a missing pad is no distance
             QVERIFY(allHits(check(input, test_item, value * kMil - 1)).empty());
+        }
+    }
+
+    // Arcs are measured on their true circles: a layout at exactly 6 mil from an arc measures
+    // 6 mil to the nanometre, is a hit at a spacing a nanometre wider and none at 6 or 5.99 mil.
+    // Rows put the closest point inside the arc, at its end, on the inner side, and on sweeps
+    // that do not face the other shape (where the full circles would touch).
+    void arcsAtSixMil_data() {
+        QTest::addColumn<int>("scene");
+        QTest::addColumn<signal_layers_checks_items>("item");
+        wctest::row("line across the arc's middle", 0, sli_line_to_arc_spacing);
+        wctest::row("slanted line", 1, sli_line_to_arc_spacing);
+        wctest::row("pad outside", 2, sli_pad_to_arc_spacing);
+        wctest::row("pad inside the circle", 3, sli_pad_to_arc_spacing);
+        wctest::row("rectangular pad", 4, sli_pad_to_arc_spacing);
+        wctest::row("arcs facing each other", 5, sli_arc_to_arc_spacing);
+        wctest::row("concentric arcs", 6, sli_arc_to_arc_spacing);
+        wctest::row("pad beside the arc's end", 7, sli_pad_to_arc_spacing);
+        wctest::row("arcs turned away", 8, sli_arc_to_arc_spacing);
+        wctest::row("surface above the arc", 9, sli_line_to_surface_spacing);
+    }
+    void arcsAtSixMil() {
+        QFETCH(int, scene);
+        QFETCH(signal_layers_checks_items, item);
+        Scene sc(kMil);
+        const double pi = 3.14159265358979323846;
+        const auto polar = [pi](double r, double degrees) {
+            return std::make_pair(r * std::cos(degrees * pi / 180),
+                                  r * std::sin(degrees * pi / 180));
+        };
+        // An upper half circle of radius 50 about the origin, 4 mil wide: its copper reaches
+        // from radius 48 to 52.
+        if (scene <= 4 || scene == 9) {
+            sc.arcFrom(4, 0, 0, 50, 0, 180);
+        }
+        switch (scene) {
+            case 0:
+                sc.line(4, -20, 60, 20, 60);  // 52 + 6 + 2
+                break;
+            case 1: {  // across the radius at 45 degrees, 60 from the centre
+                const auto a = polar(60, 45);
+                const auto d = polar(20, 135);
+                sc.line(4, a.first - d.first, a.second - d.second, a.first + d.first,
+                        a.second + d.second);
+                break;
+            }
+            case 2: {
+                const auto c = polar(52 + 6 + 5, 30);
+                sc.pad(10, c.first, c.second);
+                break;
+            }
+            case 3: {
+                const auto c = polar(48 - 6 - 5, 120);
+                sc.pad(10, c.first, c.second);
+                break;
+            }
+            case 4:
+                sc.rect(20, 10, 0, 63);  // lower edge at 58
+                break;
+            case 5:  // right half of one circle, left half of another 110 mil on
+                sc.layer.features.clear();
+                sc.arcFrom(4, 0, 0, 50, -45, 45);
+                sc.arcFrom(4, 110, 0, 50, 135, 225);
+                break;
+            case 6:
+                sc.layer.features.clear();
+                sc.arcFrom(4, 0, 0, 50, 0, 90);
+                sc.arcFrom(4, 0, 0, 60, 45, 180);
+                break;
+            case 7: {  // the pad faces the arc's end cap at (0, 50), not its sweep
+                sc.layer.features.clear();
+                sc.arcFrom(4, 0, 0, 50, 90, 180);
+                const auto c = polar(2 + 6 + 5, -30);
+                sc.pad(10, c.first, 50 + c.second);
+                break;
+            }
+            case 8:  // upper left and upper right quarters of circles that cross below
+                sc.layer.features.clear();
+                sc.arcFrom(4, 0, 0, 50, 90, 180);
+                sc.arcFrom(4, 10, 0, 50, 0, 90);
+                break;
+            case 9: {
+                featureInfo& f = sc.pad(1, 0, 0);
+                f.type = feature_surface;
+                f.contour = {sc.at(-30, 58), sc.at(30, 58), sc.at(30, 80), sc.at(-30, 80)};
+                break;
+            }
+        }
+        SignalCheckInput input;
+        input.copper = sc.layer;
+        const double six = 6 * kMil;
+        const SignalResult result = check(input, sl_spacing, six + 1);
+        const std::vector<check_info> hits = allHits(result);
+        QCOMPARE(int(hits.size()), 1);
+        QCOMPARE(result.begin()->first, item);
+        QVERIFY2(std::abs(hits[0].value - six) <= 1.0, qPrintable(QString::number(hits[0].value)));
+        const point& a = hits[0].shape.points[0];
+        const point& b = hits[0].shape.points[1];
+        QVERIFY(std::abs(std::hypot(a.x - b.x, a.y - b.y) - hits[0].value) <= 1.0);
+        QVERIFY(allHits(check(input, sl_spacing, six)).empty());
+        QVERIFY(allHits(check(input, sl_spacing, 5.99 * kMil)).empty());
+    }
+
+    // Copper that touches in the file is one piece, however thin and whatever the arcs: no
+    // spacing hit between its parts.
+    void touchingCopper_data() {
+        QTest::addColumn<int>("scene");
+        wctest::row("line tangent to an arc's outer edge", 0);
+        wctest::row("pad touching an arc's inner edge", 1);
+        wctest::row("thin arc whose end point is off its circle, and a line from it", 2);
+        wctest::row("thin arcs crossing", 3);
+        wctest::row("arc ending on a surface's edge", 4);
+    }
+    void touchingCopper() {
+        QFETCH(int, scene);
+        Scene sc(kMil);
+        switch (scene) {
+            case 0:
+                sc.arcFrom(4, 0, 0, 50, 0, 180);
+                sc.line(4, -20, 54, 20, 54);
+                break;
+            case 1:
+                sc.arcFrom(4, 0, 0, 50, 0, 180);
+                sc.pad(10, 0, 43);  // its top at 48
+                break;
+            case 2: {
+                // The end point lies half a mil outside the circle through the start.
+                featureInfo& arc = sc.arcFrom(0.2, 0, 0, 50, 0, 90);
+                arc.end = sc.at(0, 50.5);
+                sc.line(0.2, 0, 50.5, -30, 50.5);
+                break;
+            }
+            case 3:
+                sc.arcFrom(0.1, 0, 0, 50, 0, 180);
+                sc.arcFrom(0.1, 60, 0, 50, 90, 270);
+                break;
+            case 4: {
+                sc.arcFrom(4, 0, 0, 50, 0, 90);  // ends at (0, 50), its cap reaching y = 52
+                featureInfo& f = sc.pad(1, 0, 0);
+                f.type = feature_surface;
+                f.contour = {sc.at(-30, 52), sc.at(30, 52), sc.at(30, 80), sc.at(-30, 80)};
+                break;
+            }
+        }
+        SignalCheckInput input;
+        input.copper = sc.layer;
+        // Wide enough that any gap between the parts would show.
+        QVERIFY(allHits(check(input, sl_spacing, 200 * kMil)).empty());
+    }
+
+    // A pour drawn as overlapping strokes is one island with no gap inside: strokes two apart
+    // do not touch but the stroke between covers their gap, and stroke ends that reach a pad
+    // lie in other copper (the pour's outline), so they are no traces entering the pad. An
+    // outside pad 8 mil from the pour sees one island.
+    void strokedPour_data() {
+        QTest::addColumn<int>("kind");
+        wctest::row("parallel strokes", 0);
+        wctest::row("hatched", 1);
+        wctest::row("concentric arc strokes", 2);
+    }
+    void strokedPour() {
+        QFETCH(int, kind);
+        Scene sc(kMil);
+        if (kind == 0) {
+            // 13 mil strokes 7 mil apart: strokes two apart leave 1 mil between them.
+            for (int k = 0; k <= 10; ++k) {
+                sc.line(13, 7 * k, 0, 7 * k, 40);
+            }
+            sc.line(13, 0, 40, 70, 40);  // the outline along the top
+            sc.pad(20, 35, 56);          // reaches 0.5 mil into the outline and the strokes
+        } else if (kind == 1) {
+            // 13 mil strokes 20 mil apart both ways: 7 mil square holes.
+            for (int k = 0; k <= 4; ++k) {
+                sc.line(13, 20 * k, 0, 20 * k, 80);
+                sc.line(13, 0, 20 * k, 80, 20 * k);
+            }
+            sc.pad(20, 40, 96);  // on the top stroke's edge, 0.5 mil deep
+        } else {
+            for (int k = 0; k <= 6; ++k) {
+                sc.arcFrom(13, 0, 0, 50 + 7 * k, 0, 90);
+            }
+            sc.line(13, 50, 0, 92, 0);  // the outline along the start
+            sc.pad(20, 71, -16);        // reaches 0.5 mil into it
+        }
+        // 8 mil left of the first stroke, or of the end cap of the arc of radius 57.
+        const int near_id = sc.pad(10, -19.5, kind == 2 ? 57 : 30).id;
+        SignalCheckInput input;
+        input.copper = sc.layer;
+        signal_check_params params;
+        params.spacing = 8.1 * kMil;
+        params.sliver_min = 2 * kMil;
+        params.min_pad_overlap = 1 * kMil;
+        SignalResult result;
+        SignalChecks::run(input, params, {sl_spacing, sl_sliver, sl_pad_connection}, {}, result,
+                          nullptr, 0);
+        const std::vector<check_info> hits = allHits(result);
+        QVERIFY2(int(hits.size()) == 1, qPrintable(QString::number(hits.size())));
+        QCOMPARE(hits[0].features[1].id, near_id);
+        QVERIFY(std::abs(hits[0].value - 8 * kMil) <= 1.0);
+    }
+
+    // Real gaps inside one island are slivers, measured halfway along a gap between parallel
+    // edges; a trace barely entering a pad is still a pad connection hit, also when it ends a
+    // run of segments or is an arc; one whose end another stroke covers is not.
+    void realGapsAndConnections_data() {
+        QTest::addColumn<int>("test");
+        QTest::addColumn<double>("value");    // mil; 0 for no hit
+        QTest::addColumn<QPointF>("middle");  // of the hit's line, for a sliver
+        wctest::row("notch between two traces", int(sl_sliver), 1.0, QPointF(20, 2.5));
+        wctest::row("notch between concentric arcs", int(sl_sliver), 1.0,
+                    QPointF(52.5 * std::cos(3.14159265358979323846 / 4),
+                            52.5 * std::sin(3.14159265358979323846 / 4)));
+        wctest::row("notch between a pad and a trace", int(sl_sliver), 1.0, QPointF(20, 5.5));
+        wctest::row("trace entering a pad", int(sl_pad_connection), 2.5, QPointF());
+        wctest::row("last segment of a trace", int(sl_pad_connection), 2.5, QPointF());
+        wctest::row("arc entering a pad", int(sl_pad_connection), 2.5, QPointF());
+        wctest::row("trace end inside a crossing stroke", int(sl_pad_connection), 0.0, QPointF());
+    }
+    void realGapsAndConnections() {
+        QFETCH(int, test);
+        QFETCH(double, value);
+        QFETCH(QPointF, middle);
+        Scene sc(kMil);
+        const QByteArray tag = QTest::currentDataTag();
+        if (tag == "notch between two traces") {
+            sc.line(4, 0, 0, 40, 0);
+            sc.line(4, 0, 5, 40, 5);  // 5 - 4 = 1 mil of gap, closed at x = 0
+            sc.line(4, 0, 0, 0, 5);
+        } else if (tag == "notch between concentric arcs") {
+            sc.arcFrom(4, 0, 0, 50, 0, 90);
+            sc.arcFrom(4, 0, 0, 55, 0, 90);
+            sc.line(4, 50, 0, 55, 0);  // closes the notch at its start
+        } else if (tag == "notch between a pad and a trace") {
+            sc.rect(40, 10, 20, 0);   // upper edge at 5
+            sc.line(4, 0, 8, 40, 8);  // lower edge at 6
+            sc.line(4, 0, 8, 0, 0);   // joins them at x = 0
+        } else if (tag == "trace entering a pad") {
+            sc.pad(20, 0, 0);
+            sc.line(4, 9.5, 0, 40, 0);  // 0.5 in, plus half the width
+        } else if (tag == "last segment of a trace") {
+            sc.pad(20, 0, 0);
+            sc.line(4, 40, 30, 20, 0);
+            sc.line(4, 20, 0, 9.5, 0);
+        } else if (tag == "arc entering a pad") {
+            sc.pad(20, 0, 0);
+            sc.arcFrom(4, 39.5, 0, 30, 90, 180);  // ends at (9.5, 0)
+        } else {
+            sc.pad(20, 0, 0);
+            sc.line(4, 9.5, 0, 40, 0);
+            sc.line(4, 9.5, -20, 9.5, 20);  // covers the end
+        }
+        SignalCheckInput input;
+        input.copper = sc.layer;
+        const auto test_item = static_cast<signal_layers_checks_list>(test);
+        const double limit = test_item == sl_sliver ? 2 * kMil : 3 * kMil;
+        const std::vector<check_info> hits = allHits(check(input, test_item, limit));
+        if (value == 0) {
+            QVERIFY(hits.empty());
+            return;
+        }
+        QCOMPARE(int(hits.size()), 1);
+        QVERIFY2(std::abs(hits[0].value - value * kMil) <= 1.0,
+                 qPrintable(QString::number(hits[0].value / kMil)));
+        if (test_item == sl_sliver) {
+            const point& a = hits[0].shape.points[0];
+            const point& b = hits[0].shape.points[1];
+            QVERIFY2(std::hypot((a.x + b.x) / 2 - middle.x() * kMil,
+                                (a.y + b.y) / 2 - middle.y() * kMil) <= 1.0,
+                     qPrintable(
+                         QString("%1 %2").arg((a.x + b.x) / 2 / kMil).arg((a.y + b.y) / 2 / kMil)));
         }
     }
 
