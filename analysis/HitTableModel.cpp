@@ -5,6 +5,19 @@
 
 namespace wc {
 
+namespace {
+
+// "GND" for a same-net pair, "GND / VCC" between two nets, empty where the nets are unknown.
+QString netsText(const Korvo::API::check_info& hit) {
+    QStringList names;
+    for (const std::string& net : hit.nets) {
+        names << QString::fromStdString(net);
+    }
+    return names.join(QStringLiteral(" / "));
+}
+
+}  // namespace
+
 HitTableModel::HitTableModel(QObject* parent) : QAbstractTableModel(parent) {}
 
 void HitTableModel::setHits(const HitSequence* hits, const std::vector<std::uint32_t>* admitted,
@@ -54,7 +67,7 @@ QVariant HitTableModel::data(const QModelIndex& index, int role) const {
     }
     const std::size_t position = positionOfRow(index.row());
     if (role == Qt::TextAlignmentRole) {
-        return index.column() == LayerColumn ? int(Qt::AlignLeft | Qt::AlignVCenter)
+        return index.column() >= LayerColumn ? int(Qt::AlignLeft | Qt::AlignVCenter)
                                              : int(Qt::AlignRight | Qt::AlignVCenter);
     }
     if (role != Qt::DisplayRole) {
@@ -69,6 +82,8 @@ QVariant HitTableModel::data(const QModelIndex& index, int role) const {
         case LayerColumn:
             return hit.layer >= 0 && hit.layer < layer_names_.size() ? layer_names_[hit.layer]
                                                                      : QString();
+        case NetsColumn:
+            return netsText(*hit.hit);
         default:
             return {};
     }
@@ -85,6 +100,8 @@ QVariant HitTableModel::headerData(int section, Qt::Orientation orientation, int
             return unit_.isEmpty() ? tr("Value") : tr("Value") + QStringLiteral(" (") + unit_ + ')';
         case LayerColumn:
             return tr("Layer");
+        case NetsColumn:
+            return tr("Nets");
         default:
             return {};
     }
@@ -114,6 +131,13 @@ void HitTableModel::applySort() {
         std::stable_sort(order_.begin(), order_.end(), [&values](std::uint32_t a, std::uint32_t b) {
             return values[a] < values[b];
         });
+    } else if (sort_column_ == NetsColumn) {
+        std::vector<QString> nets(count_);
+        for (std::size_t i = 0; i < count_; ++i) {
+            nets[i] = netsText(*hitAt(i).hit);
+        }
+        std::stable_sort(order_.begin(), order_.end(),
+                         [&nets](std::uint32_t a, std::uint32_t b) { return nets[a] < nets[b]; });
     } else if (sort_column_ == LayerColumn) {
         std::vector<int> layers(count_);
         for (std::size_t i = 0; i < count_; ++i) {

@@ -1,6 +1,7 @@
 #pragma once
 // The hit table under the viewer's navigation: one row per admitted hit of the current category
-// (index, value in the display unit, layer), read straight from the result; no item per row.
+// (index, value in the display unit, layer, the nets of its copper), read straight from the
+// result; no item per row.
 // Sorting keeps a permutation, so the rows map back to navigation positions.
 
 #include <QAbstractTableModel>
@@ -15,7 +16,13 @@ namespace wc {
 class HitTableModel : public QAbstractTableModel {
     Q_OBJECT
 public:
-    enum Column { IndexColumn = 0, ValueColumn = 1, LayerColumn = 2, ColumnCount = 3 };
+    enum Column {
+        IndexColumn = 0,
+        ValueColumn = 1,
+        LayerColumn = 2,
+        NetsColumn = 3,
+        ColumnCount = 4
+    };
 
     explicit HitTableModel(QObject* parent = nullptr);
 

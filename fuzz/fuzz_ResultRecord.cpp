@@ -49,9 +49,9 @@ bool known(const dms_signal_check_params& record) {
 bool known(const signal_check_result_map& result) {
     for (const auto& [layer, items] : result) {
         for (const auto& [item, record] : items) {
-            if (item < sli_pad_to_pad_spacing || item > sli_isolated_copper ||
-                record.item != item || !sane(record.red) || !sane(record.yellow) ||
-                !sane(record.green) || !sane(record.other)) {
+            if (item < sli_pad_to_pad_spacing || item > sli_netlist_short || record.item != item ||
+                !sane(record.red) || !sane(record.yellow) || !sane(record.green) ||
+                !sane(record.other)) {
                 return false;
             }
         }

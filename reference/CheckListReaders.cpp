@@ -86,7 +86,7 @@ bool SignalLayersCheckListReader::parse(const std::string& job_folder,
         ok = ok && layer != parsed.end();
         bool item_ok = false;
         const int item = ok ? fields.at(1).trimmed().toInt(&item_ok) : -1;
-        ok = ok && item_ok && item >= 0 && item <= sli_isolated_copper;
+        ok = ok && item_ok && item >= 0 && item <= sli_netlist_short;
         double numbers[5] = {};
         for (int i = 0; ok && i < 5; ++i) {
             numbers[i] = fields.at(3 + i).trimmed().toDouble(&ok);

@@ -4,13 +4,17 @@
 // layer with their selection and highlight marks.
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "Ipc356.h"
 #include "Korvo_API_types.h"
 
 namespace wcref {
+
+struct StepNets;
 
 struct EngineLayerData {
     std::vector<Korvo::API::featureInfo> features;
@@ -34,6 +38,9 @@ struct EngineStep {
     std::vector<Korvo::API::step_repeat_op> repeat;
     std::map<std::string, EngineLayerData> layers;  // one entry per matrix layer
     int editops = 0;
+    // The step's nets as last derived, and what they were derived from (JobNets.h).
+    std::shared_ptr<const StepNets> nets;
+    std::string nets_key;
 };
 
 struct EngineJob {
@@ -42,6 +49,7 @@ struct EngineJob {
     std::vector<Korvo::API::layer_info> matrix;  // in row order
     std::vector<EngineStep> steps;               // in creation order
     std::set<std::string> displayed;             // layers shown in the graphic view
+    std::vector<TestPoint> netlist;              // the job's IPC-D-356 netlist, when it has one
 
     EngineStep* step(const std::string& step_name) {
         for (EngineStep& s : steps) {

@@ -18,6 +18,7 @@
 #include "DfmOperations.h"
 #include "EngineCallText.h"
 #include "EngineStore.h"
+#include "JobNets.h"
 #include "Korvo_API.h"
 #include "ResultDatabase.h"
 #include "SignalChecks.h"
@@ -62,11 +63,69 @@ bool reportProgress(Korvo::COMMON::progress_state* progress) {
     }
 }
 
+bool isCopperOrDrill(const Korvo::API::layer_info& l) {
+    return l.type == "signal" || l.type == "power_ground" || l.type == "mixed" || l.type == "drill";
+}
+
+// What a step's nets depend on: its edit counter, the matrix rows and each layer's size.
+std::string netsKey(const wcref::EngineJob& job, const wcref::EngineStep& step) {
+    std::string key = std::to_string(step.editops) + ";" + std::to_string(job.netlist.size());
+    for (const Korvo::API::layer_info& l : job.matrix) {
+        const auto data = step.layers.find(l.name);
+        key += ";" + l.name + "|" + std::to_string(l.row) + "|" + l.context + "|" + l.type + "|" +
+               l.polarity + "|" + l.drill_start + "|" + l.drill_end + "|" +
+               std::to_string(data == step.layers.end() ? 0 : data->second.features.size());
+    }
+    return key;
+}
+
+// The nets of a step (JobNets.h), derived without the store's lock on a copy of its copper and
+// drill layers, and kept until the step or its matrix changes. Null for an unknown step.
+std::shared_ptr<const wcref::StepNets> stepNets(const std::string& job, const std::string& step) {
+    wcref::EngineJob job_copy;
+    wcref::EngineStep step_copy;
+    std::string key;
+    {
+        std::lock_guard<std::mutex> guard(store().mutex);
+        wcref::EngineJob* j = store().job(job);
+        wcref::EngineStep* s = store().step(job, step);
+        if (j == nullptr || s == nullptr) {
+            return nullptr;
+        }
+        key = netsKey(*j, *s);
+        if (s->nets != nullptr && s->nets_key == key) {
+            return s->nets;
+        }
+        job_copy.name = j->name;
+        job_copy.matrix = j->matrix;
+        job_copy.netlist = j->netlist;
+        step_copy.name = s->name;
+        for (const Korvo::API::layer_info& l : j->matrix) {
+            if (isCopperOrDrill(l)) {
+                step_copy.layers[l.name] = s->layers[l.name];
+            }
+        }
+    }
+    auto nets = std::make_shared<const wcref::StepNets>(
+        wcref::JobNets::derive(job_copy, step_copy, job_copy.netlist));
+    std::lock_guard<std::mutex> guard(store().mutex);
+    wcref::EngineStep* s = store().step(job, step);
+    if (s != nullptr) {
+        s->nets = nets;
+        s->nets_key = key;
+    }
+    return nets;
+}
+
 // Copies what the signal layer check reads, so that it runs without the store's lock: the
-// layer, the drill layers whose span covers it, the rout layers, the profile, the selections
-// and the screen box.
+// layer, the drill layers whose span covers it, the rout layers, the profile, the selections,
+// the screen box and the nets of the copper and the holes.
 bool checkInput(const std::string& job, const std::string& step, const std::string& layer,
                 wcref::SignalCheckInput& input) {
+    const std::shared_ptr<const wcref::StepNets> nets = stepNets(job, step);
+    if (nets != nullptr) {
+        input.net_names = nets->names;
+    }
     std::lock_guard<std::mutex> guard(store().mutex);
     wcref::EngineJob* j = store().job(job);
     wcref::EngineStep* s = store().step(job, step);
@@ -77,18 +136,25 @@ bool checkInput(const std::string& job, const std::string& step, const std::stri
         const Korvo::API::layer_info* info = j->layer(name);
         return info != nullptr ? info->row : 0;
     };
-    const auto copy = [s](const Korvo::API::layer_info& info) {
+    const auto copy = [s, &nets](const Korvo::API::layer_info& info) {
         wcref::CheckLayer out;
         out.row = info.row;
         const wcref::EngineLayerData& data = s->layers[info.name];
         out.features = data.features;
         out.selected = data.selected;
+        if (nets != nullptr) {
+            const auto layer_nets = nets->of.find(info.name);
+            if (layer_nets != nets->of.end() && layer_nets->second.size() == out.features.size()) {
+                out.nets = layer_nets->second;
+            }
+        }
         return out;
     };
     const int row = rowOf(layer);
     for (const Korvo::API::layer_info& info : j->matrix) {
         if (info.name == layer) {
             input.copper = copy(info);
+            input.outer = info.side != "inner";
         } else if (info.type == "drill") {
             const int first = info.drill_start.empty() ? 0 : rowOf(info.drill_start);
             const int last = info.drill_end.empty() ? 1 << 30 : rowOf(info.drill_end);
@@ -236,7 +302,27 @@ bool signal_layers_checks(const std::string& job, const std::string& step, const
     if (!checkInput(job, step, layer, input)) {
         return false;
     }
-    wcref::SignalChecks::run(input, params, tests, ranges, result, progress, scope);
+    const bool completed =
+        wcref::SignalChecks::run(input, params, tests, ranges, result, progress, scope);
+    // The netlist's opens and shorts go with the spacing test, on the layer of their first pad.
+    const std::shared_ptr<const wcref::StepNets> nets = stepNets(job, step);
+    if (completed && nets != nullptr &&
+        std::find(tests.begin(), tests.end(), sl_spacing) != tests.end()) {
+        for (const wcref::NetDifference& d : nets->differences) {
+            if (d.features.empty() || d.features.front().layer_row != input.copper.row ||
+                d.at.empty()) {
+                continue;
+            }
+            check_info hit;
+            hit.shape.kind = check_points::line;
+            hit.shape.points = {d.at.front(), d.at.back()};
+            hit.features = d.features;
+            hit.nets = d.nets;
+            wcref::SignalChecks::grade(
+                d.kind == wcref::NetDifference::open ? sli_netlist_open : sli_netlist_short,
+                std::move(hit), ranges, result);
+        }
+    }
     return true;
 }
 

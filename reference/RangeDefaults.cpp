@@ -86,8 +86,10 @@ const RangeDefault kSignalLayer[] = {
     {"SM Sorted Line to Line", 3, 4, 5},
     {"SM Sorted SMD Spacing", 4, 5, 6},
     {"Isolated Copper", 0, 0, 0},
+    {"Netlist Open", 0, 0, 0},
+    {"Netlist Short", 0, 0, 0},
 };
-static_assert(std::size(kSignalLayer) == sli_isolated_copper + 1, "one row per item");
+static_assert(std::size(kSignalLayer) == sli_netlist_short + 1, "one row per item");
 
 const RangeDefault kSolderMask[] = {
     {"Pad Clearance", 1, 1.5, 2},

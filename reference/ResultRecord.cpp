@@ -26,10 +26,18 @@ QJsonArray hitsToJson(const std::vector<check_info>& hits) {
             features.append(f.layer_row);
             features.append(f.id);
         }
-        array.append(QJsonObject{{QStringLiteral("v"), hit.value},
-                                 {QStringLiteral("k"), static_cast<int>(hit.shape.kind)},
-                                 {QStringLiteral("p"), points},
-                                 {QStringLiteral("f"), features}});
+        QJsonObject object{{QStringLiteral("v"), hit.value},
+                           {QStringLiteral("k"), static_cast<int>(hit.shape.kind)},
+                           {QStringLiteral("p"), points},
+                           {QStringLiteral("f"), features}};
+        if (!hit.nets.empty()) {
+            QJsonArray nets;
+            for (const std::string& net : hit.nets) {
+                nets.append(QString::fromStdString(net));
+            }
+            object.insert(QStringLiteral("n"), nets);
+        }
+        array.append(object);
     }
     return array;
 }
@@ -92,6 +100,20 @@ bool hitsFromJson(const QJsonValue& value, std::vector<check_info>& hits) {
                 return false;
             }
         }
+        // Nets came with the job's connectivity; rows written before carry none.
+        const QJsonValue nets = object.value(QStringLiteral("n"));
+        if (!nets.isUndefined()) {
+            if (!nets.isArray()) {
+                return false;
+            }
+            for (const QJsonValue& net : nets.toArray()) {
+                std::string name;
+                if (!readString(net, name)) {
+                    return false;
+                }
+                hit.nets.push_back(std::move(name));
+            }
+        }
         hits.push_back(std::move(hit));
     }
     return value.isArray();
@@ -144,7 +166,7 @@ bool resultFromJson(const QString& text, signal_check_result_map& result) {
             int item = 0;
             // A layer's items are a map when written: a repeated item would replace the first.
             if (!readInt(object.value(QStringLiteral("item")), sli_pad_to_pad_spacing,
-                         sli_isolated_copper, item) ||
+                         sli_netlist_short, item) ||
                 items.count(static_cast<signal_layers_checks_items>(item)) != 0) {
                 return false;
             }

@@ -37,6 +37,9 @@ struct check_info {
     double value = 0.0;  // measured value, engine units for lengths
     check_points shape;
     std::vector<feature_ref> features;
+    // The nets of the concerned copper, one name per net (two for a spacing between nets, one
+    // for a same-net pair); empty where the job's nets are unknown.
+    std::vector<std::string> nets;
 };
 
 // The four severity lists of a result record: red ("!!"), yellow ("!"), green ("  ") and a
@@ -152,6 +155,10 @@ enum signal_layers_checks_items : int {
     sli_sm_sorted_line_to_line,
     sli_sm_sorted_smd_spacing,
     sli_isolated_copper,
+    // Copper against the job's netlist: one net's pads on separate pieces of copper, and
+    // copper that joins pads of different nets.
+    sli_netlist_open,
+    sli_netlist_short,
 };
 
 struct signal_check_result : item_result<signal_layers_checks_items> {};

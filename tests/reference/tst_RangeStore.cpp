@@ -62,7 +62,7 @@ private slots:
     void defaultRows_data() {
         QTest::addColumn<QString>("key");
         QTest::addColumn<int>("items");  // size of the key's item enumeration
-        QTest::newRow("signal") << "SignalLayerRanges" << sli_isolated_copper + 1;
+        QTest::newRow("signal") << "SignalLayerRanges" << sli_netlist_short + 1;
         QTest::newRow("solder mask") << "SolderMaskRanges" << smi_isolated_mask + 1;
         QTest::newRow("silk screen") << "SilkScreenRanges" << ssi_silk_isolated + 1;
         QTest::newRow("drill") << "DrillRanges" << dci_tool_count + 1;

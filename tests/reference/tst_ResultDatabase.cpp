@@ -70,7 +70,9 @@ private slots:
         hit.shape.kind = check_points::box;
         hit.shape.points = {{1.5, -2}, {3, 4}};
         hit.features = {{3, 17}, {4, 2}};
+        hit.nets = {"GND", "N$12, A"};
         result["top"][sli_line_width].red.push_back(hit);
+        result["top"][sli_line_width].yellow.push_back(check_info{});  // a hit of no net
         result["top"][sli_line_width].other.push_back(hit);
         result["top"][sli_pad_size].green.resize(3);
         result["bottom"];  // a layer without hits stays a layer
@@ -99,6 +101,8 @@ private slots:
         QCOMPARE(back.shape.kind, check_points::box);
         QCOMPARE(back.shape.points.at(0).x, 1.5);
         QVERIFY(back.features == hit.features);
+        QCOMPARE(back.nets, hit.nets);
+        QVERIFY(loaded_result["top"][sli_line_width].yellow.at(0).nets.empty());
         QCOMPARE(loaded_result["top"][sli_line_width].other.size(), size_t(1));
         QCOMPARE(loaded_result["top"][sli_pad_size].green.size(), size_t(3));
 
