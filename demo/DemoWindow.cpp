@@ -19,10 +19,12 @@
 #include <algorithm>
 #include <set>
 
+#include "DrillFormatPanel.h"
 #include "FeatureFilterHost.h"
 #include "GraphicView.h"
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
+#include "MatrixPanel.h"
 #include "PluginBus.h"
 #include "StepRepeatDemo.h"
 #include "analysis/Widget_ResultsViewer.h"
@@ -151,6 +153,8 @@ void DemoWindow::buildMenus() {
             openFabricationFiles(folder);
         }
     });
+    job->addAction(tr("Drill formats..."), this, [this] { openDrillFormats(); });
+    job->addAction(tr("Layer matrix..."), this, [this] { openLayerMatrix(); });
     job->addSeparator();
     job->addAction(tr("Quit"), qApp, &QApplication::quit);
 
@@ -218,8 +222,40 @@ bool DemoWindow::openFabricationFiles(const QString& folder) {
     context_.step = steps.empty() ? QString() : QString::fromStdString(steps.front());
     layers_->clear();  // a new job shows its first signal layer and its drills
     refreshJobs();
+    folders_[job] = folder;
     log(tr("Opened job \"%1\" from %2: %3 layers").arg(job, folder).arg(layers.size()));
+    for (const QString& line : DrillFormatPanel::summary(context_.job, context_.step)) {
+        log(line);
+    }
     return true;
+}
+
+QWidget* DemoWindow::openDrillFormats() {
+    const auto folder = folders_.find(context_.job);
+    if (folder == folders_.end()) {
+        log(tr("Job \"%1\" was not opened from fabrication files: it has no drill files to read "
+               "again.")
+                .arg(context_.job));
+        return nullptr;
+    }
+    auto* panel = new DrillFormatPanel(context_.job, context_.step, folder->second, this);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    connect(panel, &DrillFormatPanel::layerReread, this,
+            [this](const QString&, const QString& line) {
+                log(line);
+                redraw();
+            });
+    panel->show();
+    return panel;
+}
+
+QWidget* DemoWindow::openLayerMatrix() {
+    auto* panel = new MatrixPanel(context_.job, this);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    connect(panel, &MatrixPanel::matrixChanged, this,
+            [this](const QString& job) { log(tr("Matrix of job \"%1\" changed").arg(job)); });
+    panel->show();
+    return panel;
 }
 
 void DemoWindow::refreshJobs() {
@@ -400,6 +436,10 @@ void DemoWindow::tourRealBoard(const std::function<void(QWidget*, const QString&
         snap(viewers.last(), name + QStringLiteral("_real_board_results"));
         snap(this, name + QStringLiteral("_real_board_hit"));
     }
+    // The board's layer matrix as its files were typed.
+    QWidget* matrix = openLayerMatrix();
+    snap(matrix, QStringLiteral("Layer_matrix_real_board"));
+    matrix->close();
 }
 
 QWidget* DemoWindow::openDialog(const demo::DialogEntry& entry) {

@@ -25,8 +25,14 @@ public:
     ~DemoWindow() override;
 
     bool openSampleJob();
-    // Builds a job from a folder of Gerber and drill files and shows it.
+    // Builds a job from a folder of Gerber and drill files and shows it, with the format each
+    // drill file was read in.
     bool openFabricationFiles(const QString& folder);
+    // The drill formats of the shown job, to check and override (null for a job not opened from
+    // fabrication files).
+    QWidget* openDrillFormats();
+    // The layer matrix of the shown job, to type, rename and reorder its layers.
+    QWidget* openLayerMatrix();
     QWidget* openDialog(const demo::DialogEntry& entry);
     void tourRealBoard(const std::function<void(QWidget*, const QString&)>& snap);
     void setDisplayUnit(int unit);
@@ -66,6 +72,7 @@ private:
     QListWidget* layers_ = nullptr;
     QPlainTextEdit* log_ = nullptr;
     std::map<QString, QPointer<QWidget>> dialogs_;
+    std::map<QString, QString> folders_;  // job -> the folder it was opened from
     std::multimap<int, MessageHandler> handlers_;
     QTranslator translator_;
     int subscription_ = -1;
