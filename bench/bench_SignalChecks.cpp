@@ -27,6 +27,7 @@
 #include "CopperGeometry.h"
 #include "SignalChecks.h"
 #include "SyntheticJob.h"
+#include "UnionFind.h"
 
 #ifdef WIDGET_COMMON_BENCH_GEOS
 #define GEOS_USE_ONLY_R_API
@@ -151,22 +152,6 @@ void BM_SpacingCheckWithNets(benchmark::State& state) {
 // Segments per quarter circle of a GEOS buffer (its default).
 constexpr int kQuadrantSegments = 8;
 
-class UnionFind {
-public:
-    explicit UnionFind(size_t n) : parent_(n) { std::iota(parent_.begin(), parent_.end(), 0); }
-    size_t find(size_t x) {
-        while (parent_[x] != x) {
-            parent_[x] = parent_[parent_[x]];
-            x = parent_[x];
-        }
-        return x;
-    }
-    void join(size_t a, size_t b) { parent_[find(a)] = find(b); }
-
-private:
-    std::vector<size_t> parent_;
-};
-
 // One GEOS context with the geometries and tree of one run, freed together.
 class GeosRun {
 public:
@@ -224,7 +209,7 @@ public:
             size_t b;
         };
         std::vector<Near> near;
-        UnionFind islands(shapes_.size());
+        wcref::UnionFind islands(shapes_.size());
         std::vector<size_t> found;
         for (size_t i = 0; i < shapes_.size(); ++i) {
             double x0 = 0;

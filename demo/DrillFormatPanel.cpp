@@ -32,6 +32,17 @@ std::map<std::string, std::string> attributesOf(const QString& job, const QStrin
     return attributes;
 }
 
+// The file of `layer` in `folder`: layers are named after their files in lower case.
+QString fileOf(const QString& folder, const QString& layer) {
+    const QDir dir(folder);
+    for (const QString& entry : dir.entryList(QDir::Files)) {
+        if (entry.toLower() == layer) {
+            return dir.filePath(entry);
+        }
+    }
+    return {};
+}
+
 QStringList drillLayers(const QString& job) {
     std::vector<std::string> steps;
     std::vector<Korvo::API::layer_info> layers;
@@ -143,13 +154,7 @@ void DrillFormatPanel::showRow(int row) {
         return;
     }
     // The controls start from the engine's own reading of the file.
-    const QDir dir(folder_);
-    QString path;
-    for (const QString& entry : dir.entryList(QDir::Files)) {
-        if (entry.toLower() == table_->item(row, LayerColumn)->text()) {
-            path = dir.filePath(entry);
-        }
-    }
+    const QString path = fileOf(folder_, table_->item(row, LayerColumn)->text());
     std::string format;
     std::string message;
     Korvo::API::file_Parameters parameters;
@@ -175,13 +180,7 @@ bool DrillFormatPanel::readAgain() {
         return false;
     }
     const QString layer = table_->item(row, LayerColumn)->text();
-    QString path;
-    const QDir dir(folder_);
-    for (const QString& entry : dir.entryList(QDir::Files)) {
-        if (entry.toLower() == layer) {
-            path = dir.filePath(entry);
-        }
-    }
+    const QString path = fileOf(folder_, layer);
     std::string format;
     std::string message;
     Korvo::API::file_Parameters parameters;

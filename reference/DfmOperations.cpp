@@ -16,6 +16,7 @@
 #include "EngineStore.h"
 #include "SignalChecks.h"
 #include "StepRepeatGeometry.h"
+#include "UnionFind.h"
 
 namespace wcref {
 
@@ -207,22 +208,6 @@ bool inScope(const featureInfo& f, const GeoBox& box, const CheckLayer& layer,
 struct Piece {
     size_t feature = 0;  // index into the layer's features
     CopperShape shape;
-};
-
-class UnionFind {
-public:
-    explicit UnionFind(size_t n) : parent_(n) { std::iota(parent_.begin(), parent_.end(), 0); }
-    size_t find(size_t x) {
-        while (parent_[x] != x) {
-            parent_[x] = parent_[parent_[x]];
-            x = parent_[x];
-        }
-        return x;
-    }
-    void join(size_t a, size_t b) { parent_[find(a)] = find(b); }
-
-private:
-    std::vector<size_t> parent_;
 };
 
 // The positive copper of a layer, its R-tree and its islands.

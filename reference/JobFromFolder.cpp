@@ -57,10 +57,12 @@ void readNetlist(const std::string& path, EngineJob& job) {
     job.netlist = std::move(points);
 }
 
-long long key(const point& p) {
-    // Drill and pad centres agree to the micrometre.
-    return (static_cast<long long>(std::llround(p.x / 1000.0)) << 32) ^
-           static_cast<long long>(std::llround(p.y / 1000.0) & 0xffffffff);
+unsigned long long key(const point& p) {
+    // Drill and pad centres agree to the micrometre. Unsigned, so that negative coordinates
+    // (boards drawn about their centre) shift without overflow.
+    const auto x = static_cast<unsigned long long>(std::llround(p.x / 1000.0));
+    const auto y = static_cast<unsigned long long>(std::llround(p.y / 1000.0));
+    return (x << 32) ^ (y & 0xffffffffULL);
 }
 
 }  // namespace
@@ -159,7 +161,7 @@ bool JobFromFolder::build(const std::string& job_name, const std::string& folder
     }
     // Matrix order, row numbers and drill spans.
     layerguess::settleLayers(rows);
-    std::set<long long> drilled;
+    std::set<unsigned long long> drilled;
     for (const LayerGuess& guess : rows) {
         const layer_info& row = guess.info;
         if (row.type == "drill") {
