@@ -67,10 +67,14 @@ QStringList DrillFormatPanel::summary(const QString& job, const QString& step) {
         if (format == attributes.end()) {
             continue;
         }
-        lines << tr("Drill layer %1 read as %2 (%3)")
-                     .arg(layer, QString::fromStdString(format->second),
-                          source == attributes.end() ? tr("how is not known")
-                                                     : QString::fromStdString(source->second));
+        const QString how = source == attributes.end() ? tr("how is not known")
+                                                       : QString::fromStdString(source->second);
+        // A format the holes could not confirm is a guess the user has to look at.
+        const bool unsure = how.contains(QLatin1String("not checked")) ||
+                            how.contains(QLatin1String("not confirmed"));
+        lines << (unsure ? tr("Warning: drill layer %1 read as %2 (%3)")
+                         : tr("Drill layer %1 read as %2 (%3)"))
+                     .arg(layer, QString::fromStdString(format->second), how);
     }
     return lines;
 }
@@ -87,9 +91,11 @@ DrillFormatPanel::DrillFormatPanel(const QString& job, const QString& step, cons
     table_->setSelectionMode(QAbstractItemView::SingleSelection);
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     units_ = new QComboBox(this);
+    units_->setObjectName(QStringLiteral("Units"));
     units_->addItem(tr("inch"), QStringLiteral("inch"));
     units_->addItem(tr("mm"), QStringLiteral("mm"));
     zeros_ = new QComboBox(this);
+    zeros_->setObjectName(QStringLiteral("Zeros"));
     for (const auto& z : kZeros) {
         zeros_->addItem(tr(z[1]), QString::fromLatin1(z[0]));
     }

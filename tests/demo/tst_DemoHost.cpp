@@ -2,8 +2,10 @@
 // the panel drawing puts each instance where the engine does, and that the tour pictures every
 // dialog.
 
+#include <QComboBox>
 #include <QImage>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <cmath>
@@ -13,6 +15,7 @@
 #include "DataRows.h"
 #include "DemoWindow.h"
 #include "DialogCatalogue.h"
+#include "DrillFormatPanel.h"
 #include "FeatureFilterSettings.h"
 #include "GraphicView.h"
 #include "Korvo_API.h"
@@ -241,6 +244,46 @@ private slots:
                                                      .arg(drawn.y())));
             }
         }
+    }
+
+    // An opened board says how each drill file was read; read again in a format the user
+    // sets, the holes move by that format and the engine reports it as the user's.
+    void drillFormatsShownAndOverridden() {
+        const QString board = QStringLiteral("/usr/share/doc/gerbv/examples/protel-pnp");
+        if (!QDir(board).exists()) {
+            QSKIP("the gerbv examples are not installed");
+        }
+        DemoWindow window;
+        QVERIFY(window.openFabricationFiles(board));
+        const QString log = window.findChild<QPlainTextEdit*>()->toPlainText();
+        QVERIFY2(log.contains("Drill layer se_sg_if_v2.txt read as INCH,LZ 2:3, plated (header"),
+                 qPrintable(log));
+        std::vector<Korvo::API::featureInfo> before;
+        QVERIFY(Korvo::API::get_all_feature_info("protel-pnp", "pcb", "se_sg_if_v2.txt", before,
+                                                 Korvo::API::FT_All));
+
+        auto* panel = qobject_cast<DrillFormatPanel*>(window.openDrillFormats());
+        QVERIFY(panel != nullptr);
+        // The same digits read with trailing zeros left out (TZ) instead of leading ones.
+        auto* zeros = panel->findChild<QComboBox*>(QStringLiteral("Zeros"));
+        zeros->setCurrentIndex(zeros->findData(QStringLiteral("leading")));
+        QVERIFY(panel->readAgain());
+        std::map<std::string, std::string> attributes;
+        QVERIFY(Korvo::API::get_step_attributes("protel-pnp", "pcb", attributes));
+        QCOMPARE(QString::fromStdString(attributes["drill_format_source.se_sg_if_v2.txt"]),
+                 QString("set by the user"));
+        std::vector<Korvo::API::featureInfo> after;
+        QVERIFY(Korvo::API::get_all_feature_info("protel-pnp", "pcb", "se_sg_if_v2.txt", after,
+                                                 Korvo::API::FT_All));
+        QCOMPARE(after.size(), before.size());
+        // X0152 was 1.52 inch; with leading zeros left out it reads 0.152 inch.
+        int moved = 0;
+        for (size_t k = 0; k < after.size(); ++k) {
+            moved += std::abs(after[k].start.x - before[k].start.x) > 1000;
+        }
+        QCOMPARE(after.size(), size_t(427));
+        QVERIFY2(moved > int(after.size()) / 2, qPrintable(QString::number(moved)));
+        panel->close();
     }
 
     void tourPicturesEveryDialog() {
