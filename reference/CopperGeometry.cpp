@@ -117,6 +117,11 @@ bool inSweep(const ArcBand& arc, double angle) {
     return turn <= arc.sweep + kSlack || turn >= 2 * kPi - kSlack;
 }
 
+// Whether the ray from the arc's centre through `x` crosses the arc.
+bool inSweep(const ArcBand& arc, const point& x) {
+    return inSweep(arc, std::atan2(x.y - arc.centre.y, x.x - arc.centre.x));
+}
+
 GeoBox arcBox(const ArcBand& arc) {
     const point a = arcAt(arc, arc.start);
     const point b = arcAt(arc, arc.start + arc.sweep);
@@ -555,8 +560,7 @@ double CopperGeometry::arcSegmentDistance(const ArcBand& arc, const point& p, co
             const double along = std::sqrt(arc.radius * arc.radius - h * h) / std::sqrt(dd);
             for (const double s : {t - along, t + along}) {
                 const point x = add(p, scale(d, s));
-                if (s >= 0 && s <= 1 &&
-                    inSweep(arc, std::atan2(x.y - arc.centre.y, x.x - arc.centre.x))) {
+                if (s >= 0 && s <= 1 && inSweep(arc, x)) {
                     best.offer(0.0, x, x);
                 }
             }
@@ -622,8 +626,7 @@ double CopperGeometry::arcArcDistance(const ArcBand& a, const ArcBand& b, point&
             const point base = add(a.centre, scale(u, along));
             for (const double side : {-1.0, 1.0}) {
                 const point x = add(base, scale(point{-u.y, u.x}, side * across));
-                if (inSweep(a, std::atan2(x.y - a.centre.y, x.x - a.centre.x)) &&
-                    inSweep(b, std::atan2(x.y - b.centre.y, x.x - b.centre.x))) {
+                if (inSweep(a, x) && inSweep(b, x)) {
                     best.offer(0.0, x, x);
                 }
             }

@@ -140,8 +140,7 @@ private slots:
             wctest::row(file, file, type, side, order);
         };
         // ekf2: neutral names. The planes are named; the signal layers are the user's to type.
-        for (const char* f : {"ekf2/l0.grb", "ekf2/l1.grb", "ekf2/l5.grb", "ekf2/d1.grb",
-                              "ekf2/resplan.grb", "ekf2/sieb0.grb", "ekf2/stp1.grb"}) {
+        for (const char* f : {"ekf2/l0.grb", "ekf2/d1.grb", "ekf2/resplan.grb"}) {
             add(f, "document", "none");
         }
         add("ekf2/gnd.grb", "power_ground", "inner");
@@ -151,7 +150,7 @@ private slots:
              {"ekf2/drill0.exc", "ekf2/drill1.exc", "ekf2/drill20.exc", "ekf2/drill30.exc"}) {
             add(f, "drill", "none");
         }
-        // numpres: gEDA names by side word and group number.
+        // numpres: names by side word and group number.
         add("numpres/numpres.pcb.output_componentmask.grb", "solder_mask", "top");
         add("numpres/numpres.pcb.output_soldermask.grb", "solder_mask", "bottom");
         add("numpres/numpres.pcb.output_componentsilk.grb", "silk_screen", "top");
@@ -178,8 +177,6 @@ private slots:
         add("orcad/rs232_cm.sst", "silk_screen", "top");
         add("orcad/rs232_cm.ssb", "silk_screen", "bottom");
         add("orcad/rs232_cm.ast", "document", "none");
-        add("orcad/rs232_cm.asb", "document", "none");
-        add("orcad/rs232_cm.drd", "document", "none");
         add("orcad/thruhole.tap", "drill", "none");
         // protel-pnp: the G?? extensions.
         add("protel-pnp/SE_SG_IF_V2.GTL", "signal", "top");
@@ -190,21 +187,16 @@ private slots:
         add("protel-pnp/SE_SG_IF_V2.GBO", "silk_screen", "bottom");
         add("protel-pnp/SE_SG_IF_V2.GM1", "rout", "none");
         add("protel-pnp/SE_SG_IF_V2.GM2", "document", "none");
-        add("protel-pnp/SE_SG_IF_V2.GD1", "document", "none");
-        add("protel-pnp/SE_SG_IF_V2.GG1", "document", "none");
         add("protel-pnp/SE_SG_IF_V2.TXT", "drill", "none");
         // Single files of the other folders.
         add("thermal/bpB.GP1", "power_ground", "inner", 1);
-        add("thermal/dsp.GP1", "power_ground", "inner", 1);
         add("pick-and-place/LED.frontsilk.gbr", "silk_screen", "top");
         add("eaglecad1/top-cop.gbx", "signal", "top");
         add("dan/top.gbx", "signal", "top");
         add("dan/top_sr.gbx", "document", "none");
         add("amacro-ref/jj1.drl", "drill", "none");
-        for (const char* f : {"Mentor-BoardStation/artwork_1.grb", "am-test/am-test.gbx",
-                              "amacro-ref/1.grb", "amacro-ref/stp0.grb", "cslk/cslk.gbx",
-                              "exposure/example.grb", "jj/l1-1.grb", "polarity/6_vbat.gbr",
-                              "uwe/example.gbr", "trailing/cd1r2.1_sieb0.off", "ekf/l1.off"}) {
+        for (const char* f : {"am-test/am-test.gbx", "cslk/cslk.gbx", "polarity/6_vbat.gbr",
+                              "trailing/cd1r2.1_sieb0.off"}) {
             add(f, "document", "none");
         }
     }
