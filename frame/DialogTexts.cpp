@@ -1,10 +1,16 @@
 #include "DialogTexts.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QTableWidget>
+#include <QTreeWidget>
+#include <algorithm>
 
 #include "Translate.h"
 
@@ -12,17 +18,75 @@ namespace wc {
 namespace {
 
 const char* const kSourceProperty = "wcSourceText";
+const char* const kToolTipProperty = "wcSourceToolTip";
+const char* const kStatusTipProperty = "wcSourceStatusTip";
+const char* const kItemsProperty = "wcSourceItems";
 
-void show(QWidget* dialog, QWidget* widget, const QString& source) {
+void show(QWidget* dialog, QObject* object, const QString& source) {
     const QString text = translateFor(dialog, source);
-    if (widget == dialog) {
-        widget->setWindowTitle(text);
-    } else if (auto* box = qobject_cast<QGroupBox*>(widget)) {
+    if (object == dialog) {
+        dialog->setWindowTitle(text);
+    } else if (auto* box = qobject_cast<QGroupBox*>(object)) {
         box->setTitle(text);
-    } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+    } else if (auto* button = qobject_cast<QAbstractButton*>(object)) {
         button->setText(text);
-    } else if (auto* label = qobject_cast<QLabel*>(widget)) {
+    } else if (auto* label = qobject_cast<QLabel*>(object)) {
         label->setText(text);
+    } else if (auto* action = qobject_cast<QAction*>(object)) {
+        action->setText(text);
+    } else if (auto* edit = qobject_cast<QLineEdit*>(object)) {
+        edit->setPlaceholderText(text);
+    }
+}
+
+void showTip(QWidget* dialog, QObject* object, const char* property, const QString& source) {
+    const QString text = translateFor(dialog, source);
+    const bool tool_tip = qstrcmp(property, kToolTipProperty) == 0;
+    if (auto* widget = qobject_cast<QWidget*>(object)) {
+        tool_tip ? widget->setToolTip(text) : widget->setStatusTip(text);
+    } else if (auto* action = qobject_cast<QAction*>(object)) {
+        tool_tip ? action->setToolTip(text) : action->setStatusTip(text);
+    }
+}
+
+void showItems(QWidget* dialog, QWidget* widget, const QStringList& sources) {
+    QStringList texts;
+    for (const QString& source : sources) {
+        texts.append(translateFor(dialog, source));
+    }
+    if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+        for (int index = 0; index < texts.size(); ++index) {
+            if (index < combo->count()) {
+                combo->setItemText(index, texts[index]);
+            } else {
+                combo->addItem(texts[index]);
+            }
+        }
+    } else if (auto* table = qobject_cast<QTableWidget*>(widget)) {
+        table->setColumnCount(std::max(table->columnCount(), static_cast<int>(texts.size())));
+        table->setHorizontalHeaderLabels(texts);
+    } else if (auto* tree = qobject_cast<QTreeWidget*>(widget)) {
+        tree->setHeaderLabels(texts);
+    }
+}
+
+// Everything remembered on one object, shown again.
+void showAll(QWidget* dialog, QObject* object) {
+    const QVariant text = object->property(kSourceProperty);
+    if (text.isValid()) {
+        show(dialog, object, text.toString());
+    }
+    for (const char* property : {kToolTipProperty, kStatusTipProperty}) {
+        const QVariant tip = object->property(property);
+        if (tip.isValid()) {
+            showTip(dialog, object, property, tip.toString());
+        }
+    }
+    const QVariant items = object->property(kItemsProperty);
+    if (items.isValid()) {
+        if (auto* widget = qobject_cast<QWidget*>(object)) {
+            showItems(dialog, widget, items.toStringList());
+        }
     }
 }
 
@@ -38,22 +102,39 @@ QString nameOf(const char* text) {
     return name;
 }
 
-void setSourceText(QWidget* dialog, QWidget* widget, const char* source) {
+void setSourceText(QWidget* dialog, QObject* object, const char* source) {
     const QString text = QString::fromUtf8(source);
-    widget->setProperty(kSourceProperty, text);
-    show(dialog, widget, text);
+    object->setProperty(kSourceProperty, text);
+    show(dialog, object, text);
 }
 
-void retranslate(QWidget* dialog) {
-    const QVariant own = dialog->property(kSourceProperty);
-    if (own.isValid()) {
-        show(dialog, dialog, own.toString());
+void setSourceToolTip(QWidget* dialog, QObject* object, const char* source) {
+    const QString text = QString::fromUtf8(source);
+    object->setProperty(kToolTipProperty, text);
+    showTip(dialog, object, kToolTipProperty, text);
+}
+
+void setSourceStatusTip(QWidget* dialog, QObject* object, const char* source) {
+    const QString text = QString::fromUtf8(source);
+    object->setProperty(kStatusTipProperty, text);
+    showTip(dialog, object, kStatusTipProperty, text);
+}
+
+void setSourceItems(QWidget* dialog, QWidget* widget, const QList<const char*>& sources) {
+    QStringList texts;
+    for (const char* source : sources) {
+        texts.append(QString::fromUtf8(source));
     }
-    for (QWidget* widget : dialog->findChildren<QWidget*>()) {
-        const QVariant source = widget->property(kSourceProperty);
-        if (source.isValid()) {
-            show(dialog, widget, source.toString());
-        }
+    widget->setProperty(kItemsProperty, texts);
+    showItems(dialog, widget, texts);
+}
+
+// Every object below the dialog, widgets and actions alike; popups and menus parented to it
+// are reached too.
+void retranslate(QWidget* dialog) {
+    showAll(dialog, dialog);
+    for (QObject* object : dialog->findChildren<QObject*>()) {
+        showAll(dialog, object);
     }
 }
 

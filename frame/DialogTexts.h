@@ -1,8 +1,10 @@
 #pragma once
 // Texts of a dialog's own widgets that follow the language: each widget made or labelled here
 // remembers its English text, and retranslate() shows every remembered text again in the
-// current language, in the dialog's translation context. Also the titled check-box groups of the
-// optimisation dialogs (their radio-button groups are wc::ChoiceGroup).
+// current language, in the dialog's translation context. This is the one way a dialog follows
+// the language: its change_language() is retranslate(this) and whatever its shared pieces
+// (run controls, field tables) add. Also the titled check-box groups of the optimisation
+// dialogs (their radio-button groups are wc::ChoiceGroup).
 
 #include <QList>
 #include <QString>
@@ -11,12 +13,19 @@
 
 class QCheckBox;
 class QGroupBox;
+class QObject;
 class QWidget;
 
 namespace wc {
 
-// Labels, buttons, check boxes, group boxes (their title) and the dialog itself (its title).
-void setSourceText(QWidget* dialog, QWidget* widget, const char* source);
+// Labels, buttons, check boxes, group boxes (their title), actions, line edits (their
+// placeholder) and the dialog itself (its title).
+void setSourceText(QWidget* dialog, QObject* object, const char* source);
+// The tool tip and the status-bar tip of a widget or an action.
+void setSourceToolTip(QWidget* dialog, QObject* object, const char* source);
+void setSourceStatusTip(QWidget* dialog, QObject* object, const char* source);
+// The items of a combo box, or the column headers of a table or tree widget, in order.
+void setSourceItems(QWidget* dialog, QWidget* widget, const QList<const char*>& sources);
 void retranslate(QWidget* dialog);
 
 // Check boxes in a titled box, laid out in `columns` columns; object names
