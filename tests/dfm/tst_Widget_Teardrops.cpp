@@ -130,9 +130,12 @@ private slots:
             "The Value : 21 is outside of (0,20) !");
         row("ring first", 0, QStringList{"DrillSizeMin=101", "AnnRingMin=25"},
             "The Value : 25 is outside of (0,20) !");
-        row("mm drill max at its limit", 1, QStringList{"DrillSizeMax=5.08"}, "");
-        row("mm drill max over", 1, QStringList{"DrillSizeMax=5.09"},
-            "The Value : 5.09 is outside of (0,5.08) !");
+        // In mm the limits read as whole millimetres: 20 mil reads 0, 200 mil (5.08 mm) 5.
+        row("mm ring reads 0", 1, QStringList{"AnnRingMin=0.1"},
+            "The Value : 0.1 is outside of (0,0) !");
+        row("mm drill max at its limit", 1, QStringList{"DrillSizeMax=5"}, "");
+        row("mm drill max over", 1, QStringList{"DrillSizeMax=5.05"},
+            "The Value : 5.05 is outside of (0,5) !");
         row("empty length", 0, QStringList{"Extend="},
             "Illegal floating parameter : Empty text-box ! ");
         row("empty ratio", 0, QStringList{"LineWidthRatio="},
