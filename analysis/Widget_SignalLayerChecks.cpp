@@ -22,10 +22,11 @@
 #include "Common.h"
 #include "Korvo_API.h"
 #include "ZeLineEdit.h"
-#include "analysis/Widget_Ranges.h"
-#include "analysis/Widget_ResultsViewer.h"
+#include "analysis/ResultWindows.h"
 #include "common_cache.h"
 #include "frame/BackgroundRun.h"
+#include "frame/DialogShell.h"
+#include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/ParameterSetForm.h"
 #include "frame/ParameterSetStore.h"
@@ -87,71 +88,76 @@ wc::BackgroundRunOptions runOptions(QWidget* owner, const QString& label, const 
 
 Widget_SignalLayerChecks::Widget_SignalLayerChecks(const QString& job, const QString& step,
                                                    QWidget* parent, Korvo::UIAPI::Check_Type type)
-    : QWidget(parent, Qt::Window), handle_(parent), job_(job), step_(step), type_(type) {
+    : QWidget(parent, Qt::Window), type_(type) {
     setWindowFlags(Qt::WindowFlags(0x8001003));
+    wc::RunControlsOptions options;
+    options.range_key = kRangeKey;
+    options.layer_text = QStringLiteral(".type=signal|mixed&side=top|bottom&context=board");
+    options.erf_text = QStringLiteral("Outer(Mils)");
+    shell_ = new wc::DialogShell(this, parent, job, step, options);
+    controls_ = &shell_->controls();
+    windows_ = std::make_unique<wc::ResultWindows>(*shell_);
     initSignalLayerChecks();
 }
 
 Widget_SignalLayerChecks::~Widget_SignalLayerChecks() = default;
 
 void Widget_SignalLayerChecks::initSignalLayerChecks() {
-    wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
-    options.layer_text = QStringLiteral(".type=signal|mixed&side=top|bottom&context=board");
-    options.erf_text = QStringLiteral("Outer(Mils)");
-    controls_ = new wc::RunControls(this, options);
-    controls_->setJob(job_);
     // The default filter is long; it should be readable whole.
     controls_->layerEdit()->setMinimumWidth(320);
-
-    distances_ =
-        std::make_unique<wc::FieldTable<signal_check_params>>(this, handle_, distanceRows());
-    auto* distance_grid = new QGridLayout;
-    distances_->addToGrid(distance_grid, 0);
-
-    test_group_ = new QGroupBox(tr("Test List"), this);
+    distances_ = std::make_unique<wc::FieldTable<signal_check_params>>(this, shell_->handle(),
+                                                                       distanceRows());
+    test_group_ = new QGroupBox(this);
     test_group_->setObjectName(QStringLiteral("groupBox_TestList"));
+    wc::setSourceText(this, test_group_, QT_TR_NOOP("Test List"));
     test_group_->setStyleSheet(QLatin1String(kGroupStyle));
     auto* test_grid = new QGridLayout(test_group_);
     const auto& order = wc::signalTestScreenOrder();
     for (int position = 0; position < wc::kSignalTestCount; ++position) {
         const signal_layers_checks_list test = order[static_cast<size_t>(position)];
         const QString label = wc::signalTestLabel(test);
-        auto* box = new QCheckBox(tr(label.toUtf8().constData()), test_group_);
+        auto* box = new QCheckBox(test_group_);
         box->setObjectName(QStringLiteral("checkBox_") + QString(label).remove(QLatin1Char(' ')));
+        wc::setSourceText(this, box, label.toUtf8().constData());
         box->setChecked(true);
         tests_[test] = box;
         test_grid->addWidget(box, position / 2, position % 2);
     }
-
-    QGroupBox* apply_to =
-        makeChoiceGroup(QStringLiteral("ApplyTo"), "Apply to", {"All", "Selected"}, apply_to_);
-    QGroupBox* missing_pads =
-        makeChoiceGroup(QStringLiteral("MissingPads"), "Check Missing Pads for Drills",
-                        {"Yes", "No"}, missing_pads_);
-    QGroupBox* compensated =
-        makeChoiceGroup(QStringLiteral("CompensatedRout"), "Use Compensated Rout",
-                        {"Yes", "No", "Skeleton"}, compensated_rout_);
-    QGroupBox* sm_spacing = makeChoiceGroup(
-        QStringLiteral("SmSpacing"), "Sort Spacing by Solder Mask", {"Yes", "No"}, sm_spacing_);
-    // The choices' defaults.
+    // The choices and their defaults.
     const wc::SignalCheckForm defaults;
-    apply_to_->button(defaults.apply_to)->setChecked(true);
-    missing_pads_->button(defaults.missing_pads)->setChecked(true);
-    compensated_rout_->button(defaults.compensated_rout)->setChecked(true);
-    sm_spacing_->button(defaults.sm_spacing)->setChecked(true);
+    apply_to_ = wc::makeChoiceGroup(this, QStringLiteral("ApplyTo"), QT_TR_NOOP("Apply to"),
+                                    {QT_TR_NOOP("All"), QT_TR_NOOP("Selected")}, defaults.apply_to);
+    missing_pads_ = wc::makeChoiceGroup(
+        this, QStringLiteral("MissingPads"), QT_TR_NOOP("Check Missing Pads for Drills"),
+        {QT_TR_NOOP("Yes"), QT_TR_NOOP("No")}, defaults.missing_pads);
+    compensated_rout_ = wc::makeChoiceGroup(
+        this, QStringLiteral("CompensatedRout"), QT_TR_NOOP("Use Compensated Rout"),
+        {QT_TR_NOOP("Yes"), QT_TR_NOOP("No"), QT_TR_NOOP("Skeleton")}, defaults.compensated_rout);
+    sm_spacing_ = wc::makeChoiceGroup(this, QStringLiteral("SmSpacing"),
+                                      QT_TR_NOOP("Sort Spacing by Solder Mask"),
+                                      {QT_TR_NOOP("Yes"), QT_TR_NOOP("No")}, defaults.sm_spacing);
+    for (const wc::ChoiceGroup* group : choiceGroups()) {
+        group->box->setStyleSheet(QLatin1String(kGroupStyle));
+    }
 
     summary_ = new QLabel(this);
     summary_->setObjectName(QStringLiteral("label_Summary"));
     summary_->setFixedWidth(24);
     summary_->setAlignment(Qt::AlignCenter);
-    save_db_ = new QPushButton(tr("Save"), this);
+    save_db_ = new QPushButton(this);
     save_db_->setObjectName(QStringLiteral("pushButton_SaveToDb"));
-    load_db_ = new QPushButton(tr("Load"), this);
+    wc::setSourceText(this, save_db_, QT_TR_NOOP("Save"));
+    load_db_ = new QPushButton(this);
     load_db_->setObjectName(QStringLiteral("pushButton_LoadFromDb"));
-    close_ = new QPushButton(tr("Close"), this);
-    close_->setObjectName(QStringLiteral("pushButton_Close"));
+    wc::setSourceText(this, load_db_, QT_TR_NOOP("Load"));
+    wc::setSourceText(this, this, QT_TR_NOOP("Signal Layer Check"));
+    layOut();
+    wireUp();
+}
 
+void Widget_SignalLayerChecks::layOut() {
+    auto* distance_grid = new QGridLayout;
+    distances_->addToGrid(distance_grid, 0);
     auto* database_row = new QHBoxLayout;
     database_row->addWidget(controls_->rangesButton());
     database_row->addStretch();
@@ -161,96 +167,74 @@ void Widget_SignalLayerChecks::initSignalLayerChecks() {
     run_row->addWidget(summary_);
     auto* close_row = new QHBoxLayout;
     close_row->addStretch();
-    close_row->addWidget(close_);
+    close_row->addWidget(controls_->closeButton());
+    auto* choices = new QGridLayout;
+    choices->addWidget(apply_to_.box, 0, 0);
+    choices->addWidget(missing_pads_.box, 0, 1);
+    choices->addWidget(compensated_rout_.box, 1, 0);
+    choices->addWidget(sm_spacing_.box, 1, 1);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(controls_->makeLayerRow());
     layout->addLayout(controls_->makeErfRow());
     layout->addLayout(distance_grid);
     layout->addWidget(test_group_);
-    auto* choices = new QGridLayout;
-    choices->addWidget(apply_to, 0, 0);
-    choices->addWidget(missing_pads, 0, 1);
-    choices->addWidget(compensated, 1, 0);
-    choices->addWidget(sm_spacing, 1, 1);
     layout->addLayout(choices);
     layout->addLayout(database_row);
     layout->addLayout(run_row);
     layout->addWidget(controls_->timeLabel());
     layout->addWidget(controls_->statusLabel());
     layout->addLayout(close_row);
+}
 
-    connect(controls_->rangesButton(), SIGNAL(clicked()), this, SLOT(on_Ranges_clicked()));
-    connect(controls_->runButton(wc::ScopeGlobal), SIGNAL(clicked()), this,
-            SLOT(on_RunGlobally_clicked()));
-    connect(controls_->runButton(wc::ScopeScreen), SIGNAL(clicked()), this,
-            SLOT(on_RunScreen_clicked()));
-    connect(controls_->runButton(wc::ScopeProfile), SIGNAL(clicked()), this,
-            SLOT(on_RunProfile_clicked()));
-    connect(controls_->viewButton(), SIGNAL(clicked()), this, SLOT(on_ViewResult_clicked()));
-    connect(controls_->saveAsButton(), SIGNAL(clicked()), this, SLOT(on_m_pSaveAsPB_clicked()));
+void Widget_SignalLayerChecks::wireUp() {
+    wc::RunControls::Callbacks callbacks;
+    callbacks.run = [this](int scope) { signalLayerChecks(scope); };
+    callbacks.view = [this] { showResultsViewer(true); };
+    callbacks.ranges = [this] { windows_->openRanges(this, "Signal Layer Check"); };
+    callbacks.save_as = [this] { askTemplateName(); };
+    callbacks.file = __FILE__;
+    callbacks.line = __LINE__;
+    controls_->connectTo(callbacks);
     connect(controls_, &wc::RunControls::erfChosen, this, &Widget_SignalLayerChecks::get_ERF_text);
-    connect(save_db_, SIGNAL(clicked()), this, SLOT(on_SaveToDb_clicked()));
-    connect(load_db_, SIGNAL(clicked()), this, SLOT(on_LoadFromDb_clicked()));
-    connect(close_, SIGNAL(clicked()), this, SLOT(on_Close_clicked()));
+    connect(save_db_, &QPushButton::clicked, this, &Widget_SignalLayerChecks::on_SaveToDb_clicked);
+    connect(load_db_, &QPushButton::clicked, this,
+            &Widget_SignalLayerChecks::on_LoadFromDb_clicked);
     connect(this, &Widget_SignalLayerChecks::send_Sel_Template_Name, this,
             &Widget_SignalLayerChecks::get_ERF_Name);
 
     // Any change of a parameter makes the shown result stale.
+    QList<QObject*> parameters = distances_->editObjects();
     for (QCheckBox* box : tests_) {
-        connect(box, SIGNAL(stateChanged(int)), this, SLOT(change_viewbtn_stylesheet(int)));
+        parameters.append(box);
     }
-    for (QButtonGroup* group : {apply_to_, missing_pads_, compensated_rout_, sm_spacing_}) {
-        for (QAbstractButton* button : group->buttons()) {
-            connect(button, SIGNAL(clicked()), this, SLOT(change_viewbtn_stylesheet()));
-        }
+    for (const wc::ChoiceGroup* group : choiceGroups()) {
+        parameters.append(group->group);
     }
-    for (QObject* edit : distances_->editObjects()) {
-        connect(edit, SIGNAL(editingFinished()), this, SLOT(change_viewbtn_stylesheet()));
-    }
-    connect(controls_->layerEdit(), SIGNAL(editingFinished()), this,
-            SLOT(change_viewbtn_stylesheet()));
-
-    setWindowTitle(tr("Signal Layer Check"));
+    parameters.append(controls_->layerEdit());
+    controls_->markStaleOnChange(parameters);
 }
 
-QGroupBox* Widget_SignalLayerChecks::makeChoiceGroup(const QString& name, const char* title,
-                                                     const std::vector<const char*>& choices,
-                                                     QButtonGroup*& group) {
-    auto* box = new QGroupBox(tr(title), this);
-    box->setObjectName(QStringLiteral("groupBox_") + name);
-    box->setStyleSheet(QLatin1String(kGroupStyle));
-    group = new QButtonGroup(box);
-    group->setObjectName(QStringLiteral("buttonGroup_") + name);
-    auto* row = new QHBoxLayout(box);
-    for (size_t id = 0; id < choices.size(); ++id) {
-        auto* radio = new QRadioButton(tr(choices[id]), box);
-        radio->setObjectName(QStringLiteral("radioButton_") + name + QLatin1Char('_') +
-                             QString::fromLatin1(choices[id]));
-        group->addButton(radio, static_cast<int>(id));
-        row->addWidget(radio);
-    }
-    row->addStretch();
-    choice_groups_.append(box);
-    return box;
+std::array<const wc::ChoiceGroup*, 4> Widget_SignalLayerChecks::choiceGroups() const {
+    return {&apply_to_, &missing_pads_, &compensated_rout_, &sm_spacing_};
 }
 
 // ---- host calls -----------------------------------------------------------------------------
 
 void Widget_SignalLayerChecks::changeJobAndStep(const QString& new_job, const QString& new_step) {
+    const std::string old_job = shell_->job().toStdString();
+    const std::string old_step = shell_->step().toStdString();
     LOG(INFO) << "Widget_SignalLayerChecks::changeJobAndStep function exec before"
-              << " old job :" << job_.toStdString() << " new job :" << new_job.toStdString()
-              << "old step :" << step_.toStdString() << "new step :" << new_step.toStdString();
-    job_ = new_job;
-    step_ = new_step;
-    controls_->setJob(job_);
+              << " old job :" << old_job << " new job :" << new_job.toStdString()
+              << "old step :" << old_step << "new step :" << new_step.toStdString();
+    shell_->updateJobStep(new_job, new_step);
     LOG(INFO) << "Widget_SignalLayerChecks::changeJobAndStep function exec end"
-              << " old job :" << job_.toStdString() << " new job :" << new_job.toStdString()
-              << "old step :" << step_.toStdString() << "new step :" << new_step.toStdString();
+              << " old job :" << old_job << " new job :" << new_job.toStdString()
+              << "old step :" << old_step << "new step :" << new_step.toStdString();
 }
 
 void Widget_SignalLayerChecks::setAffectedLayers(const QStringList& layers) {
-    controls_->layerEdit()->setText(layers.join(QLatin1Char(';')));
+    shell_->setAffectedLayers(layers);
 }
 
 void Widget_SignalLayerChecks::setErfValues(const QString& name) {
@@ -283,10 +267,10 @@ wc::SignalCheckForm Widget_SignalLayerChecks::form() const {
     for (int test = 0; test < wc::kSignalTestCount; ++test) {
         form.tests[static_cast<size_t>(test)] = tests_[test]->isChecked();
     }
-    form.apply_to = apply_to_->checkedId();
-    form.missing_pads = missing_pads_->checkedId();
-    form.compensated_rout = compensated_rout_->checkedId();
-    form.sm_spacing = sm_spacing_->checkedId();
+    form.apply_to = apply_to_.group->checkedId();
+    form.missing_pads = missing_pads_.group->checkedId();
+    form.compensated_rout = compensated_rout_.group->checkedId();
+    form.sm_spacing = sm_spacing_.group->checkedId();
     return form;
 }
 
@@ -299,15 +283,10 @@ void Widget_SignalLayerChecks::setForm(const wc::SignalCheckForm& form) {
     for (int test = 0; test < wc::kSignalTestCount; ++test) {
         tests_[test]->setChecked(form.tests[static_cast<size_t>(test)]);
     }
-    auto check = [](QButtonGroup* group, int id) {
-        if (QAbstractButton* button = group->button(id)) {
-            button->setChecked(true);
-        }
-    };
-    check(apply_to_, form.apply_to);
-    check(missing_pads_, form.missing_pads);
-    check(compensated_rout_, form.compensated_rout);
-    check(sm_spacing_, form.sm_spacing);
+    apply_to_.check(form.apply_to);
+    missing_pads_.check(form.missing_pads);
+    compensated_rout_.check(form.compensated_rout);
+    sm_spacing_.check(form.sm_spacing);
 }
 
 QString Widget_SignalLayerChecks::getSignalLayerParams() const {
@@ -318,7 +297,7 @@ int Widget_SignalLayerChecks::getTestListCnt() const {
     return wc::checkedSignalTestCount(form());
 }
 
-// ---- slots in the order the user meets them -------------------------------------------------
+// ---- the buttons ----------------------------------------------------------------------------
 
 void Widget_SignalLayerChecks::on_Layer_clicked() {
     WC_GUARDED({ controls_->showLayerPopup(); });
@@ -329,51 +308,44 @@ void Widget_SignalLayerChecks::on_m_pERFPB_clicked() {
 }
 
 void Widget_SignalLayerChecks::on_Ranges_clicked() {
-    WC_GUARDED({ openRangeEditor(); });
+    controls_->openRanges();
 }
 
 void Widget_SignalLayerChecks::on_RunGlobally_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeGlobal);
-        signalLayerChecks(wc::ScopeGlobal);
-    });
+    controls_->run(wc::ScopeGlobal);
 }
 
 void Widget_SignalLayerChecks::on_RunScreen_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeScreen);
-        signalLayerChecks(wc::ScopeScreen);
-    });
+    controls_->run(wc::ScopeScreen);
 }
 
 void Widget_SignalLayerChecks::on_RunProfile_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeProfile);
-        signalLayerChecks(wc::ScopeProfile);
-    });
+    controls_->run(wc::ScopeProfile);
 }
 
 void Widget_SignalLayerChecks::on_ViewResult_clicked() {
-    WC_GUARDED({ showResultsViewer(true); });
+    controls_->view();
 }
 
 void Widget_SignalLayerChecks::on_Close_clicked() {
-    WC_GUARDED({ close(); });
+    controls_->close();
 }
 
 void Widget_SignalLayerChecks::on_m_pSaveAsPB_clicked() {
-    WC_GUARDED({
-        if (name_dialog_ == nullptr) {
-            name_dialog_ = new QInputDialog(this);
-            name_dialog_->setObjectName(QStringLiteral("templateNameDialog"));
-            name_dialog_->setWindowTitle(tr("Save as"));
-            name_dialog_->setLabelText(tr("Template name:"));
-            connect(name_dialog_, &QInputDialog::textValueSelected, this,
-                    &Widget_SignalLayerChecks::send_Sel_Template_Name);
-        }
-        name_dialog_->setTextValue(controls_->erfEdit()->text());
-        name_dialog_->open();
-    });
+    controls_->saveAs();
+}
+
+void Widget_SignalLayerChecks::askTemplateName() {
+    if (name_dialog_ == nullptr) {
+        name_dialog_ = new QInputDialog(this);
+        name_dialog_->setObjectName(QStringLiteral("templateNameDialog"));
+        name_dialog_->setWindowTitle(tr("Save as"));
+        name_dialog_->setLabelText(tr("Template name:"));
+        connect(name_dialog_, &QInputDialog::textValueSelected, this,
+                &Widget_SignalLayerChecks::send_Sel_Template_Name);
+    }
+    name_dialog_->setTextValue(controls_->erfEdit()->text());
+    name_dialog_->open();
 }
 
 void Widget_SignalLayerChecks::get_ERF_Name(QString name) {
@@ -440,7 +412,7 @@ void Widget_SignalLayerChecks::get_ERF_text(QString name) {
 }
 
 bool Widget_SignalLayerChecks::isErfFileExist(const QString& name) const {
-    return wc::ParameterSetStore(kRangeKey).exists(name);
+    return shell_->isErfFileExist(name);
 }
 
 void Widget_SignalLayerChecks::readConfigJson() {
@@ -450,9 +422,6 @@ void Widget_SignalLayerChecks::readConfigJson() {
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_SignalLayerChecks::signalLayerChecks(int scope) {
-    if (wc::BackgroundRun::activeFor(this)) {
-        return;  // a second click while this dialog's run is under way
-    }
     const std::vector<std::string> layers = checkLayer();
     if (layers.empty()) {
         controls_->setStatus(tr("No layers were processed"));
@@ -469,7 +438,7 @@ void Widget_SignalLayerChecks::signalLayerChecks(int scope) {
     signal_check_params params;
     setSignalCheckParams(params);
     const std::vector<signal_layers_checks_list> tests = wc::checkedSignalTests(form());
-    const int run_scope = wc::runScope(scope, apply_to_->checkedId() == 1);
+    const int run_scope = wc::runScope(scope, apply_to_.group->checkedId() == 1);
     controls_->rememberScope(run_scope);
     last_params_ = params;
     last_tests_ = tests;
@@ -493,7 +462,7 @@ bool Widget_SignalLayerChecks::islineEditsValid() const {
 }
 
 void Widget_SignalLayerChecks::setSignalCheckParams(signal_check_params& params) const {
-    params = wc::signalCheckParams(form(), handle_);
+    params = wc::signalCheckParams(form(), shell_->handle());
 }
 
 void Widget_SignalLayerChecks::runPerLayer(const std::vector<std::string>& layers,
@@ -513,8 +482,8 @@ void Widget_SignalLayerChecks::runPerLayer(const std::vector<std::string>& layer
     // Each layer's answer is complete before the next starts, so a stop keeps whole layers.
     options.stop = wc::StopBehaviour::WaitForWorker;
     wc::BackgroundRun run(options);
-    const std::string job = job_.toStdString();
-    const std::string step = step_.toStdString();
+    const std::string job = shell_->job().toStdString();
+    const std::string step = shell_->step().toStdString();
     bool stopped = false;
     for (const std::string& layer : layers) {
         if (run.stopRequested()) {
@@ -554,7 +523,7 @@ void Widget_SignalLayerChecks::runPerLayer(const std::vector<std::string>& layer
     setLayerWithinCheckInfo();
     controls_->showTime(start, timer.elapsed());
     setColor();
-    controls_->setStatus(tr(wc::layersProcessedText(processed_layers_).toUtf8().constData()));
+    controls_->setStatus(wc::layersProcessedText(this, processed_layers_));
     showResultsViewer(false);
 }
 
@@ -562,10 +531,10 @@ void Widget_SignalLayerChecks::runOnService(const signal_check_params& params,
                                             const std::vector<signal_layers_checks_list>& tests,
                                             int scope) {
     Korvo::CheckList::signal_check_request request;
-    request.job = job_.toStdString();
-    request.step = step_.toStdString();
+    request.job = shell_->job().toStdString();
+    request.step = shell_->step().toStdString();
     request.job_folder =
-        (Common::getPath_database() + QStringLiteral("/job/") + job_).toStdString();
+        (Common::getPath_database() + QStringLiteral("/job/") + shell_->job()).toStdString();
     request.parameters = getSignalLayerParams().toStdString();
     request.params = params;
     request.tests = tests;
@@ -608,7 +577,7 @@ void Widget_SignalLayerChecks::runOnService(const signal_check_params& params,
     controls_->showTime(start, timer.elapsed());
     setColor();
     showResultsViewer(false);
-    controls_->setStatus(QString::number(processed_layers_) + tr(" layers were processed"));
+    controls_->setStatus(tr("%n layers were processed", nullptr, processed_layers_));
 }
 
 void Widget_SignalLayerChecks::setLayerWithinCheckInfo() {
@@ -652,7 +621,11 @@ void Widget_SignalLayerChecks::on_db_connected(bool connected) {
     db_connected_ = connected;
 }
 
+// Like the run buttons, "Save" does nothing while this dialog's run or save is under way.
 void Widget_SignalLayerChecks::on_SaveToDb_clicked() {
+    if (shell_->busy()) {
+        return;
+    }
     WC_GUARDED({ signalLayerCheckResult2DB(); });
 }
 
@@ -663,8 +636,8 @@ void Widget_SignalLayerChecks::signalLayerCheckResult2DB() {
         return;
     }
     Korvo::API::dms_signal_check_params record;
-    record.job = job_.toStdString();
-    record.step = step_.toStdString();
+    record.job = shell_->job().toStdString();
+    record.step = shell_->step().toStdString();
     record.params = last_params_;
     record.tests = last_tests_;
     record.scope = controls_->rememberedScope();
@@ -701,12 +674,14 @@ void Widget_SignalLayerChecks::on_LoadFromDb_clicked() {
             return;
         }
         if (browser_ == nullptr) {
+            using Quorin::DBS_API::CheckResultBrowser;
             browser_ = Quorin::DBS_API::createCheckResultBrowser(this);
-            connect(browser_, SIGNAL(send_check_id_text(QString&)), this,
-                    SLOT(get_analysis_result_from_db(QString&)));
-            connect(browser_, SIGNAL(send_tq_check_id_text(QString&)), this,
-                    SLOT(get_tq_analysis_result_from_db(QString&)));
-            connect(browser_, SIGNAL(send_load_index(int)), this, SLOT(refresh_load_result(int)));
+            connect(browser_, &CheckResultBrowser::send_check_id_text, this,
+                    &Widget_SignalLayerChecks::get_analysis_result_from_db);
+            connect(browser_, &CheckResultBrowser::send_tq_check_id_text, this,
+                    &Widget_SignalLayerChecks::get_tq_analysis_result_from_db);
+            connect(browser_, &CheckResultBrowser::send_load_index, this,
+                    &Widget_SignalLayerChecks::refresh_load_result);
         }
         browser_->show();
         browser_->raise();
@@ -768,7 +743,7 @@ void Widget_SignalLayerChecks::showLoadedResult(const signal_check_result_map& r
     publishResult();
     setLayerWithinCheckInfo();
     setColor();
-    controls_->setStatus(tr(wc::layersProcessedText(processed_layers_).toUtf8().constData()));
+    controls_->setStatus(wc::layersProcessedText(this, processed_layers_));
     showResultsViewer(true);
 }
 
@@ -778,9 +753,8 @@ void Widget_SignalLayerChecks::viewSetShowResult() {
         result_ = *published_;
         processed_layers_ = static_cast<int>(result_.size());
         setLayerWithinCheckInfo();
-        controls_->setStatus(tr(wc::layersProcessedText(processed_layers_, wc::CountWording::Viewer)
-                                    .toUtf8()
-                                    .constData()));
+        controls_->setStatus(
+            wc::layersProcessedText(this, processed_layers_, wc::CountWording::Viewer));
         on_ViewResult_clicked();
         LOG(INFO) << "show view signal check has successful";
     });
@@ -795,66 +769,29 @@ void Widget_SignalLayerChecks::publishResult() {
     Korvo::Cache::common_cache::instance()->setSignalResult(published_);
 }
 
-// A run refreshes a viewer that is already open; the view button opens it.
+// A run refreshes a viewer that is already open; the view button opens it. The viewer's raise
+// reaches the host through Signal_check_raise.
 void Widget_SignalLayerChecks::showResultsViewer(bool open) {
     if (!published_) {
         publishResult();
     }
-    if (viewer_.isNull()) {
-        if (!open) {
-            return;
-        }
-        auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
-        viewer_ = new Widget_ResultsViewer(0, host, published_);
-        viewer_->setJobAndStep(job_, step_);
-        connect(this, &Widget_SignalLayerChecks::unit_changed, viewer_,
-                &Widget_ResultsViewer::change_unit);
-        connect(viewer_, &Widget_ResultsViewer::Signal_check_raise, this, [this] {
-            show();
-            raise();
-            activateWindow();
-        });
-    } else {
-        viewer_->RefreshSignalLayerChecksData(published_);
-    }
-    if (open || viewer_->isVisible()) {
-        viewer_->show();
-        viewer_->raise();
-    }
-}
-
-void Widget_SignalLayerChecks::openRangeEditor() {
-    Widget_Ranges::openFor(ranges_, this, handle_, kRangeKey, "Signal Layer Check");
+    windows_->showViewer(
+        this, open, &Widget_ResultsViewer::Signal_check_raise,
+        [this] {
+            auto* viewer = new Widget_ResultsViewer(0, shell_->host(), published_);
+            connect(viewer, &Widget_ResultsViewer::Signal_check_raise, this,
+                    &Widget_SignalLayerChecks::Signal_check_raise);
+            return viewer;
+        },
+        [this](Widget_ResultsViewer& viewer) { viewer.RefreshSignalLayerChecksData(published_); });
 }
 
 // ---- language and units ---------------------------------------------------------------------
 
 void Widget_SignalLayerChecks::change_language() {
     WC_GUARDED({
-        controls_->changeLanguage();
+        wc::retranslate(this);
         distances_->changeLanguage();
-        test_group_->setTitle(tr("Test List"));
-        for (int test = 0; test < wc::kSignalTestCount; ++test) {
-            tests_[test]->setText(
-                tr(wc::signalTestLabel(static_cast<signal_layers_checks_list>(test))
-                       .toUtf8()
-                       .constData()));
-        }
-        const char* titles[] = {"Apply to", "Check Missing Pads for Drills", "Use Compensated Rout",
-                                "Sort Spacing by Solder Mask"};
-        for (int i = 0; i < choice_groups_.size(); ++i) {
-            choice_groups_[i]->setTitle(tr(titles[i]));
-        }
-        for (QButtonGroup* group : {apply_to_, missing_pads_, compensated_rout_, sm_spacing_}) {
-            for (QAbstractButton* button : group->buttons()) {
-                const QString choice = button->objectName().section(QLatin1Char('_'), -1);
-                button->setText(tr(choice.toUtf8().constData()));
-            }
-        }
-        save_db_->setText(tr("Save"));
-        load_db_->setText(tr("Load"));
-        close_->setText(tr("Close"));
-        setWindowTitle(tr("Signal Layer Check"));
     });
 }
 

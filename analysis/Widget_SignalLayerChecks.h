@@ -3,20 +3,20 @@
 // the engine (or whole on the check-list service), the result per layer with its summary, named
 // templates, and the result database.
 
-#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
+#include <array>
 #include <memory>
 
+#include "CheckResultBrowser.h"
 #include "DBS_API.h"
 #include "Korvo_Analysis_types.h"
 #include "Korvo_UIAPI.h"
 #include "analysis/SignalCheckForm.h"
+#include "frame/ChoiceGroup.h"
 #include "frame/FieldTable.h"
-
-class Widget_Ranges;
-class Widget_ResultsViewer;
+#include "frame/WidgetCommonExport.h"
 
 class QButtonGroup;
 class QCheckBox;
@@ -27,10 +27,12 @@ class QPushButton;
 class QRadioButton;
 
 namespace wc {
+class DialogShell;
+class ResultWindows;
 class RunControls;
-}
+}  // namespace wc
 
-class Widget_SignalLayerChecks : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_SignalLayerChecks : public QWidget {
     Q_OBJECT
 public:
     Widget_SignalLayerChecks(const QString& job, const QString& step, QWidget* parent,
@@ -94,8 +96,10 @@ signals:
 
 private:
     void initSignalLayerChecks();
-    QGroupBox* makeChoiceGroup(const QString& name, const char* title,
-                               const std::vector<const char*>& choices, QButtonGroup*& group);
+    void layOut();
+    void wireUp();
+    std::array<const wc::ChoiceGroup*, 4> choiceGroups() const;
+    void askTemplateName();
     void signalLayerChecks(int scope);
     void runPerLayer(const std::vector<std::string>& layers,
                      const Korvo::API::signal_check_params& params,
@@ -114,38 +118,32 @@ private:
     void signalLayerCheckResult2DB();
     void showLoadedResult(const Korvo::API::signal_check_result_map& result);
     void showResultsViewer(bool open);
-    void openRangeEditor();
     void publishResult();
     void information(const QString& text);
 
-    const void* handle_;
-    QString job_;
-    QString step_;
+    wc::DialogShell* shell_;
+    wc::RunControls* controls_;
+    std::unique_ptr<wc::ResultWindows> windows_;
     Korvo::UIAPI::Check_Type type_;
     bool db_connected_ = false;
     Korvo::API::signal_check_result_map result_;
     // The last result as the cache and the viewer share it: one immutable copy per run.
     std::shared_ptr<const Korvo::API::signal_check_result_map> published_;
-    QPointer<Widget_ResultsViewer> viewer_;
-    QPointer<Widget_Ranges> ranges_;
     Korvo::API::signal_check_params last_params_;
     std::vector<Korvo::API::signal_layers_checks_list> last_tests_;
     int processed_layers_ = 0;
     QStringList layers_within_check_;
 
-    wc::RunControls* controls_ = nullptr;
     std::unique_ptr<wc::FieldTable<Korvo::API::signal_check_params>> distances_;
     QCheckBox* tests_[wc::kSignalTestCount] = {};
     QGroupBox* test_group_ = nullptr;
-    QButtonGroup* apply_to_ = nullptr;
-    QButtonGroup* missing_pads_ = nullptr;
-    QButtonGroup* compensated_rout_ = nullptr;
-    QButtonGroup* sm_spacing_ = nullptr;
-    QList<QGroupBox*> choice_groups_;
+    wc::ChoiceGroup apply_to_;
+    wc::ChoiceGroup missing_pads_;
+    wc::ChoiceGroup compensated_rout_;
+    wc::ChoiceGroup sm_spacing_;
     QLabel* summary_ = nullptr;
     QPushButton* save_db_ = nullptr;
     QPushButton* load_db_ = nullptr;
-    QPushButton* close_ = nullptr;
     QInputDialog* name_dialog_ = nullptr;
-    QWidget* browser_ = nullptr;
+    Quorin::DBS_API::CheckResultBrowser* browser_ = nullptr;
 };

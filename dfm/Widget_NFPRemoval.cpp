@@ -15,9 +15,9 @@
 
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
-#include "analysis/Widget_Ranges.h"
-#include "analysis/Widget_ResultsViewer.h"
-#include "frame/BackgroundRun.h"
+#include "analysis/ResultWindows.h"
+#include "frame/DialogShell.h"
+#include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/OptimisationRun.h"
 #include "frame/ParameterSetActions.h"
@@ -32,7 +32,7 @@ using Korvo::API::NFP_removal_DFM_op_params;
 using Korvo::API::NFP_removal_result_map;
 
 const QString kRangeKey = QStringLiteral("NFPRemoval");
-const char* const kTitle = "NFP Removal";
+const char* const kTitle = QT_TRANSLATE_NOOP("Widget_NFPRemoval", "NFP Removal");
 
 enum Drill { Pth, PthPressfit, Npth, ViaLaser, Via, ViaPhoto };
 const char* const kDrills[] = {QT_TRANSLATE_NOOP("Widget_NFPRemoval", "PTH"),
@@ -96,39 +96,39 @@ NfpSeverity worstSeverity(const Korvo::API::NFP_removal_result_map& result) {
 }  // namespace wc
 
 Widget_NFPRemoval::Widget_NFPRemoval(const QString& job, const QString& step, QWidget* parent)
-    : QWidget(parent, Qt::Window),
-      handle_(parent),
-      job_(job),
-      step_(step),
-      result_(std::make_shared<const NFP_removal_result_map>()) {
+    : QWidget(parent, Qt::Window), result_(std::make_shared<const NFP_removal_result_map>()) {
     setWindowFlags(Qt::WindowFlags(0x8001003));
+    wc::RunControlsOptions options;
+    options.range_key = kRangeKey;
+    // Pads on the outer layers carry components; non-functional pads are an inner-layer matter.
+    options.layer_text = QStringLiteral(".type=signal|mixed&side=inner&context=board");
+    shell_ = new wc::DialogShell(this, parent, job, step, wc::spacedLabels(options));
+    controls_ = &shell_->controls();
+    windows_ = std::make_unique<wc::ResultWindows>(*shell_);
     initNFPRemoval();
 }
 
 Widget_NFPRemoval::~Widget_NFPRemoval() = default;
 
 Widget_ResultsViewer* Widget_NFPRemoval::resultsViewer() const {
-    return viewer_.data();
+    return windows_->viewer();
 }
 
 void Widget_NFPRemoval::initNFPRemoval() {
-    wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
-    // Pads on the outer layers carry components; non-functional pads are an inner-layer matter.
-    options.layer_text = QStringLiteral(".type=signal|mixed&side=inner&context=board");
-    controls_ = new wc::RunControls(this, wc::spacedLabels(options));
-    controls_->setJob(job_);
     // The default filter is long; it should be readable whole.
     controls_->layerEdit()->setMinimumWidth(320);
-    sets_ = new wc::ParameterSetActions(this, controls_, kRangeKey,
-                                        [this] { return parameterWidgets(); });
 
     delete_box_ = new QGroupBox(this);
     delete_box_->setObjectName(QStringLiteral("groupBox_Delete"));
+    wc::setSourceText(this, delete_box_, QT_TR_NOOP("Delete"));
     isolated_ = checkBox(delete_box_, QStringLiteral("Isolated"), true);
+    wc::setSourceText(this, isolated_, QT_TR_NOOP("Isolated"));
     drilled_over_ = checkBox(delete_box_, QStringLiteral("DrilledOver"), false);
+    wc::setSourceText(this, drilled_over_, QT_TR_NOOP("Drilled Over"));
     duplicate_ = checkBox(delete_box_, QStringLiteral("Duplicate"), false);
+    wc::setSourceText(this, duplicate_, QT_TR_NOOP("Duplicate"));
     covered_ = checkBox(delete_box_, QStringLiteral("Covered"), true);
+    wc::setSourceText(this, covered_, QT_TR_NOOP("Covered"));
     auto* delete_row = new QHBoxLayout(delete_box_);
     for (QCheckBox* box : {isolated_, drilled_over_, duplicate_, covered_}) {
         delete_row->addWidget(box);
@@ -136,10 +136,12 @@ void Widget_NFPRemoval::initNFPRemoval() {
 
     drills_box_ = new QGroupBox(this);
     drills_box_->setObjectName(QStringLiteral("groupBox_Drills"));
+    wc::setSourceText(this, drills_box_, QT_TR_NOOP("Drills"));
     auto* drills_grid = new QGridLayout(drills_box_);
     for (int drill = Pth; drill <= ViaPhoto; ++drill) {
         QCheckBox* box = checkBox(drills_box_, QString::fromLatin1(kDrillNames[drill]),
                                   drill == Pth || drill == Via);
+        wc::setSourceText(this, box, kDrills[drill]);
         drills_.append(box);
         drills_grid->addWidget(box, drill / 2, drill % 2);
     }
@@ -153,8 +155,7 @@ void Widget_NFPRemoval::initNFPRemoval() {
                                     {QT_TR_NOOP("ALL"), QT_TR_NOOP("Selected")}, 0);
     action_ = wc::makeChoiceGroup(this, QStringLiteral("Action"), "",
                                   {QT_TR_NOOP("Remove"), QT_TR_NOOP("Mark")}, 0);
-    close_ = new QPushButton(this);
-    close_->setObjectName(QStringLiteral("pushButton_Close"));
+    wc::setSourceText(this, this, kTitle);
 
     auto* choices = new QGridLayout;
     choices->addWidget(work_on_.box, 0, 0);
@@ -168,77 +169,47 @@ void Widget_NFPRemoval::initNFPRemoval() {
     layout->addWidget(drills_box_);
     layout->addLayout(choices);
     layout->addLayout(controls_->makeLayerRow());
-    controls_->addClosingRows(layout, close_);
-
-    // The layer and "ERF:" buttons open their popups through the run controls.
-    controls_->connectTo(this,
-                         {{SLOT(on_m_pRunGlobalPB_clicked()), SLOT(on_m_pScreenOnlyPB_clicked()),
-                           SLOT(on_m_pInsideProfilePB_clicked())},
-                          SLOT(on_m_pViewResultPB_clicked()),
-                          SLOT(on_m_pSaveAsPB_clicked()),
-                          SLOT(on_m_pRangesPB_clicked())});
-    connect(close_, SIGNAL(clicked()), this, SLOT(on_m_pClosePB_clicked()));
-    connect(sets_, &wc::ParameterSetActions::saved, this,
-            &Widget_NFPRemoval::send_Sel_Template_Name);
-
-    // Any change of a parameter makes the shown result stale.
-    for (QObject* widget : parameterWidgets()) {
-        if (auto* box = qobject_cast<QCheckBox*>(widget)) {
-            connect(box, SIGNAL(toggled(bool)), this, SLOT(change_viewbtn_stylesheet()));
-        } else if (auto* group = qobject_cast<QButtonGroup*>(widget)) {
-            connect(group, SIGNAL(buttonClicked(int)), this, SLOT(change_viewbtn_stylesheet()));
-        }
-    }
-    connect(controls_->layerEdit(), SIGNAL(editingFinished()), this,
-            SLOT(change_viewbtn_stylesheet()));
-
-    setTexts();
+    controls_->addClosingRows(layout);
+    wireUp();
 }
 
-void Widget_NFPRemoval::setTexts() {
-    delete_box_->setTitle(tr("Delete"));
-    isolated_->setText(tr("Isolated"));
-    drilled_over_->setText(tr("Drilled Over"));
-    duplicate_->setText(tr("Duplicate"));
-    covered_->setText(tr("Covered"));
-    drills_box_->setTitle(tr("Drills"));
-    for (int drill = Pth; drill <= ViaPhoto; ++drill) {
-        drills_[drill]->setText(tr(kDrills[drill]));
-    }
-    for (const wc::ChoiceGroup* group : {&work_on_, &undrilled_, &apply_to_, &action_}) {
-        group->retranslate(this);
-    }
-    close_->setText(tr("Close"));
-    setWindowTitle(tr(kTitle));
+void Widget_NFPRemoval::wireUp() {
+    wc::RunControls::Callbacks callbacks;
+    callbacks.run = [this](int scope) { run(scope); };
+    callbacks.view = [this] { showResultsViewer(true); };
+    callbacks.ranges = [this] { windows_->openRanges(this, kTitle); };
+    callbacks.save_as = [this] { shell_->sets()->askName(); };
+    callbacks.file = __FILE__;
+    callbacks.line = __LINE__;
+    controls_->connectTo(callbacks);
+    connect(&shell_->useParameterSets([this] { return parameterWidgets(); }),
+            &wc::ParameterSetActions::saved, this, &Widget_NFPRemoval::send_Sel_Template_Name);
+    // Any change of a parameter makes the shown result stale.
+    controls_->markStaleOnChange(parameterWidgets() << controls_->layerEdit());
 }
 
 // ---- host calls -----------------------------------------------------------------------------
 
 void Widget_NFPRemoval::UpdateJobStep(const QString& job, const QString& step) {
-    job_ = job;
-    step_ = step;
-    controls_->setJob(job_);
-    if (!viewer_.isNull()) {
-        viewer_->setJobAndStep(job_, step_);
-    }
+    shell_->updateJobStep(job, step);
 }
 
 void Widget_NFPRemoval::setAffectedLayers(const QStringList& layers) {
-    controls_->layerEdit()->setText(layers.join(QLatin1Char(';')));
+    shell_->setAffectedLayers(layers);
 }
 
 void Widget_NFPRemoval::setErfValues(const QString& name) {
-    WC_GUARDED({ sets_->load(name); });
+    WC_GUARDED({ shell_->setErfValues(name); });
 }
 
 bool Widget_NFPRemoval::isErfFileExist(const QString& name) const {
-    return Korvo::UIAPI::getERFList(kRangeKey).contains(name);
+    return shell_->isErfFileExist(name);
 }
 
 QStringList Widget_NFPRemoval::getInnerLayers() const {
     std::vector<std::string> steps;
     std::vector<Korvo::API::layer_info> layers;
-    wc::recordedGetGraphics(job_.toStdString(), steps, layers);
+    wc::recordedGetGraphics(shell_->job().toStdString(), steps, layers);
     QStringList names;
     for (const Korvo::API::layer_info& layer : layers) {
         if (layer.context == "board" && layer.side == "inner" &&
@@ -249,14 +220,14 @@ QStringList Widget_NFPRemoval::getInnerLayers() const {
     return names;
 }
 
-// ---- slots in the order the user meets them -------------------------------------------------
+// ---- the buttons ----------------------------------------------------------------------------
 
 void Widget_NFPRemoval::on_ERF_clicked() {
     WC_GUARDED({ controls_->showErfPopup(); });
 }
 
 void Widget_NFPRemoval::on_m_pSaveAsPB_clicked() {
-    WC_GUARDED({ sets_->askName(); });
+    controls_->saveAs();
 }
 
 void Widget_NFPRemoval::on_m_pLayerPB_clicked() {
@@ -264,36 +235,32 @@ void Widget_NFPRemoval::on_m_pLayerPB_clicked() {
 }
 
 void Widget_NFPRemoval::on_m_pRangesPB_clicked() {
-    WC_GUARDED({ Widget_Ranges::openFor(ranges_, this, handle_, kRangeKey, kTitle); });
+    controls_->openRanges();
 }
 
 void Widget_NFPRemoval::on_m_pRunGlobalPB_clicked() {
-    WC_GUARDED({ run(wc::ScopeGlobal); });
+    controls_->run(wc::ScopeGlobal);
 }
 
 void Widget_NFPRemoval::on_m_pScreenOnlyPB_clicked() {
-    WC_GUARDED({ run(wc::ScopeScreen); });
+    controls_->run(wc::ScopeScreen);
 }
 
 void Widget_NFPRemoval::on_m_pInsideProfilePB_clicked() {
-    WC_GUARDED({ run(wc::ScopeProfile); });
+    controls_->run(wc::ScopeProfile);
 }
 
 void Widget_NFPRemoval::on_m_pViewResultPB_clicked() {
-    WC_GUARDED({ showResultsViewer(true); });
+    controls_->view();
 }
 
 void Widget_NFPRemoval::on_m_pClosePB_clicked() {
-    WC_GUARDED({ close(); });
+    controls_->close();
 }
 
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_NFPRemoval::run(int scope) {
-    if (wc::BackgroundRun::activeFor(this)) {
-        return;  // a second click while this dialog's run is under way
-    }
-    controls_->pressRun(scope);
     NFP_removal_DFM_op_params params;
     std::vector<std::string> layers;
     if (!getCfgData(params, scope, layers)) {
@@ -301,14 +268,14 @@ void Widget_NFPRemoval::run(int scope) {
     }
     controls_->rememberScope(params.scope);
 
-    const std::string job = job_.toStdString();
-    const std::string step = step_.toStdString();
+    const std::string job = shell_->job().toStdString();
+    const std::string step = shell_->step().toStdString();
     wc::OptimisationTexts texts;
     texts.terminated = "Remove NFP terminated";
-    texts.processed = " NFP Removal layers processed";
+    texts.processed = QT_TR_N_NOOP("%n NFP Removal layers processed");
     NFP_removal_result_map fresh;
     const wc::OptimisationOutcome outcome = wc::runOptimisation(
-        *controls_, this, "Widget_NFPRemoval", texts, job_, layers, fresh,
+        *controls_, this, "Widget_NFPRemoval", texts, shell_->job(), layers, fresh,
         [job, step, params](const std::vector<std::string>& run_layers, NFP_removal_result_map& out,
                             Korvo::COMMON::progress_value<void>* progress) {
             return Korvo::API::NFP_removal_DFM_op(job, step, run_layers, params, out, progress);
@@ -333,7 +300,7 @@ void Widget_NFPRemoval::run(int scope) {
 bool Widget_NFPRemoval::getCfgData(NFP_removal_DFM_op_params& params, int scope,
                                    std::vector<std::string>& layers) {
     QStringList missing;
-    layers = getLayerList(missing);
+    layers = shell_->runLayers(&missing);
     if (!layercheck(layers, missing)) {
         QMessageBox::information(this, tr("Information"), tr("Layer error!"), QMessageBox::Ok);
         return false;
@@ -350,12 +317,6 @@ bool Widget_NFPRemoval::getCfgData(NFP_removal_DFM_op_params& params, int scope,
         kRangeKey.toStdString(), wc::toDfmRangeValue, wc::RangeLookup::ByRow);
     params.scope = wc::runScope(scope, params.apply_to == 1);
     return true;
-}
-
-std::vector<std::string> Widget_NFPRemoval::getLayerList(QStringList& missing) const {
-    const wc::LayerResolution resolution = controls_->resolveLayerField();
-    missing = resolution.missing;
-    return resolution.layers;
 }
 
 // A run needs at least one layer, and every name typed must be a layer of the job.
@@ -395,28 +356,15 @@ void Widget_NFPRemoval::Refresh_View() {
 
 // The view button opens the viewer; a run refreshes it when it is already open.
 void Widget_NFPRemoval::showResultsViewer(bool open) {
-    if (viewer_.isNull()) {
-        if (!open) {
-            return;
-        }
-        auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
-        viewer_ = new Widget_ResultsViewer(0, host, processed_layers_,
-                                           wc::SharedResult<wc::NFPRemovalResult>(result_));
-        viewer_->setJobAndStep(job_, step_);
-        connect(this, &Widget_NFPRemoval::unit_changed, viewer_,
-                &Widget_ResultsViewer::change_unit);
-        connect(viewer_, &Widget_ResultsViewer::NFP_DFM_raise, this, [this] {
-            show();
-            raise();
-            activateWindow();
+    windows_->showViewer(
+        this, open, &Widget_ResultsViewer::NFP_DFM_raise,
+        [this] {
+            return new Widget_ResultsViewer(0, shell_->host(), processed_layers_,
+                                            wc::SharedResult<wc::NFPRemovalResult>(result_));
+        },
+        [this](Widget_ResultsViewer& viewer) {
+            viewer.RefreshNFPRemovalData(processed_layers_, result_);
         });
-    } else {
-        viewer_->RefreshNFPRemovalData(processed_layers_, result_);
-    }
-    if (open || viewer_->isVisible()) {
-        viewer_->show();
-        viewer_->raise();
-    }
 }
 
 void Widget_NFPRemoval::change_viewbtn_stylesheet() {
@@ -435,10 +383,7 @@ QList<QObject*> Widget_NFPRemoval::parameterWidgets() const {
 }
 
 void Widget_NFPRemoval::change_language() {
-    WC_GUARDED({
-        controls_->changeLanguage();
-        setTexts();
-    });
+    WC_GUARDED({ wc::retranslate(this); });
 }
 
 void Widget_NFPRemoval::change_units() {

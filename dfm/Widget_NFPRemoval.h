@@ -4,7 +4,6 @@
 // "Work On" and the drill kinds "PTH - Pressfit", "Via - Laser" and "Via - Photo" are shown and
 // kept in parameter sets only: the engine's record has no field for them.
 
-#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
@@ -14,8 +13,8 @@
 
 #include "Korvo_DFM_types.h"
 #include "frame/ChoiceGroup.h"
+#include "frame/WidgetCommonExport.h"
 
-class Widget_Ranges;
 class Widget_ResultsViewer;
 
 class QCheckBox;
@@ -24,7 +23,8 @@ class QLabel;
 class QPushButton;
 
 namespace wc {
-class ParameterSetActions;
+class DialogShell;
+class ResultWindows;
 class RunControls;
 
 // The pad kinds the record asks for, in the order of the "Delete" boxes; the codes are the
@@ -36,7 +36,7 @@ enum class NfpSeverity { NoHit, Red, Yellow, Green };
 NfpSeverity worstSeverity(const Korvo::API::NFP_removal_result_map& result);
 }  // namespace wc
 
-class Widget_NFPRemoval : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_NFPRemoval : public QWidget {
     Q_OBJECT
 public:
     Widget_NFPRemoval(const QString& job, const QString& step, QWidget* parent);
@@ -76,28 +76,23 @@ signals:
 
 private:
     void initNFPRemoval();
+    void wireUp();
     void run(int scope);
     bool getCfgData(Korvo::API::NFP_removal_DFM_op_params& params, int scope,
                     std::vector<std::string>& layers);
-    std::vector<std::string> getLayerList(QStringList& missing) const;
     bool layercheck(const std::vector<std::string>& layers, const QStringList& missing) const;
     void setResultLBColor();
     void Refresh_View();
     void showResultsViewer(bool open);
     QList<QObject*> parameterWidgets() const;
-    void setTexts();
 
-    const void* handle_;
-    QString job_;
-    QString step_;
+    wc::DialogShell* shell_;
+    wc::RunControls* controls_;
+    std::unique_ptr<wc::ResultWindows> windows_;
     std::shared_ptr<const Korvo::API::NFP_removal_result_map> result_;
     std::vector<std::string> processed_layers_;
     bool has_results_ = false;
-    QPointer<Widget_ResultsViewer> viewer_;
-    QPointer<Widget_Ranges> ranges_;
 
-    wc::RunControls* controls_ = nullptr;
-    wc::ParameterSetActions* sets_ = nullptr;
     QGroupBox* delete_box_ = nullptr;
     QCheckBox* isolated_ = nullptr;
     QCheckBox* drilled_over_ = nullptr;
@@ -109,5 +104,4 @@ private:
     wc::ChoiceGroup undrilled_;
     wc::ChoiceGroup apply_to_;
     wc::ChoiceGroup action_;
-    QPushButton* close_ = nullptr;
 };

@@ -15,10 +15,10 @@
 
 #include "Korvo_API.h"
 #include "ZeLineEdit.h"
-#include "analysis/Widget_Ranges.h"
-#include "analysis/Widget_ResultsViewer.h"
+#include "analysis/ResultWindows.h"
 #include "frame/BackgroundRun.h"
 #include "frame/ChoiceGroup.h"
+#include "frame/DialogShell.h"
 #include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/LimitCheck.h"
@@ -118,8 +118,14 @@ const std::vector<std::pair<const char*, bool>> kModifications = {
 
 Widget_SignalLayerOpt::Widget_SignalLayerOpt(const QString& job, const QString& step,
                                              QWidget* parent)
-    : QWidget(parent, Qt::Window), handle_(parent), job_(job), step_(step) {
+    : QWidget(parent, Qt::Window) {
     setWindowFlags(Qt::WindowFlags(0x8001003));
+    wc::RunControlsOptions options;
+    options.range_key = kRangeKey;
+    options.layer_text = QStringLiteral(".type=signal&context=board");
+    shell_ = new wc::DialogShell(this, parent, job, step, options);
+    controls_ = &shell_->controls();
+    windows_ = std::make_unique<wc::ResultWindows>(*shell_);
     initSignalLayerOpt();
     initRanges();
 }
@@ -127,15 +133,7 @@ Widget_SignalLayerOpt::Widget_SignalLayerOpt(const QString& job, const QString& 
 Widget_SignalLayerOpt::~Widget_SignalLayerOpt() = default;
 
 void Widget_SignalLayerOpt::initSignalLayerOpt() {
-    wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
-    options.layer_text = QStringLiteral(".type=signal&context=board");
-    controls_ = new wc::RunControls(this, options);
-    controls_->setJob(job_);
-    sets_ =
-        new wc::ParameterSetActions(this, controls_, kRangeKey, [this] { return formWidgets(); });
-
-    fields_ = std::make_unique<wc::FieldTable<Params>>(this, handle_, fieldRows());
+    fields_ = std::make_unique<wc::FieldTable<Params>>(this, shell_->handle(), fieldRows());
     auto* grid = new QGridLayout;
     auto* min_header = new QLabel(this);
     auto* opt_header = new QLabel(this);
@@ -178,53 +176,53 @@ void Widget_SignalLayerOpt::initSignalLayerOpt() {
     via_expand_ = new QCheckBox(this);
     via_expand_->setObjectName(QStringLiteral("checkBox_VIAPadExpand"));
     wc::setSourceText(this, via_expand_, "VIA Pad expand within the Copper");
-    const wc::ChoiceGroup apply_to =
-        wc::makeChoiceGroup(this, QStringLiteral("ApplyTo"), "Apply to", {"All", "Selected"}, 0);
-    apply_to_ = apply_to.group;
+    apply_to_ = wc::makeChoiceGroup(this, QStringLiteral("ApplyTo"), QT_TR_NOOP("Apply to"),
+                                    {QT_TR_NOOP("All"), QT_TR_NOOP("Selected")}, 0);
     QGroupBox* work_on =
         wc::makeCheckGroup(this, QStringLiteral("WorkOn"), "Work on",
                            {{"Pads", true}, {"SMDs", true}, {"Drills", true}}, work_on_, 3);
     QGroupBox* modification = wc::makeCheckGroup(this, QStringLiteral("Modification"),
                                                  "Modification", kModifications, modifications_, 4);
 
-    close_ = new QPushButton(this);
-    close_->setObjectName(QStringLiteral("pushButton_Close"));
-    wc::setSourceText(this, close_, "Close");
-
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(controls_->makeErfRow());
     layout->addLayout(controls_->makeLayerRow());
     layout->addLayout(grid);
     layout->addWidget(via_expand_);
-    layout->addWidget(apply_to.box);
+    layout->addWidget(apply_to_.box);
     layout->addWidget(work_on);
     layout->addWidget(modification);
-    controls_->addClosingRows(layout, close_);
+    controls_->addClosingRows(layout);
+    wc::setSourceText(this, this, QT_TR_NOOP("Signal Layer Optimization"));
+    wireUp();
+}
 
-    controls_->connectTo(this, {{SLOT(on_unGlobally_clicked()), SLOT(on_RunScreen_clicked()),
-                                 SLOT(on_RunProfile_clicked())},
-                                SLOT(on_Check_clicked()),
-                                SLOT(on_m_pSaveAsPB_clicked()),
-                                SLOT(on_Range_clicked())});
-    connect(controls_->layerButton(), SIGNAL(clicked()), this, SLOT(on_Layer_clicked()));
-    // The run controls open the popups themselves; the dialog's slots are for the host.
+void Widget_SignalLayerOpt::wireUp() {
+    wc::RunControls::Callbacks callbacks;
+    callbacks.run = [this](int scope) { SignalLayerDFM(scope); };
+    callbacks.view = [this] { showResultsViewer(true); };
+    callbacks.ranges = [this] { windows_->openRanges(this, "Signal Layer Optimization"); };
+    callbacks.save_as = [this] { shell_->sets()->askName(); };
+    callbacks.file = __FILE__;
+    callbacks.line = __LINE__;
+    controls_->connectTo(callbacks);
+    // The layer popup lists every layer of the job; "ERF:" goes through the dialog's slot too.
     controls_->layerButton()->disconnect(controls_);
     controls_->erfButton()->disconnect(controls_);
-    connect(controls_->erfButton(), SIGNAL(clicked()), this, SLOT(on_ERF_clicked()));
-    connect(modifications_[Shave], SIGNAL(clicked()), this, SLOT(on_Shave_clicked()));
-    connect(close_, &QPushButton::clicked, this, &QWidget::close);
-    connect(sets_, &wc::ParameterSetActions::saved, this,
-            &Widget_SignalLayerOpt::send_Sel_Template_Name);
-    for (QObject* edit : fields_->editObjects()) {
-        connect(edit, SIGNAL(editingFinished()), this, SLOT(change_viewbtn_stylesheet()));
-    }
-
-    wc::setSourceText(this, this, "Signal Layer Optimization");
+    connect(controls_->layerButton(), &QPushButton::clicked, this,
+            &Widget_SignalLayerOpt::on_Layer_clicked);
+    connect(controls_->erfButton(), &QPushButton::clicked, this,
+            &Widget_SignalLayerOpt::on_ERF_clicked);
+    connect(modifications_[Shave], &QCheckBox::clicked, this,
+            &Widget_SignalLayerOpt::on_Shave_clicked);
+    connect(&shell_->useParameterSets([this] { return formWidgets(); }),
+            &wc::ParameterSetActions::saved, this, &Widget_SignalLayerOpt::send_Sel_Template_Name);
+    controls_->markStaleOnChange(fields_->editObjects());
 }
 
 QList<QObject*> Widget_SignalLayerOpt::formWidgets() const {
     QList<QObject*> widgets = fields_->editObjects();
-    widgets << via_expand_ << apply_to_;
+    widgets << via_expand_ << apply_to_.group;
     for (QCheckBox* box : work_on_ + modifications_) {
         widgets << box;
     }
@@ -239,20 +237,15 @@ void Widget_SignalLayerOpt::initRanges() {
 // ---- host calls -----------------------------------------------------------------------------
 
 void Widget_SignalLayerOpt::UpdateJobStep(const QString& job, const QString& step) {
-    job_ = job;
-    step_ = step;
-    controls_->setJob(job_);
-    if (!viewer_.isNull()) {
-        viewer_->setJobAndStep(job_, step_);
-    }
+    shell_->updateJobStep(job, step);
 }
 
 void Widget_SignalLayerOpt::setAffectedLayers(const QStringList& layers) {
-    controls_->layerEdit()->setText(layers.join(QLatin1Char(';')));
+    shell_->setAffectedLayers(layers);
 }
 
 void Widget_SignalLayerOpt::setErfValues(const QString& name) {
-    if (sets_->load(name)) {
+    if (shell_->sets()->load(name)) {
         on_Shave_clicked();
     }
 }
@@ -274,7 +267,7 @@ void Widget_SignalLayerOpt::on_parent_closed() {
 QStringList Widget_SignalLayerOpt::getAllLayerList() const {
     std::vector<std::string> steps;
     std::vector<Korvo::API::layer_info> layers;
-    wc::recordedGetGraphics(job_.toStdString(), steps, layers);
+    wc::recordedGetGraphics(shell_->job().toStdString(), steps, layers);
     QStringList names;
     for (const Korvo::API::layer_info& layer : layers) {
         names.append(QString::fromStdString(layer.name));
@@ -285,7 +278,7 @@ QStringList Widget_SignalLayerOpt::getAllLayerList() const {
 QStringList Widget_SignalLayerOpt::getLayerList() const {
     std::vector<std::string> steps;
     std::vector<Korvo::API::layer_info> layers;
-    wc::recordedGetGraphics(job_.toStdString(), steps, layers);
+    wc::recordedGetGraphics(shell_->job().toStdString(), steps, layers);
     QStringList names;
     for (const Korvo::API::layer_info& layer : layers) {
         if (layer.context == "board" && layer.type == "signal") {
@@ -298,24 +291,15 @@ QStringList Widget_SignalLayerOpt::getLayerList() const {
 // ---- slots ----------------------------------------------------------------------------------
 
 void Widget_SignalLayerOpt::on_unGlobally_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeGlobal);
-        SignalLayerDFM(wc::ScopeGlobal);
-    });
+    controls_->run(wc::ScopeGlobal);
 }
 
 void Widget_SignalLayerOpt::on_RunScreen_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeScreen);
-        SignalLayerDFM(wc::ScopeScreen);
-    });
+    controls_->run(wc::ScopeScreen);
 }
 
 void Widget_SignalLayerOpt::on_RunProfile_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeProfile);
-        SignalLayerDFM(wc::ScopeProfile);
-    });
+    controls_->run(wc::ScopeProfile);
 }
 
 void Widget_SignalLayerOpt::on_Layer_clicked() {
@@ -339,28 +323,27 @@ void Widget_SignalLayerOpt::get_ERF_Name(QString name) {
 }
 
 void Widget_SignalLayerOpt::on_m_pSaveAsPB_clicked() {
-    WC_GUARDED({ sets_->askName(); });
+    controls_->saveAs();
 }
 
 void Widget_SignalLayerOpt::on_Range_clicked() {
-    WC_GUARDED({
-        Widget_Ranges::openFor(ranges_, this, handle_, kRangeKey, "Signal Layer Optimization");
-    });
+    controls_->openRanges();
 }
 
 void Widget_SignalLayerOpt::on_Check_clicked() {
-    WC_GUARDED({
-        if (viewer_.isNull()) {
-            auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
-            viewer_ = new Widget_ResultsViewer(7, host, wc::SharedResult<Result>(result_));
-            viewer_->setJobAndStep(job_, step_);
-            connect(this, &Widget_SignalLayerOpt::unit_changed, viewer_,
-                    &Widget_ResultsViewer::change_unit);
-        }
-        viewer_->show();
-        viewer_->raise();
-        viewer_->RefreshSignalLayerDFMData(wc::SharedResult<Result>(result_));
-    });
+    controls_->view();
+}
+
+// The view button creates the viewer once and shows it; a run refreshes it when it exists.
+void Widget_SignalLayerOpt::showResultsViewer(bool open) {
+    windows_->showViewer(
+        this, open, nullptr,
+        [this] {
+            return new Widget_ResultsViewer(7, shell_->host(), wc::SharedResult<Result>(result_));
+        },
+        [this](Widget_ResultsViewer& viewer) {
+            viewer.RefreshSignalLayerDFMData(wc::SharedResult<Result>(result_));
+        });
 }
 
 void Widget_SignalLayerOpt::on_Shave_clicked() {
@@ -375,14 +358,11 @@ void Widget_SignalLayerOpt::change_viewbtn_stylesheet() {
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_SignalLayerOpt::SignalLayerDFM(int scope) {
-    if (wc::BackgroundRun::activeFor(this)) {
-        return;  // a second click while this dialog's run is under way
-    }
     Params params;
     if (!getOptData(params)) {
         return;
     }
-    params.scope = wc::runScope(scope, apply_to_->checkedId() == 1);
+    params.scope = wc::runScope(scope, apply_to_.group->checkedId() == 1);
     controls_->rememberScope(params.scope);
     controls_->setStatus(QString());
     std::vector<std::string> layers;
@@ -392,11 +372,14 @@ void Widget_SignalLayerOpt::SignalLayerDFM(int scope) {
     }
     LOG(INFO) << "signal layer optimisation of " << layers.size() << " layers, scope "
               << params.scope;
-    const std::string job = job_.toStdString();
-    const std::string step = step_.toStdString();
+    const std::string job = shell_->job().toStdString();
+    const std::string step = shell_->step().toStdString();
+    wc::OptimisationTexts texts;
+    texts.terminated = QT_TR_NOOP("SignalLayer opt terminated");
+    texts.processed = QT_TR_N_NOOP("%n layers were processed");
     Result fresh;
     const wc::OptimisationOutcome outcome = wc::runOptimisation(
-        *controls_, this, kSource, {"SignalLayer opt terminated"}, job_, layers, fresh,
+        *controls_, this, kSource, texts, shell_->job(), layers, fresh,
         [job, step, params](const std::vector<std::string>& names, Result& result,
                             Korvo::COMMON::progress_value<void>* progress) {
             return Korvo::API::signal_layer_DFM_op(job, step, names, params, result, progress);
@@ -407,9 +390,7 @@ void Widget_SignalLayerOpt::SignalLayerDFM(int scope) {
     result_ = std::make_shared<const Result>(std::move(fresh));
     result_layer_count_ = static_cast<int>(result_->size());
     has_results_ = true;
-    if (!viewer_.isNull()) {
-        viewer_->RefreshSignalLayerDFMData(wc::SharedResult<Result>(result_));
-    }
+    showResultsViewer(false);
 }
 
 bool Widget_SignalLayerOpt::getOptData(Params& params) {
@@ -441,7 +422,8 @@ bool Widget_SignalLayerOpt::getCheckLayerList(std::vector<std::string>& layers) 
     layers.clear();
     const QString text = controls_->layerEdit()->text();
     if (!text.isEmpty()) {
-        layers = Korvo::UIAPI::getAnalyzeAndDFMLayers(job_.toStdString(), text.toStdString());
+        layers =
+            Korvo::UIAPI::getAnalyzeAndDFMLayers(shell_->job().toStdString(), text.toStdString());
     }
     return !layers.empty();
 }
@@ -471,7 +453,7 @@ bool Widget_SignalLayerOpt::Judge_LineEdit() {
 }
 
 bool Widget_SignalLayerOpt::Judge_zero2Twenty(const QString& text) {
-    if (wc::withinZeroTo(handle_, text, kTwenty)) {
+    if (wc::withinZeroTo(shell_->handle(), text, kTwenty)) {
         return true;
     }
     outOfRange(text, kTwenty);
@@ -479,7 +461,7 @@ bool Widget_SignalLayerOpt::Judge_zero2Twenty(const QString& text) {
 }
 
 bool Widget_SignalLayerOpt::Judge_zero2Thirty(const QString& text) {
-    if (wc::withinZeroTo(handle_, text, kThirty)) {
+    if (wc::withinZeroTo(shell_->handle(), text, kThirty)) {
         return true;
     }
     outOfRange(text, kThirty);
@@ -490,17 +472,16 @@ void Widget_SignalLayerOpt::outOfRange(const QString& text, double limit_mil) {
     LOG(INFO) << "signal layer optimisation refused " << text.toStdString();
     QMessageBox::information(this, tr("Information"),
                              tr("Floating parameter out of range Value ") + text +
-                                 tr(" is outside of (0, ") + wc::limitText(handle_, limit_mil) +
-                                 QStringLiteral(")"));
+                                 tr(" is outside of (0, ") +
+                                 wc::limitText(shell_->handle(), limit_mil) + QStringLiteral(")"));
 }
 
 // ---- language and units ---------------------------------------------------------------------
 
 void Widget_SignalLayerOpt::change_language() {
     WC_GUARDED({
-        controls_->changeLanguage();
-        fields_->changeLanguage();
         wc::retranslate(this);
+        fields_->changeLanguage();
     });
 }
 

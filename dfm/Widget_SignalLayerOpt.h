@@ -3,7 +3,6 @@
 // annular-ring and spacing targets ("Min:"/"Opt:"), what the engine may change, the layers by
 // expression, one run on a worker, the result per layer in the results viewer.
 
-#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
@@ -14,20 +13,20 @@
 
 #include "Korvo_DFM_types.h"
 #include "Korvo_UIAPI.h"
+#include "frame/ChoiceGroup.h"
 #include "frame/FieldTable.h"
+#include "frame/WidgetCommonExport.h"
 
-class QButtonGroup;
 class QCheckBox;
-class QPushButton;
-class Widget_Ranges;
 class Widget_ResultsViewer;
 
 namespace wc {
-class ParameterSetActions;
+class DialogShell;
+class ResultWindows;
 class RunControls;
 }  // namespace wc
 
-class Widget_SignalLayerOpt : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_SignalLayerOpt : public QWidget {
     Q_OBJECT
 public:
     using Params = Korvo::API::signal_layer_DFM_op_params;
@@ -81,6 +80,8 @@ signals:
 
 private:
     void initSignalLayerOpt();
+    void wireUp();
+    void showResultsViewer(bool open);
     void initRanges();
     void SignalLayerDFM(int scope);
     bool IsTextEmpty();
@@ -90,9 +91,9 @@ private:
     void outOfRange(const QString& text, double limit_mil);
     QList<QObject*> formWidgets() const;
 
-    const void* handle_;
-    QString job_;
-    QString step_;
+    wc::DialogShell* shell_;
+    wc::RunControls* controls_;
+    std::unique_ptr<wc::ResultWindows> windows_;
     // The last run's result, shared with the viewer; replaced whole by each run.
     std::shared_ptr<const Result> result_ = std::make_shared<const Result>();
     int result_layer_count_ = 0;
@@ -100,14 +101,9 @@ private:
     std::vector<Korvo::UIAPI::Analysis_Ranges_Record> range_table_;
     std::map<Korvo::API::signal_layer_DFM_op_items, Korvo::API::dfm_range_value> range_map_;
 
-    wc::RunControls* controls_ = nullptr;
-    wc::ParameterSetActions* sets_ = nullptr;
     std::unique_ptr<wc::FieldTable<Params>> fields_;
     QCheckBox* via_expand_ = nullptr;
-    QButtonGroup* apply_to_ = nullptr;
+    wc::ChoiceGroup apply_to_;
     QList<QCheckBox*> work_on_;
     QList<QCheckBox*> modifications_;
-    QPushButton* close_ = nullptr;
-    QPointer<Widget_ResultsViewer> viewer_;
-    QPointer<Widget_Ranges> ranges_;
 };

@@ -21,9 +21,11 @@
 
 #include "Korvo_API.h"
 #include "ZeLineEdit.h"
-#include "analysis/Widget_Ranges.h"
-#include "analysis/Widget_ResultsViewer.h"
+#include "analysis/ResultWindows.h"
+#include "dfm/RangeTableBox.h"
 #include "frame/BackgroundRun.h"
+#include "frame/DialogShell.h"
+#include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/OptimisationRun.h"
 #include "frame/ParameterSetActions.h"
@@ -39,7 +41,7 @@ using Korvo::API::solder_mask_DFM_params;
 using Params = solder_mask_DFM_params;
 
 const QString kRangeKey = QStringLiteral("SolderMaskOptRanges");
-const char* const kTitle = "Solder Mask Optimization";
+const char* const kTitle = QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Solder Mask Optimization");
 const char* const kTerminated =
     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "SolderMask opt terminated");
 // Fields the run checks in engine units are not limited when typed.
@@ -129,53 +131,56 @@ struct ChoiceSpec {
 
 // Every choice starts on its first answer.
 const ChoiceSpec kChoices[] = {
-    {"Use Existing Mask", "UseExistingMask", "Yes", "No"},
-    {"Is Round", "IsRound", "Yes", "No"},
-    {"Apply to", "ApplyTo", "All", "Selected"},
-    {"Fan Shave:", "FanShave", "Yes", "No"},
-    {"PTH:", "PTH", "Yes", "No"},
-    {"Do Resize", "DoResize", "Yes", "No"},
-    {"Use Shaves", "UseShaves", "Yes", "No"},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Use Existing Mask"), "UseExistingMask",
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Is Round"), "IsRound",
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Apply to"), "ApplyTo",
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "All"),
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Selected")},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Fan Shave:"), "FanShave",
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "PTH:"), "PTH",
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Do Resize"), "DoResize",
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Use Shaves"), "UseShaves",
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
+     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
 };
-
-QTableWidget* tableOfCell(QWidget* cell) {
-    for (QWidget* w = cell; w != nullptr; w = w->parentWidget()) {
-        if (auto* table = qobject_cast<QTableWidget*>(w)) {
-            return table;
-        }
-    }
-    return nullptr;
-}
 
 }  // namespace
 
 Widget_SolderMaskOpt::Widget_SolderMaskOpt(const QString& job, const QString& step, QWidget* parent)
-    : QWidget(parent, Qt::Window),
-      handle_(parent),
-      host_(parent),
-      job_(job),
-      step_(step),
-      result_(std::make_shared<const Result>()) {
+    : QWidget(parent, Qt::Window), result_(std::make_shared<const Result>()) {
     setWindowFlags(Qt::WindowFlags(0x8001003));
+    wc::RunControlsOptions options;
+    options.range_key = kRangeKey;
+    options.layer_text = QStringLiteral(".type=solder_mask&context=board");
+    shell_ = new wc::DialogShell(this, parent, job, step, wc::spacedLabels(options));
+    controls_ = &shell_->controls();
+    windows_ = std::make_unique<wc::ResultWindows>(*shell_);
     initSolderMaskOpt();
 }
 
 Widget_SolderMaskOpt::~Widget_SolderMaskOpt() = default;
 
 void Widget_SolderMaskOpt::initSolderMaskOpt() {
-    wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
-    options.layer_text = QStringLiteral(".type=solder_mask&context=board");
-    controls_ = new wc::RunControls(this, wc::spacedLabels(options));
-    controls_->setJob(job_);
     controls_->viewButton()->setIcon(QIcon(QStringLiteral(":/Widget_Common/Resources/zoom.png")));
-
-    fields_ = std::make_unique<wc::FieldTable<Params>>(this, handle_, fieldRows());
+    fields_ = std::make_unique<wc::FieldTable<Params>>(this, shell_->handle(), fieldRows());
+    wc::setSourceToolTip(this, fields_->edit(ClearanceOpt), QT_TR_NOOP("Clearance Opt"));
+    wc::setSourceToolTip(this, fields_->edit(CoverageOpt), QT_TR_NOOP("Coverage Opt"));
 
     pages_ = new QTabWidget(this);
     pages_->setObjectName(QStringLiteral("tabWidget_Pages"));
     pages_->addTab(makeMainPage(), QString());
     pages_->addTab(makeAdvancedPage(), QString());
+    wc::setSourceItems(this, pages_, {QT_TR_NOOP("Main"), QT_TR_NOOP("Advanced")});
 
     summary_ = new QLabel(this);
     summary_->setObjectName(QStringLiteral("label_Summary"));
@@ -183,62 +188,63 @@ void Widget_SolderMaskOpt::initSolderMaskOpt() {
     summary_->setAlignment(Qt::AlignCenter);
     changes_ = new QLabel(this);
     changes_->setObjectName(QStringLiteral("label_Changes"));
-    close_ = new QPushButton(this);
-    close_->setObjectName(QStringLiteral("pushButton_Close"));
+    wc::setSourceText(this, this, kTitle);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(controls_->makeLayerRow());
     layout->addLayout(controls_->makeErfRow());
     layout->addWidget(pages_);
-    controls_->addClosingRows(layout, close_, {changes_, summary_});
-
-    actions_ = new wc::ParameterSetActions(this, controls_, kRangeKey,
-                                           [this] { return parameterWidgets(); });
-    connect(actions_, &wc::ParameterSetActions::saved, this,
-            &Widget_SolderMaskOpt::send_Sel_Template_Name);
-    connect(actions_, &wc::ParameterSetActions::loaded, this, [this] {
-        restoreTableEditors(smd_table_);
-        restoreTableEditors(gas_table_);
-    });
-
-    controls_->connectTo(this,
-                         {{SLOT(on_m_pRunGlobalPB_clicked()), SLOT(on_m_pScreenOnlyPB_clicked()),
-                           SLOT(on_m_pInsideProfilePB_clicked())},
-                          SLOT(on_m_pViewResultPB_clicked()),
-                          SLOT(on_m_pSaveAsPB_clicked()),
-                          SLOT(on_m_pRangesPB_clicked())});
-    connect(close_, SIGNAL(clicked()), this, SLOT(on_m_pClosePB_clicked()));
-    connect(advance_, SIGNAL(stateChanged(int)), this,
-            SLOT(on_m_pAdvancedSurplusCB_stateChanged(int)));
-    connect(add_smd_, SIGNAL(clicked()), this, SLOT(on_AddTableRowPB_Clicked()));
-    connect(delete_smd_, SIGNAL(clicked()), this, SLOT(on_DeleteTableRowPB_Clicked()));
-    connect(add_gas_, SIGNAL(clicked()), this, SLOT(on_addgastablerowpb_clicked()));
-    connect(delete_gas_, SIGNAL(clicked()), this, SLOT(on_deletegastablerowpb_clicked()));
-
-    // Any change of a parameter makes the shown result stale.
-    for (QObject* edit : fields_->editObjects()) {
-        connect(edit, SIGNAL(editingFinished()), this, SLOT(change_viewbtn_stylesheet()));
-    }
-    for (QButtonGroup* group : choices_) {
-        connect(group, SIGNAL(buttonClicked(QAbstractButton*)), this,
-                SLOT(change_viewbtn_stylesheet()));
-    }
-    connect(advance_, SIGNAL(clicked()), this, SLOT(change_viewbtn_stylesheet()));
-    connect(controls_->layerEdit(), SIGNAL(editingFinished()), this,
-            SLOT(change_viewbtn_stylesheet()));
-
+    controls_->addClosingRows(layout, {changes_, summary_});
+    wireUp();
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
-    applyTexts();
+}
+
+void Widget_SolderMaskOpt::wireUp() {
+    wc::RunControls::Callbacks callbacks;
+    callbacks.run = [this](int scope) { solderMaskOpt(scope); };
+    callbacks.view = [this] { showViewer(true); };
+    callbacks.ranges = [this] { windows_->openRanges(this, kTitle); };
+    callbacks.save_as = [this] { shell_->sets()->askName(); };
+    callbacks.file = __FILE__;
+    callbacks.line = __LINE__;
+    controls_->connectTo(callbacks);
+    wc::ParameterSetActions& sets = shell_->useParameterSets([this] { return parameterWidgets(); });
+    connect(&sets, &wc::ParameterSetActions::saved, this,
+            &Widget_SolderMaskOpt::send_Sel_Template_Name);
+    connect(&sets, &wc::ParameterSetActions::loaded, this, [this] {
+        smd_->restoreEditors();
+        gas_->restoreEditors();
+    });
+    connect(advance_, &QCheckBox::stateChanged, this,
+            &Widget_SolderMaskOpt::on_m_pAdvancedSurplusCB_stateChanged);
+    connect(smd_->addButton(), &QPushButton::clicked, this,
+            &Widget_SolderMaskOpt::on_AddTableRowPB_Clicked);
+    connect(smd_->deleteButton(), &QPushButton::clicked, this,
+            &Widget_SolderMaskOpt::on_DeleteTableRowPB_Clicked);
+    connect(gas_->addButton(), &QPushButton::clicked, this,
+            &Widget_SolderMaskOpt::on_addgastablerowpb_clicked);
+    connect(gas_->deleteButton(), &QPushButton::clicked, this,
+            &Widget_SolderMaskOpt::on_deletegastablerowpb_clicked);
+    // Any change of a parameter makes the shown result stale.
+    for (wc::RangeTableBox* table : {smd_, gas_}) {
+        connect(table, &wc::RangeTableBox::changed, controls_, &wc::RunControls::markStale);
+    }
+    QList<QObject*> parameters = fields_->editObjects();
+    for (QButtonGroup* group : choices_) {
+        parameters.append(group);
+    }
+    controls_->markStaleOnChange(parameters << advance_ << controls_->layerEdit());
 }
 
 QWidget* Widget_SolderMaskOpt::makeMainPage() {
     auto* page = new QWidget(this);
     page->setObjectName(QStringLiteral("page_Main"));
     auto* grid = new QGridLayout;
-    opt_header_ = new QLabel(page);
-    opt_header_->setObjectName(QStringLiteral("label_OptHeader"));
-    grid->addWidget(opt_header_, 0, 3);
+    auto* opt_header = new QLabel(page);
+    opt_header->setObjectName(QStringLiteral("label_OptHeader"));
+    wc::setSourceText(this, opt_header, QT_TR_NOOP("Opt :"));
+    grid->addWidget(opt_header, 0, 3);
     int line = 1;
     auto place = [&](int row, int column) {
         grid->addWidget(fields_->label(row), line, column);
@@ -273,19 +279,21 @@ QWidget* Widget_SolderMaskOpt::makeMainPage() {
         const QString key = QString::fromLatin1(spec.key);
         auto* label = new QLabel(page);
         label->setObjectName(QStringLiteral("label_") + key);
+        wc::setSourceText(this, label, spec.label);
         auto* group = new QButtonGroup(this);
         group->setObjectName(QStringLiteral("buttonGroup_") + key);
         auto* first = new QRadioButton(page);
         first->setObjectName(QStringLiteral("radioButton_%1_%2").arg(key, spec.first));
         auto* second = new QRadioButton(page);
         second->setObjectName(QStringLiteral("radioButton_%1_%2").arg(key, spec.second));
+        wc::setSourceText(this, first, spec.first);
+        wc::setSourceText(this, second, spec.second);
         group->addButton(first, 0);
         group->addButton(second, 1);
         first->setChecked(true);
         choice_grid->addWidget(label, position, 0);
         choice_grid->addWidget(first, position, 1);
         choice_grid->addWidget(second, position, 2);
-        choice_labels_.append(label);
         choices_.append(group);
         ++position;
     }
@@ -304,8 +312,10 @@ QWidget* Widget_SolderMaskOpt::makeAdvancedPage() {
     page->setObjectName(QStringLiteral("page_Advanced"));
     advance_ = new QCheckBox(page);
     advance_->setObjectName(QStringLiteral("checkBox_Advance"));
+    wc::setSourceText(this, advance_, QT_TR_NOOP("Advance"));
     advanced_group_ = new QGroupBox(page);
     advanced_group_->setObjectName(QStringLiteral("groupBox_AdvancedSurplus"));
+    wc::setSourceText(this, advanced_group_, QT_TR_NOOP("Advanced Surplus"));
     auto* surplus = new QGridLayout(advanced_group_);
     int line = 0;
     for (int row :
@@ -327,13 +337,13 @@ QWidget* Widget_SolderMaskOpt::makeAdvancedPage() {
         ++line;
     }
 
-    smd_box_ = makeTableBox(QStringLiteral("SMDCompensateRange"), QStringLiteral("SMD"), smd_table_,
-                            add_smd_, delete_smd_);
-    gas_box_ = makeTableBox(QStringLiteral("GasRange"), QStringLiteral("Gas"), gas_table_, add_gas_,
-                            delete_gas_);
+    smd_ = new wc::RangeTableBox(this, QStringLiteral("SMDCompensateRange"), QStringLiteral("SMD"),
+                                 QT_TR_NOOP("SMD Compensate Range"));
+    gas_ = new wc::RangeTableBox(this, QStringLiteral("GasRange"), QStringLiteral("Gas"),
+                                 QT_TR_NOOP("Gas Range"));
     auto* tables = new QHBoxLayout;
-    tables->addWidget(smd_box_);
-    tables->addWidget(gas_box_);
+    tables->addWidget(smd_->box());
+    tables->addWidget(gas_->box());
 
     surplus->setColumnStretch(3, 1);
     grid->setColumnStretch(3, 1);
@@ -345,63 +355,6 @@ QWidget* Widget_SolderMaskOpt::makeAdvancedPage() {
     return page;
 }
 
-QGroupBox* Widget_SolderMaskOpt::makeTableBox(const QString& key, const QString& button_key,
-                                              QTableWidget*& table, QPushButton*& add,
-                                              QPushButton*& remove) {
-    auto* box = new QGroupBox(this);
-    box->setObjectName(QStringLiteral("groupBox_") + key);
-    table = new QTableWidget(0, 2, box);
-    table->setObjectName(QStringLiteral("tableWidget_") + key);
-    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    table->setMinimumHeight(120);
-    add = new QPushButton(box);
-    add->setObjectName(QStringLiteral("pushButton_Add%1Row").arg(button_key));
-    remove = new QPushButton(box);
-    remove->setObjectName(QStringLiteral("pushButton_Delete%1Row").arg(button_key));
-    // The buttons must not take the focus from the cell whose row is to be deleted.
-    add->setFocusPolicy(Qt::NoFocus);
-    remove->setFocusPolicy(Qt::NoFocus);
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(add);
-    buttons->addWidget(remove);
-    buttons->addStretch();
-    auto* layout = new QVBoxLayout(box);
-    layout->addWidget(table);
-    layout->addLayout(buttons);
-    return box;
-}
-
-// Every translated text; the same at construction and on a language change.
-void Widget_SolderMaskOpt::applyTexts() {
-    controls_->changeLanguage();
-    fields_->changeLanguage();
-    fields_->edit(ClearanceOpt)->setToolTip(tr("Clearance Opt"));
-    fields_->edit(CoverageOpt)->setToolTip(tr("Coverage Opt"));
-    opt_header_->setText(tr("Opt :"));
-    for (int i = 0; i < choices_.size(); ++i) {
-        choice_labels_[i]->setText(tr(kChoices[i].label));
-        choices_[i]->button(0)->setText(tr(kChoices[i].first));
-        choices_[i]->button(1)->setText(tr(kChoices[i].second));
-    }
-    pages_->setTabText(0, tr("Main"));
-    pages_->setTabText(1, tr("Advanced"));
-    advance_->setText(tr("Advance"));
-    advanced_group_->setTitle(tr("Advanced Surplus"));
-    smd_box_->setTitle(tr("SMD Compensate Range"));
-    gas_box_->setTitle(tr("Gas Range"));
-    for (QTableWidget* table : {smd_table_, gas_table_}) {
-        table->setHorizontalHeaderLabels({tr("Range"), tr("Value")});
-    }
-    for (QPushButton* add : {add_smd_, add_gas_}) {
-        add->setText(tr("Add"));
-    }
-    for (QPushButton* remove : {delete_smd_, delete_gas_}) {
-        remove->setText(tr("Delete"));
-    }
-    close_->setText(tr("Close"));
-    setWindowTitle(tr(kTitle));
-}
-
 // ---- the form -------------------------------------------------------------------------------
 
 QList<QObject*> Widget_SolderMaskOpt::parameterWidgets() const {
@@ -410,8 +363,8 @@ QList<QObject*> Widget_SolderMaskOpt::parameterWidgets() const {
         widgets.append(group);
     }
     widgets.append(advance_);
-    widgets.append(smd_table_);
-    widgets.append(gas_table_);
+    widgets.append(smd_->table());
+    widgets.append(gas_->table());
     return widgets;
 }
 
@@ -425,7 +378,7 @@ void Widget_SolderMaskOpt::setLayerText(const QString& text) {
 }
 
 void Widget_SolderMaskOpt::setErfValues(const QString& name) {
-    WC_GUARDED({ actions_->load(name); });
+    WC_GUARDED({ shell_->setErfValues(name); });
 }
 
 void Widget_SolderMaskOpt::Widget_raise() {
@@ -439,32 +392,25 @@ void Widget_SolderMaskOpt::closeDialog() {
 }
 
 wc::RangeRows Widget_SolderMaskOpt::smdCompensateRows() const {
-    return rowsOf(smd_table_);
+    return smd_->rows();
 }
 
 wc::RangeRows Widget_SolderMaskOpt::gasRows() const {
-    return rowsOf(gas_table_);
+    return gas_->rows();
 }
 
 void Widget_SolderMaskOpt::setTableRow(const wc::RangeRows& rows) {
-    setRows(smd_table_, rows);
+    smd_->setRows(rows);
 }
 
 void Widget_SolderMaskOpt::setgastablerow(const wc::RangeRows& rows) {
-    setRows(gas_table_, rows);
+    gas_->setRows(rows);
 }
 
 // ---- slots in the order the user meets them -------------------------------------------------
 
 void Widget_SolderMaskOpt::UpdateJobStep(const QString& job, const QString& step) {
-    WC_GUARDED({
-        job_ = job;
-        step_ = step;
-        controls_->setJob(job);
-        if (!viewer_.isNull()) {
-            viewer_->setJobAndStep(job, step);
-        }
-    });
+    WC_GUARDED({ shell_->updateJobStep(job, step); });
 }
 
 void Widget_SolderMaskOpt::on_m_pLayerPB_clicked() {
@@ -476,7 +422,7 @@ void Widget_SolderMaskOpt::on_ERF_clicked() {
 }
 
 void Widget_SolderMaskOpt::on_m_pSaveAsPB_clicked() {
-    WC_GUARDED({ actions_->askName(); });
+    controls_->saveAs();
 }
 
 void Widget_SolderMaskOpt::on_m_pAdvancedSurplusCB_stateChanged(int state) {
@@ -484,52 +430,43 @@ void Widget_SolderMaskOpt::on_m_pAdvancedSurplusCB_stateChanged(int state) {
 }
 
 void Widget_SolderMaskOpt::on_AddTableRowPB_Clicked() {
-    WC_GUARDED({ addRow(smd_table_); });
+    WC_GUARDED({ smd_->addRow(); });
 }
 
 void Widget_SolderMaskOpt::on_DeleteTableRowPB_Clicked() {
-    WC_GUARDED({ deleteRow(smd_table_); });
+    WC_GUARDED({ smd_->deleteRow(); });
 }
 
 void Widget_SolderMaskOpt::on_addgastablerowpb_clicked() {
-    WC_GUARDED({ addRow(gas_table_); });
+    WC_GUARDED({ gas_->addRow(); });
 }
 
 void Widget_SolderMaskOpt::on_deletegastablerowpb_clicked() {
-    WC_GUARDED({ deleteRow(gas_table_); });
+    WC_GUARDED({ gas_->deleteRow(); });
 }
 
 void Widget_SolderMaskOpt::on_m_pRangesPB_clicked() {
-    WC_GUARDED({ Widget_Ranges::openFor(ranges_, this, host_, kRangeKey, kTitle); });
+    controls_->openRanges();
 }
 
 void Widget_SolderMaskOpt::on_m_pRunGlobalPB_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeGlobal);
-        solderMaskOpt(wc::ScopeGlobal);
-    });
+    controls_->run(wc::ScopeGlobal);
 }
 
 void Widget_SolderMaskOpt::on_m_pScreenOnlyPB_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeScreen);
-        solderMaskOpt(wc::ScopeScreen);
-    });
+    controls_->run(wc::ScopeScreen);
 }
 
 void Widget_SolderMaskOpt::on_m_pInsideProfilePB_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeProfile);
-        solderMaskOpt(wc::ScopeProfile);
-    });
+    controls_->run(wc::ScopeProfile);
 }
 
 void Widget_SolderMaskOpt::on_m_pViewResultPB_clicked() {
-    WC_GUARDED({ showViewer(true); });
+    controls_->view();
 }
 
 void Widget_SolderMaskOpt::on_m_pClosePB_clicked() {
-    WC_GUARDED({ close(); });
+    controls_->close();
 }
 
 void Widget_SolderMaskOpt::change_viewbtn_stylesheet() {
@@ -544,9 +481,6 @@ void Widget_SolderMaskOpt::mouseMoveEvent(QMouseEvent* event) {
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_SolderMaskOpt::solderMaskOpt(int scope) {
-    if (wc::BackgroundRun::activeFor(this)) {
-        return;  // a second click while this dialog's run is under way
-    }
     if (!Judge_Lineedit_Legality()) {
         return;
     }
@@ -565,11 +499,12 @@ void Widget_SolderMaskOpt::solderMaskOpt(int scope) {
 
     wc::OptimisationTexts texts;
     texts.terminated = kTerminated;
-    const std::string job = job_.toStdString();
-    const std::string step = step_.toStdString();
+    texts.processed = QT_TR_N_NOOP("%n layers were processed");
+    const std::string job = shell_->job().toStdString();
+    const std::string step = shell_->step().toStdString();
     Result result;
     const wc::OptimisationOutcome outcome = wc::runOptimisation(
-        *controls_, this, "Widget_SolderMaskOpt.cpp", texts, job_, layers, result,
+        *controls_, this, "Widget_SolderMaskOpt.cpp", texts, shell_->job(), layers, result,
         [job, step, params](const std::vector<std::string>& run_layers, Result& out,
                             Korvo::COMMON::progress_value<void>* progress) {
             return Korvo::API::solder_mask_DFM_op(job, step, run_layers, params, out, progress);
@@ -593,7 +528,7 @@ bool Widget_SolderMaskOpt::Judge_Lineedit_Legality() {
     for (Row row : kDisplayChecked) {
         checked.push_back({fields_->edit(row)->text(), fields_->spec(row).upper_mil});
     }
-    const QString problem = wc::solderMaskDisplayProblem(checked, handle_);
+    const QString problem = wc::solderMaskDisplayProblem(checked, shell_->handle());
     if (problem.isEmpty()) {
         return true;
     }
@@ -621,8 +556,8 @@ void Widget_SolderMaskOpt::set_sm_dfm_params(Params& params, int scope) const {
     params.do_resize = yes(DoResize);
     params.fan_shave = yes(FanShave);
     params.pth = yes(Pth);
-    params.smd_compensate_ranges = wc::rangeTableMap(rowsOf(smd_table_), handle_);
-    params.gas_ranges = wc::rangeTableMap(rowsOf(gas_table_), handle_);
+    params.smd_compensate_ranges = wc::rangeTableMap(smd_->rows(), shell_->handle());
+    params.gas_ranges = wc::rangeTableMap(gas_->rows(), shell_->handle());
     params.ranges = wc::buildRangeMap<solder_mask_DFM_op_items, dfm_range_value>(
         kRangeKey.toStdString(), wc::toDfmRangeValue, wc::RangeLookup::ByRow);
     params.scope = wc::runScope(scope, !yes(ApplyTo));
@@ -636,7 +571,7 @@ bool Widget_SolderMaskOpt::judgeEngineValues(const Params& params) {
     texts.gas_no_drill = fields_->edit(GasNoDrill)->text();
     texts.gas_has_drill = fields_->edit(GasHasDrill)->text();
     texts.partial_gas = fields_->edit(PartialGasResize)->text();
-    const QString problem = wc::solderMaskEngineProblem(params, texts, handle_);
+    const QString problem = wc::solderMaskEngineProblem(params, texts, shell_->handle());
     if (problem.isEmpty()) {
         return true;
     }
@@ -669,155 +604,31 @@ void Widget_SolderMaskOpt::setMeasureValue() {
                       QString::number(wc::summariseSolderMaskOpt(*result_).total()));
 }
 
-// The view button opens the viewer; a run refreshes a viewer that is already open.
+// The view button opens the viewer; a run refreshes a viewer that exists, shown or not.
 void Widget_SolderMaskOpt::showViewer(bool open) {
-    if (viewer_.isNull()) {
-        if (!open) {
-            return;
-        }
-        viewer_ = new Widget_ResultsViewer(8, host_, wc::SharedResult<Result>(result_));
-        viewer_->setJobAndStep(job_, step_);
-        connect(this, &Widget_SolderMaskOpt::unit_changed, viewer_,
-                &Widget_ResultsViewer::change_unit);
-        connect(viewer_, &Widget_ResultsViewer::SolderMask_DFM_raise, this,
-                &Widget_SolderMaskOpt::Widget_raise);
-    } else {
-        viewer_->RefreshSolderMaskOptData(wc::SharedResult<Result>(result_));
-    }
-    if (open) {
-        viewer_->show();
-        viewer_->raise();
-    }
-}
-
-// ---- range tables ---------------------------------------------------------------------------
-
-void Widget_SolderMaskOpt::InitTableItem(QTableWidget* table, int row, const QString& range,
-                                         const QString& value) {
-    setTableItem(table, row, 0, range);
-    setTableItem(table, row, 1, value);
-}
-
-void Widget_SolderMaskOpt::setTableItem(QTableWidget* table, int row, int column,
-                                        const QString& text) {
-    auto* item = new QTableWidgetItem(text);
-    item->setFlags(Qt::ItemIsEnabled);
-    // The editor paints the text; the item only carries it.
-    item->setForeground(QBrush(Qt::transparent));
-    table->setItem(row, column, item);
-    auto* edit = new Korvo::UIAPI::ZeLineEdit(text, Korvo::UIAPI::ZeE_Float, this);
-    edit->setObjectName(
-        table->objectName().replace(QStringLiteral("tableWidget_"), QStringLiteral("lineEdit_")) +
-        QStringLiteral("Cell"));
-    edit->setAutoFillBackground(true);
-    table->setCellWidget(row, column, edit);
-    connect(edit, &QLineEdit::textChanged, this, [edit](const QString& shown) {
-        QTableWidget* owner = tableOfCell(edit);
-        if (owner == nullptr) {
-            return;
-        }
-        for (int r = 0; r < owner->rowCount(); ++r) {
-            for (int c = 0; c < owner->columnCount(); ++c) {
-                if (owner->cellWidget(r, c) == edit && owner->item(r, c) != nullptr) {
-                    owner->item(r, c)->setText(shown);
-                    return;
-                }
-            }
-        }
-    });
-    connect(edit, SIGNAL(editingFinished()), this, SLOT(change_viewbtn_stylesheet()));
-}
-
-void Widget_SolderMaskOpt::setRows(QTableWidget* table, const wc::RangeRows& rows) {
-    table->setRowCount(0);
-    table->setColumnCount(2);
-    table->setRowCount(rows.size());
-    for (int row = 0; row < rows.size(); ++row) {
-        InitTableItem(table, row, rows[row].first, rows[row].second);
-    }
-    controls_->markStale();
-}
-
-wc::RangeRows Widget_SolderMaskOpt::rowsOf(const QTableWidget* table) const {
-    auto cell = [table](int row, int column) {
-        if (auto* edit = qobject_cast<const QLineEdit*>(table->cellWidget(row, column))) {
-            return edit->text();
-        }
-        const QTableWidgetItem* item = table->item(row, column);
-        return item != nullptr ? item->text() : QString();
-    };
-    wc::RangeRows rows;
-    for (int row = 0; row < table->rowCount(); ++row) {
-        rows.append({cell(row, 0), cell(row, 1)});
-    }
-    return rows;
-}
-
-void Widget_SolderMaskOpt::addRow(QTableWidget* table) {
-    const int row = table->rowCount();
-    table->insertRow(row);
-    InitTableItem(table, row, QString(), QString());
-    table->cellWidget(row, 0)->setFocus();
-    controls_->markStale();
-}
-
-// Deletes the row being edited, else the current row, else the last one.
-void Widget_SolderMaskOpt::deleteRow(QTableWidget* table) {
-    if (table->rowCount() == 0) {
-        return;
-    }
-    int target = table->currentRow();
-    for (int row = 0; row < table->rowCount(); ++row) {
-        for (int column = 0; column < table->columnCount(); ++column) {
-            QWidget* cell = table->cellWidget(row, column);
-            if (cell != nullptr && cell->hasFocus()) {
-                target = row;
-            }
-        }
-    }
-    if (target < 0 || target >= table->rowCount()) {
-        target = table->rowCount() - 1;
-    }
-    table->removeRow(target);
-    controls_->markStale();
-}
-
-void Widget_SolderMaskOpt::restoreTableEditors(QTableWidget* table) {
-    wc::RangeRows rows;
-    for (int row = 0; row < table->rowCount(); ++row) {
-        const QTableWidgetItem* range = table->item(row, 0);
-        const QTableWidgetItem* value = table->item(row, 1);
-        rows.append({range != nullptr ? range->text() : QString(),
-                     value != nullptr ? value->text() : QString()});
-    }
-    setRows(table, rows);
-}
-
-void Widget_SolderMaskOpt::changeTableData() {
-    QList<Korvo::UIAPI::ZeLineEdit*> cells;
-    for (QTableWidget* table : {smd_table_, gas_table_}) {
-        for (int row = 0; row < table->rowCount(); ++row) {
-            for (int column = 0; column < table->columnCount(); ++column) {
-                if (auto* edit =
-                        qobject_cast<Korvo::UIAPI::ZeLineEdit*>(table->cellWidget(row, column))) {
-                    cells.append(edit);
-                }
-            }
-        }
-    }
-    wc::changeZeUnits(handle_, cells);
+    windows_->showViewer(
+        this, open, &Widget_ResultsViewer::SolderMask_DFM_raise,
+        [this] {
+            return new Widget_ResultsViewer(8, shell_->host(), wc::SharedResult<Result>(result_));
+        },
+        [this](Widget_ResultsViewer& viewer) {
+            viewer.RefreshSolderMaskOptData(wc::SharedResult<Result>(result_));
+        });
 }
 
 // ---- language and units ---------------------------------------------------------------------
 
 void Widget_SolderMaskOpt::change_language() {
-    WC_GUARDED({ applyTexts(); });
+    WC_GUARDED({
+        wc::retranslate(this);
+        fields_->changeLanguage();
+    });
 }
 
 void Widget_SolderMaskOpt::change_units() {
     WC_GUARDED({
         fields_->changeUnit();
-        changeTableData();
+        wc::changeZeUnits(shell_->handle(), smd_->cells() + gas_->cells());
         emit unit_changed();
     });
 }

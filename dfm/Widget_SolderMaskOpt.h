@@ -3,7 +3,6 @@
 // and vertical-flow parameters on a "Main" and an "Advanced" page, the SMD compensation and gas
 // range tables, one engine run behind the progress window, and its result in the viewer.
 
-#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
@@ -14,24 +13,22 @@
 #include "Korvo_DFM_types.h"
 #include "dfm/SolderMaskOptChecks.h"
 #include "frame/FieldTable.h"
-
-class Widget_Ranges;
-class Widget_ResultsViewer;
+#include "frame/WidgetCommonExport.h"
 
 class QButtonGroup;
 class QCheckBox;
 class QGroupBox;
 class QLabel;
-class QPushButton;
 class QTabWidget;
-class QTableWidget;
 
 namespace wc {
-class ParameterSetActions;
+class DialogShell;
+class RangeTableBox;
+class ResultWindows;
 class RunControls;
 }  // namespace wc
 
-class Widget_SolderMaskOpt : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_SolderMaskOpt : public QWidget {
     Q_OBJECT
 public:
     using Result = Korvo::API::solder_mask_DFM_result_map;
@@ -91,11 +88,9 @@ protected:
 
 private:
     void initSolderMaskOpt();
+    void wireUp();
     QWidget* makeMainPage();
     QWidget* makeAdvancedPage();
-    QGroupBox* makeTableBox(const QString& key, const QString& button_key, QTableWidget*& table,
-                            QPushButton*& add, QPushButton*& remove);
-    void applyTexts();
 
     void solderMaskOpt(int scope);
     bool Judge_Lineedit_Legality();
@@ -106,47 +101,21 @@ private:
     void setMeasureValue();
     void showViewer(bool open);
 
-    // Range tables: each cell is a numeric line edit over an item that mirrors its text, so the
-    // table's values can be saved with the form.
-    void InitTableItem(QTableWidget* table, int row, const QString& range, const QString& value);
-    void setTableItem(QTableWidget* table, int row, int column, const QString& text);
-    void setRows(QTableWidget* table, const wc::RangeRows& rows);
-    wc::RangeRows rowsOf(const QTableWidget* table) const;
-    void addRow(QTableWidget* table);
-    void deleteRow(QTableWidget* table);
-    // Rebuilds the cell editors from the items after a parameter set was loaded.
-    void restoreTableEditors(QTableWidget* table);
-    void changeTableData();
-
     void information(const QString& text);
 
-    const void* handle_;
-    QWidget* host_;
-    QString job_;
-    QString step_;
+    wc::DialogShell* shell_;
+    wc::RunControls* controls_;
+    std::unique_ptr<wc::ResultWindows> windows_;
     std::shared_ptr<const Result> result_;
     bool has_results_ = false;
-    QPointer<Widget_ResultsViewer> viewer_;
-    QPointer<Widget_Ranges> ranges_;
 
-    wc::RunControls* controls_ = nullptr;
-    wc::ParameterSetActions* actions_ = nullptr;
     std::unique_ptr<wc::FieldTable<Korvo::API::solder_mask_DFM_params>> fields_;
     QTabWidget* pages_ = nullptr;
     QCheckBox* advance_ = nullptr;
     QGroupBox* advanced_group_ = nullptr;
-    QList<QLabel*> choice_labels_;
     QList<QButtonGroup*> choices_;
-    QLabel* opt_header_ = nullptr;
-    QTableWidget* smd_table_ = nullptr;
-    QTableWidget* gas_table_ = nullptr;
-    QGroupBox* smd_box_ = nullptr;
-    QGroupBox* gas_box_ = nullptr;
-    QPushButton* add_smd_ = nullptr;
-    QPushButton* delete_smd_ = nullptr;
-    QPushButton* add_gas_ = nullptr;
-    QPushButton* delete_gas_ = nullptr;
+    wc::RangeTableBox* smd_ = nullptr;
+    wc::RangeTableBox* gas_ = nullptr;
     QLabel* summary_ = nullptr;
     QLabel* changes_ = nullptr;
-    QPushButton* close_ = nullptr;
 };

@@ -15,14 +15,13 @@
 #include <QPushButton>
 #include <QRegExpValidator>
 #include <QVBoxLayout>
-#include <iterator>
 
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
 #include "ZeLineEdit.h"
-#include "analysis/Widget_Ranges.h"
-#include "analysis/Widget_ResultsViewer.h"
-#include "frame/BackgroundRun.h"
+#include "analysis/ResultWindows.h"
+#include "frame/DialogShell.h"
+#include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/LimitCheck.h"
 #include "frame/OptimisationRun.h"
@@ -38,7 +37,7 @@ using Korvo::API::teardrop_create_DFM_op_params;
 using Korvo::API::teardrop_result_map;
 
 const QString kRangeKey = QStringLiteral("TeardropsRanges");
-const char* const kTitle = "Advanced Teardrop Creation";
+const char* const kTitle = QT_TRANSLATE_NOOP("Widget_Teardrops", "Advanced Teardrop Creation");
 
 // The largest length an int32 record field holds, in mil (2^31 nm is 84,546 mil).
 constexpr double kEngineReachMil = 80000.0;
@@ -97,11 +96,11 @@ const RangeCheck kRangeChecks[] = {
     {Extend, kEngineReachMil},
 };
 
-const char* const kTypes[] = {QT_TRANSLATE_NOOP("Widget_Teardrops", "Filleted"),
-                              QT_TRANSLATE_NOOP("Widget_Teardrops", "Straight"),
-                              QT_TRANSLATE_NOOP("Widget_Teardrops", "Triangular"),
-                              QT_TRANSLATE_NOOP("Widget_Teardrops", "Rounded"),
-                              QT_TRANSLATE_NOOP("Widget_Teardrops", "Oval")};
+const QList<const char*> kTypes = {QT_TRANSLATE_NOOP("Widget_Teardrops", "Filleted"),
+                                   QT_TRANSLATE_NOOP("Widget_Teardrops", "Straight"),
+                                   QT_TRANSLATE_NOOP("Widget_Teardrops", "Triangular"),
+                                   QT_TRANSLATE_NOOP("Widget_Teardrops", "Rounded"),
+                                   QT_TRANSLATE_NOOP("Widget_Teardrops", "Oval")};
 
 }  // namespace
 
@@ -118,45 +117,41 @@ QString teardropRangeProblem(const void* handle, const QString& text, double lim
 }  // namespace wc
 
 Widget_Teardrops::Widget_Teardrops(const QString& job, const QString& step, QWidget* parent)
-    : QWidget(parent, Qt::Window),
-      handle_(parent),
-      job_(job),
-      step_(step),
-      result_(std::make_shared<const teardrop_result_map>()) {
+    : QWidget(parent, Qt::Window), result_(std::make_shared<const teardrop_result_map>()) {
     setWindowFlags(Qt::WindowFlags(0x8001003));
+    wc::RunControlsOptions options;
+    options.range_key = kRangeKey;
+    options.layer_text = QStringLiteral(".type=signal&context=board");
+    shell_ = new wc::DialogShell(this, parent, job, step, wc::spacedLabels(options));
+    controls_ = &shell_->controls();
+    windows_ = std::make_unique<wc::ResultWindows>(*shell_);
     initTeardrops();
 }
 
 Widget_Teardrops::~Widget_Teardrops() = default;
 
 Widget_ResultsViewer* Widget_Teardrops::resultsViewer() const {
-    return viewer_.data();
+    return windows_->viewer();
 }
 
 void Widget_Teardrops::initTeardrops() {
-    wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
-    options.layer_text = QStringLiteral(".type=signal&context=board");
-    controls_ = new wc::RunControls(this, wc::spacedLabels(options));
-    controls_->setJob(job_);
-    sets_ = new wc::ParameterSetActions(this, controls_, kRangeKey,
-                                        [this] { return parameterWidgets(); });
-
+    const void* handle = shell_->handle();
     ratio_label_ = new QLabel(this);
     ratio_label_->setObjectName(QStringLiteral("label_LineWidthRatio"));
+    wc::setSourceText(this, ratio_label_, QT_TR_NOOP("Teardrop Line Width Ratio:"));
     ratio_ = new QLineEdit(QStringLiteral("0.5"), this);
     ratio_->setObjectName(QStringLiteral("lineEdit_LineWidthRatio"));
     ratio_->setValidator(
         new QRegExpValidator(QRegExp(QStringLiteral("[0-9]*[0-9][0-9.][0-9]*[0-9]")), ratio_));
     type_label_ = new QLabel(this);
     type_label_->setObjectName(QStringLiteral("label_Type"));
+    wc::setSourceText(this, type_label_, QT_TR_NOOP("Type"));
     type_ = new QComboBox(this);
     type_->setObjectName(QStringLiteral("comboBox_Type"));
-    for (size_t index = 0; index < std::size(kTypes); ++index) {
-        type_->addItem(QString());
-    }
+    wc::setSourceItems(this, type_, kTypes);
     arc_label_ = new QLabel(this);
     arc_label_->setObjectName(QStringLiteral("label_ArcAngle"));
+    wc::setSourceText(this, arc_label_, QT_TR_NOOP("Arc Angle:"));
     arc_angle_ = new QLineEdit(this);
     arc_angle_->setObjectName(QStringLiteral("lineEdit_ArcAngle"));
     // Only what the hint promises can be typed.
@@ -164,18 +159,23 @@ void Widget_Teardrops::initTeardrops() {
         new QRegExpValidator(QRegExp(QStringLiteral("[0-9]|1[0-9]|20")), arc_angle_));
     arc_hint_ = new QLabel(this);
     arc_hint_->setObjectName(QStringLiteral("label_ArcAngleHint"));
+    wc::setSourceText(this, arc_hint_, QT_TR_NOOP("(0-20)"));
 
     operate_label_ = new QLabel(this);
     operate_label_->setObjectName(QStringLiteral("label_Operate"));
+    wc::setSourceText(this, operate_label_, QT_TR_NOOP("Operate"));
     drilled_ = new QCheckBox(this);
     drilled_->setObjectName(QStringLiteral("checkBox_DrilledPads"));
+    wc::setSourceText(this, drilled_, QT_TR_NOOP("Drilled Pads"));
     drilled_->setChecked(true);
     undrilled_ = new QCheckBox(this);
     undrilled_->setObjectName(QStringLiteral("checkBox_UndrilledPads"));
+    // Spelled so on purpose.
+    wc::setSourceText(this, undrilled_, QT_TR_NOOP("UNndrilled Pads"));
     undrilled_->setChecked(true);
 
-    lengths_ = std::make_unique<wc::FieldTable<teardrop_create_DFM_op_params>>(this, handle_,
-                                                                               lengthRows());
+    lengths_ =
+        std::make_unique<wc::FieldTable<teardrop_create_DFM_op_params>>(this, handle, lengthRows());
     delete_old_ = wc::makeChoiceGroup(this, QStringLiteral("DeleteOld"), "Delete Old Teardrops",
                                       {"Yes", "No", "Skip"}, 0);
     apply_to_ =
@@ -184,13 +184,17 @@ void Widget_Teardrops::initTeardrops() {
         wc::makeChoiceGroup(this, QStringLiteral("WorkMode"), "Work Mode", {"Report", "Repair"}, 1);
     solder_mask_ = wc::makeChoiceGroup(this, QStringLiteral("ConsiderSolderMask"),
                                        "Consider Solder Mask", {"Yes", "No"}, 1);
-    close_ = new QPushButton(this);
-    close_->setObjectName(QStringLiteral("pushButton_Close"));
     set_unit_ = new QLabel(this);
     set_unit_->setObjectName(QStringLiteral("label_ParameterSetUnit"));
     set_unit_->hide();
+    wc::setSourceText(this, this, kTitle);
 
-    // Label, field, unit; pairs of min and max share a row.
+    layOut();
+    wireUp();
+}
+
+// Label, field, unit; pairs of min and max share a row.
+void Widget_Teardrops::layOut() {
     auto* grid = new QGridLayout;
     auto place = [&](int row, int grid_row, int column) {
         grid->addWidget(lengths_->label(row), grid_row, column);
@@ -230,92 +234,55 @@ void Widget_Teardrops::initTeardrops() {
     layout->addLayout(grid);
     layout->addLayout(choices);
     layout->addLayout(controls_->makeLayerRow());
-    controls_->addClosingRows(layout, close_);
+    controls_->addClosingRows(layout);
+}
 
-    // The layer and "ERF:" buttons open their popups through the run controls.
-    controls_->connectTo(this,
-                         {{SLOT(on_m_pRunGlobalPB_clicked()), SLOT(on_m_pScreenOnlyPB_clicked()),
-                           SLOT(on_m_pInsideProfilePB_clicked())},
-                          SLOT(on_m_pViewResultPB_clicked()),
-                          SLOT(on_m_pSaveAsPB_clicked()),
-                          SLOT(on_m_pRangesPB_clicked())});
-    connect(close_, SIGNAL(clicked()), this, SLOT(on_m_pClosePB_clicked()));
-    connect(sets_, &wc::ParameterSetActions::saved, this,
+void Widget_Teardrops::wireUp() {
+    wc::RunControls::Callbacks callbacks;
+    callbacks.run = [this](int scope) { RunonRanges(scope); };
+    callbacks.view = [this] { showResultsViewer(true); };
+    callbacks.ranges = [this] { windows_->openRanges(this, kTitle); };
+    callbacks.save_as = [this] { shell_->sets()->askName(); };
+    callbacks.file = __FILE__;
+    callbacks.line = __LINE__;
+    controls_->connectTo(callbacks);
+    wc::ParameterSetActions& sets = shell_->useParameterSets([this] { return parameterWidgets(); });
+    connect(&sets, &wc::ParameterSetActions::saved, this,
             &Widget_Teardrops::send_Sel_Template_Name);
-    connect(sets_, &wc::ParameterSetActions::loaded, this, [this] { fitLoadedUnit(); });
-
+    connect(&sets, &wc::ParameterSetActions::loaded, this, [this] { fitLoadedUnit(); });
     // Any change of a parameter makes the shown result stale.
-    for (QObject* widget : parameterWidgets()) {
-        if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
-            connect(edit, SIGNAL(editingFinished()), this, SLOT(change_viewbtn_stylesheet()));
-        } else if (auto* box = qobject_cast<QCheckBox*>(widget)) {
-            connect(box, SIGNAL(toggled(bool)), this, SLOT(change_viewbtn_stylesheet()));
-        } else if (auto* combo = qobject_cast<QComboBox*>(widget)) {
-            connect(combo, SIGNAL(currentIndexChanged(int)), this,
-                    SLOT(change_viewbtn_stylesheet()));
-        } else if (auto* group = qobject_cast<QButtonGroup*>(widget)) {
-            connect(group, SIGNAL(buttonClicked(int)), this, SLOT(change_viewbtn_stylesheet()));
-        }
-    }
-    connect(controls_->layerEdit(), SIGNAL(editingFinished()), this,
-            SLOT(change_viewbtn_stylesheet()));
+    controls_->markStaleOnChange(parameterWidgets() << controls_->layerEdit());
 
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_MouseTracking);
-
-    setTexts();
-}
-
-void Widget_Teardrops::setTexts() {
-    ratio_label_->setText(tr("Teardrop Line Width Ratio:"));
-    type_label_->setText(tr("Type"));
-    for (int index = 0; index < type_->count(); ++index) {
-        type_->setItemText(index, tr(kTypes[index]));
-    }
-    arc_label_->setText(tr("Arc Angle:"));
-    arc_hint_->setText(tr("(0-20)"));
-    operate_label_->setText(tr("Operate"));
-    drilled_->setText(tr("Drilled Pads"));
-    // Spelled so on purpose.
-    undrilled_->setText(tr("UNndrilled Pads"));
-    for (const wc::ChoiceGroup* group : {&delete_old_, &apply_to_, &work_mode_, &solder_mask_}) {
-        group->retranslate(this);
-    }
-    close_->setText(tr("Close"));
-    setWindowTitle(tr(kTitle));
 }
 
 // ---- host calls -----------------------------------------------------------------------------
 
 void Widget_Teardrops::UpdateJobStep(const QString& job, const QString& step) {
-    job_ = job;
-    step_ = step;
-    controls_->setJob(job_);
-    if (!viewer_.isNull()) {
-        viewer_->setJobAndStep(job_, step_);
-    }
+    shell_->updateJobStep(job, step);
 }
 
 void Widget_Teardrops::setAffectedLayers(const QStringList& layers) {
-    controls_->layerEdit()->setText(layers.join(QLatin1Char(';')));
+    shell_->setAffectedLayers(layers);
 }
 
 void Widget_Teardrops::setErfValues(const QString& name) {
-    WC_GUARDED({ sets_->load(name); });
+    WC_GUARDED({ shell_->setErfValues(name); });
 }
 
 bool Widget_Teardrops::isErfFileExist(const QString& name) const {
-    return get_Teardrops_ERF().contains(name);
+    return shell_->isErfFileExist(name);
 }
 
 QStringList Widget_Teardrops::get_Teardrops_ERF() const {
-    return Korvo::UIAPI::getERFList(kRangeKey);
+    return shell_->erfNames();
 }
 
 QStringList Widget_Teardrops::getDefaultLayerList() const {
     std::vector<std::string> steps;
     std::vector<Korvo::API::layer_info> layers;
-    wc::recordedGetGraphics(job_.toStdString(), steps, layers);
+    wc::recordedGetGraphics(shell_->job().toStdString(), steps, layers);
     QStringList names;
     for (const Korvo::API::layer_info& layer : layers) {
         if (layer.context == "board" && layer.type == "signal") {
@@ -325,14 +292,14 @@ QStringList Widget_Teardrops::getDefaultLayerList() const {
     return names;
 }
 
-// ---- slots in the order the user meets them -------------------------------------------------
+// ---- the buttons ----------------------------------------------------------------------------
 
 void Widget_Teardrops::on_ERF_clicked() {
     WC_GUARDED({ controls_->showErfPopup(); });
 }
 
 void Widget_Teardrops::on_m_pSaveAsPB_clicked() {
-    WC_GUARDED({ sets_->askName(); });
+    controls_->saveAs();
 }
 
 void Widget_Teardrops::on_m_pLayerPB_clicked() {
@@ -340,63 +307,52 @@ void Widget_Teardrops::on_m_pLayerPB_clicked() {
 }
 
 void Widget_Teardrops::on_m_pRangesPB_clicked() {
-    WC_GUARDED({ Widget_Ranges::openFor(ranges_, this, handle_, kRangeKey, kTitle); });
+    controls_->openRanges();
 }
 
 void Widget_Teardrops::on_m_pRunGlobalPB_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeGlobal);
-        RunonRanges(wc::ScopeGlobal);
-    });
+    controls_->run(wc::ScopeGlobal);
 }
 
 void Widget_Teardrops::on_m_pScreenOnlyPB_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeScreen);
-        RunonRanges(wc::ScopeScreen);
-    });
+    controls_->run(wc::ScopeScreen);
 }
 
 void Widget_Teardrops::on_m_pInsideProfilePB_clicked() {
-    WC_GUARDED({
-        controls_->pressRun(wc::ScopeProfile);
-        RunonRanges(wc::ScopeProfile);
-    });
+    controls_->run(wc::ScopeProfile);
 }
 
 void Widget_Teardrops::on_m_pViewResultPB_clicked() {
-    WC_GUARDED({ showResultsViewer(true); });
+    controls_->view();
 }
 
 void Widget_Teardrops::on_m_pClosePB_clicked() {
-    WC_GUARDED({ close(); });
+    controls_->close();
 }
 
 // ---- the run --------------------------------------------------------------------------------
 
 void Widget_Teardrops::RunonRanges(int scope) {
-    if (wc::BackgroundRun::activeFor(this)) {
-        return;  // a second click while this dialog's run is under way
-    }
     if (!islineEditsValid() || !Judge_Lineedit_Legality()) {
         return;
     }
     teardrop_create_DFM_op_params params;
     getData(params, scope);
     controls_->rememberScope(params.scope);
-    const std::vector<std::string> layers = getLayerList();
+    const std::vector<std::string> layers = shell_->runLayers();
     if (layers.empty()) {
         controls_->setStatus(tr("No layers were processed"));
         return;
     }
 
-    const std::string job = job_.toStdString();
-    const std::string step = step_.toStdString();
+    const std::string job = shell_->job().toStdString();
+    const std::string step = shell_->step().toStdString();
     wc::OptimisationTexts texts;
-    texts.terminated = "TearDrop dfm terminated";
+    texts.terminated = QT_TR_NOOP("TearDrop dfm terminated");
+    texts.processed = QT_TR_N_NOOP("%n layers were processed");
     teardrop_result_map fresh;
     const wc::OptimisationOutcome outcome = wc::runOptimisation(
-        *controls_, this, "Widget_Teardrops", texts, job_, layers, fresh,
+        *controls_, this, "Widget_Teardrops", texts, shell_->job(), layers, fresh,
         [job, step, params](const std::vector<std::string>& run_layers, teardrop_result_map& out,
                             Korvo::COMMON::progress_value<void>* progress) {
             return Korvo::API::teardrop_create_DFM_op(job, step, run_layers, params, out, progress);
@@ -444,8 +400,8 @@ bool Widget_Teardrops::islineEditsValid() {
 
 bool Widget_Teardrops::Judge_Lineedit_Legality() {
     for (const RangeCheck& check : kRangeChecks) {
-        const QString problem =
-            wc::teardropRangeProblem(handle_, lengths_->edit(check.row)->text(), check.limit_mil);
+        const QString problem = wc::teardropRangeProblem(
+            shell_->handle(), lengths_->edit(check.row)->text(), check.limit_mil);
         if (!problem.isEmpty()) {
             information(problem);
             return false;
@@ -470,17 +426,9 @@ void Widget_Teardrops::getData(teardrop_create_DFM_op_params& params, int scope)
     params.report_only = work_mode_.group->checkedId() == 0;
 }
 
-std::vector<std::string> Widget_Teardrops::getLayerList() const {
-    const wc::LayerResolution resolution = controls_->resolveLayerField();
-    for (const QString& name : resolution.missing) {
-        LOG(ERROR) << "layer " << name.toStdString() << " is not in job " << job_.toStdString();
-    }
-    return resolution.layers;
-}
-
 // Fixed order; the unit tag says in which unit the lengths were written.
 QList<QObject*> Widget_Teardrops::parameterWidgets() const {
-    set_unit_->setText(QString::number(Korvo::UIAPI::getUnit(handle_)));
+    set_unit_->setText(QString::number(Korvo::UIAPI::getUnit(shell_->handle())));
     QList<QObject*> widgets{set_unit_, ratio_, type_, arc_angle_, drilled_, undrilled_};
     widgets += lengths_->editObjects();
     for (const wc::ChoiceGroup* group : {&delete_old_, &apply_to_, &work_mode_, &solder_mask_}) {
@@ -494,7 +442,7 @@ QList<QObject*> Widget_Teardrops::parameterWidgets() const {
 void Widget_Teardrops::fitLoadedUnit() {
     bool known = false;
     const int saved = set_unit_->text().toInt(&known);
-    const int current = Korvo::UIAPI::getUnit(handle_);
+    const int current = Korvo::UIAPI::getUnit(shell_->handle());
     if (!known || saved == current) {
         return;
     }
@@ -520,34 +468,21 @@ void Widget_Teardrops::mouseMoveEvent(QMouseEvent* event) {
 
 // The view button opens the viewer; a run refreshes it when it is already open.
 void Widget_Teardrops::showResultsViewer(bool open) {
-    if (viewer_.isNull()) {
-        if (!open) {
-            return;
-        }
-        auto* host = static_cast<QWidget*>(const_cast<void*>(handle_));
-        viewer_ = new Widget_ResultsViewer(0, host, processed_layers_,
-                                           wc::SharedResult<wc::TeardropsResult>(result_));
-        viewer_->setJobAndStep(job_, step_);
-        connect(this, &Widget_Teardrops::unit_changed, viewer_, &Widget_ResultsViewer::change_unit);
-        connect(viewer_, &Widget_ResultsViewer::TearDrop_DFM_raise, this, [this] {
-            show();
-            raise();
-            activateWindow();
+    windows_->showViewer(
+        this, open, &Widget_ResultsViewer::TearDrop_DFM_raise,
+        [this] {
+            return new Widget_ResultsViewer(0, shell_->host(), processed_layers_,
+                                            wc::SharedResult<wc::TeardropsResult>(result_));
+        },
+        [this](Widget_ResultsViewer& viewer) {
+            viewer.RefreshTeardropsData(processed_layers_, result_);
         });
-    } else {
-        viewer_->RefreshTeardropsData(processed_layers_, result_);
-    }
-    if (open || viewer_->isVisible()) {
-        viewer_->show();
-        viewer_->raise();
-    }
 }
 
 void Widget_Teardrops::change_language() {
     WC_GUARDED({
-        controls_->changeLanguage();
+        wc::retranslate(this);
         lengths_->changeLanguage();
-        setTexts();
     });
 }
 

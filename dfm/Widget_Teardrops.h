@@ -4,7 +4,6 @@
 // "Work Mode" = "Report" sets the record's report_only: the engine grades where teardrops are
 // missing and changes nothing.
 
-#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
@@ -15,8 +14,8 @@
 #include "Korvo_DFM_types.h"
 #include "frame/ChoiceGroup.h"
 #include "frame/FieldTable.h"
+#include "frame/WidgetCommonExport.h"
 
-class Widget_Ranges;
 class Widget_ResultsViewer;
 
 class QCheckBox;
@@ -26,7 +25,8 @@ class QLineEdit;
 class QPushButton;
 
 namespace wc {
-class ParameterSetActions;
+class DialogShell;
+class ResultWindows;
 class RunControls;
 
 // The range check before a run: the value (display unit) from 0 up to the limit in mil, compared
@@ -35,7 +35,7 @@ class RunControls;
 QString teardropRangeProblem(const void* handle, const QString& text, double limit_mil);
 }  // namespace wc
 
-class Widget_Teardrops : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_Teardrops : public QWidget {
     Q_OBJECT
 public:
     Widget_Teardrops(const QString& job, const QString& step, QWidget* parent);
@@ -54,6 +54,7 @@ public:
     Widget_ResultsViewer* resultsViewer() const;
 
 public slots:
+    // The buttons' slots, as the host and its scripts know them.
     void on_m_pRunGlobalPB_clicked();
     void on_m_pScreenOnlyPB_clicked();
     void on_m_pInsideProfilePB_clicked();
@@ -83,28 +84,24 @@ protected:
 
 private:
     void initTeardrops();
+    void layOut();
+    void wireUp();
     void RunonRanges(int scope);
     bool islineEditsValid();
     bool Judge_Lineedit_Legality();
     void getData(Korvo::API::teardrop_create_DFM_op_params& params, int scope) const;
-    std::vector<std::string> getLayerList() const;
     QList<QObject*> parameterWidgets() const;
     void fitLoadedUnit();
     void showResultsViewer(bool open);
-    void setTexts();
     void information(const QString& text);
 
-    const void* handle_;
-    QString job_;
-    QString step_;
+    wc::DialogShell* shell_;
+    wc::RunControls* controls_;
+    std::unique_ptr<wc::ResultWindows> windows_;
     std::shared_ptr<const Korvo::API::teardrop_result_map> result_;
     std::vector<std::string> processed_layers_;
     bool has_results_ = false;
-    QPointer<Widget_ResultsViewer> viewer_;
-    QPointer<Widget_Ranges> ranges_;
 
-    wc::RunControls* controls_ = nullptr;
-    wc::ParameterSetActions* sets_ = nullptr;
     std::unique_ptr<wc::FieldTable<Korvo::API::teardrop_create_DFM_op_params>> lengths_;
     QLabel* ratio_label_ = nullptr;
     QLineEdit* ratio_ = nullptr;
@@ -120,7 +117,6 @@ private:
     wc::ChoiceGroup apply_to_;
     wc::ChoiceGroup work_mode_;
     wc::ChoiceGroup solder_mask_;
-    QPushButton* close_ = nullptr;
     // Hidden: the unit a parameter set's lengths were written in.
     QLabel* set_unit_ = nullptr;
 };

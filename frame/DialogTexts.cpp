@@ -8,6 +8,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTabWidget>
 #include <QTableWidget>
 #include <QTreeWidget>
 #include <algorithm>
@@ -67,6 +68,10 @@ void showItems(QWidget* dialog, QWidget* widget, const QStringList& sources) {
         table->setHorizontalHeaderLabels(texts);
     } else if (auto* tree = qobject_cast<QTreeWidget*>(widget)) {
         tree->setHeaderLabels(texts);
+    } else if (auto* tabs = qobject_cast<QTabWidget*>(widget)) {
+        for (int index = 0; index < texts.size() && index < tabs->count(); ++index) {
+            tabs->setTabText(index, texts[index]);
+        }
     }
 }
 

@@ -24,7 +24,8 @@ void setSourceText(QWidget* dialog, QObject* object, const char* source);
 // The tool tip and the status-bar tip of a widget or an action.
 void setSourceToolTip(QWidget* dialog, QObject* object, const char* source);
 void setSourceStatusTip(QWidget* dialog, QObject* object, const char* source);
-// The items of a combo box, or the column headers of a table or tree widget, in order.
+// The items of a combo box, the column headers of a table or tree widget, or the tab texts of a
+// tab widget, in order.
 void setSourceItems(QWidget* dialog, QWidget* widget, const QList<const char*>& sources);
 void retranslate(QWidget* dialog);
 

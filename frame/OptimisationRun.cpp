@@ -60,8 +60,7 @@ void OptimisationRunner::onStop() {
 void OptimisationRunner::complete(int layer_count) {
     controls_.setViewState(RunControls::ViewState::Fresh);
     controls_.showTime(start_, timer_.elapsed());
-    controls_.setStatus(QString::number(layer_count) +
-                        translateFor(dialog_.data(), QString::fromUtf8(texts_.processed)));
+    controls_.setStatus(translateFor(dialog_.data(), texts_.processed, layer_count));
 }
 
 }  // namespace wc

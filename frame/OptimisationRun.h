@@ -33,7 +33,8 @@ namespace wc {
 
 struct OptimisationTexts {
     const char* terminated = "";  // "SignalLayer opt terminated", ...
-    const char* processed = " layers were processed";
+    // The count as "%n": the catalogue words each plural form in the dialog's language.
+    const char* processed = "%n layers were processed";
 };
 
 struct OptimisationOutcome {

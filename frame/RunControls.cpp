@@ -10,6 +10,13 @@
 #include <QVBoxLayout>
 #include <QWidget>
 
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+
+#include "BackgroundRun.h"
+#include "DialogTexts.h"
+#include "ExceptionGuard.h"
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
 #include "ListPopup.h"
@@ -52,16 +59,21 @@ int runScope(int button_scope, bool selected_only) {
     return selected_only ? ScopeSelected : button_scope;
 }
 
-QString layersProcessedText(int count, CountWording wording) {
+QString layersProcessedText(const QObject* dialog, int count, CountWording wording) {
     if (count <= 0) {
-        return QStringLiteral("No layers were processed");
+        return translateFor(dialog, QStringLiteral("No layers were processed"));
     }
     if (count == 1) {
         // Two blanks in the viewer's wording: kept on purpose.
-        return wording == CountWording::Viewer ? QStringLiteral("1 layer  was processed")
-                                               : QStringLiteral("1 layer was processed");
+        return translateFor(
+            dialog,
+            wording == CountWording::Viewer
+                ? QT_TRANSLATE_NOOP("Widget_SignalLayerChecks", "%n layer  was processed")
+                : QT_TRANSLATE_NOOP("Widget_SignalLayerChecks", "%n layer was processed"),
+            count);
     }
-    return QString::number(count) + QStringLiteral(" layers were processed");
+    return translateFor(
+        dialog, QT_TRANSLATE_NOOP("Widget_SignalLayerChecks", "%n layers were processed"), count);
 }
 
 LayerResolution resolveLayers(const QString& job, const QString& expression) {
@@ -81,61 +93,126 @@ LayerResolution resolveLayers(const QString& job, const QString& expression) {
 RunControls::RunControls(QWidget* dialog, RunControlsOptions options)
     : QObject(dialog), dialog_(dialog), options_(std::move(options)) {
     setObjectName(QStringLiteral("runControls"));
-    layer_button_ =
-        new QPushButton(translateFor(dialog, QString::fromUtf8(options_.layer_label)), dialog);
+    layer_button_ = new QPushButton(dialog);
+    setSourceText(dialog, layer_button_, options_.layer_label);
     layer_button_->setObjectName(QStringLiteral("pushButton_Layer"));
     layer_edit_ = new QLineEdit(options_.layer_text, dialog);
     layer_edit_->setObjectName(QStringLiteral("lineEdit_Layer"));
 
-    erf_button_ =
-        new QPushButton(translateFor(dialog, QString::fromUtf8(options_.erf_label)), dialog);
+    erf_button_ = new QPushButton(dialog);
+    setSourceText(dialog, erf_button_, options_.erf_label);
     erf_button_->setObjectName(QStringLiteral("pushButton_ERF"));
     erf_edit_ = new QLineEdit(options_.erf_text, dialog);
     erf_edit_->setObjectName(QStringLiteral("lineEdit_ERF"));
     erf_edit_->setReadOnly(options_.read_only_erf);
-    save_as_button_ =
-        new QPushButton(translateFor(dialog, QString::fromUtf8(options_.save_as_label)), dialog);
+    save_as_button_ = new QPushButton(dialog);
+    setSourceText(dialog, save_as_button_, options_.save_as_label);
     save_as_button_->setObjectName(QStringLiteral("pushButton_SaveAs"));
 
-    ranges_button_ = new QPushButton(translateFor(dialog, QStringLiteral("Ranges...")), dialog);
+    ranges_button_ = new QPushButton(dialog);
+    setSourceText(dialog, ranges_button_, "Ranges...");
     ranges_button_->setObjectName(QStringLiteral("pushButton_Ranges"));
 
     for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
         QPushButton* button =
             pictureButton(dialog, kRunPictures[scope], QString::fromLatin1(kRunNames[scope]));
-        button->setToolTip(translateFor(dialog, QString::fromLatin1(kRunTips[scope])));
+        setSourceToolTip(dialog, button, kRunTips[scope]);
         run_buttons_[scope] = button;
     }
     resetCheckedStyle();
     view_button_ = pictureButton(dialog, "viewgreen.jpg", QStringLiteral("pushButton_View"));
-    view_button_->setToolTip(translateFor(dialog, QString::fromUtf8(options_.view_tip)));
+    setSourceToolTip(dialog, view_button_, options_.view_tip);
     setViewState(ViewState::Stale);
 
     time_label_ = new QLabel(translateFor(dialog, QStringLiteral("No results")), dialog);
     time_label_->setObjectName(QStringLiteral("label_Time"));
     status_label_ = new QLabel(dialog);
     status_label_->setObjectName(QStringLiteral("label_Status"));
+    close_button_ = new QPushButton(dialog);
+    close_button_->setObjectName(QStringLiteral("pushButton_Close"));
+    setSourceText(dialog, close_button_, "Close");
 
     connect(layer_button_, &QPushButton::clicked, this, &RunControls::showLayerPopup);
     connect(erf_button_, &QPushButton::clicked, this, &RunControls::showErfPopup);
 }
 
-void RunControls::connectTo(QObject* dialog, const ButtonSlots& targets) const {
-    const auto wire = [dialog](QPushButton* button, const char* slot) {
-        if (slot != nullptr) {
-            connect(button, SIGNAL(clicked()), dialog, slot);
+void RunControls::connectTo(Callbacks callbacks) {
+    callbacks_ = std::move(callbacks);
+    if (!callbacks_.close) {
+        callbacks_.close = [dialog = dialog_] { dialog->close(); };
+    }
+    for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
+        if (callbacks_.run) {
+            connect(run_buttons_[scope], &QPushButton::clicked, this,
+                    [this, scope] { run(scope); });
+        }
+    }
+    const auto wire = [this](QPushButton* button, const std::function<void()>& callback,
+                             void (RunControls::*click)()) {
+        if (callback) {
+            connect(button, &QPushButton::clicked, this, click);
         }
     };
-    for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
-        wire(run_buttons_[scope], targets.run[scope]);
-    }
-    wire(view_button_, targets.view);
-    wire(save_as_button_, targets.save_as);
-    wire(ranges_button_, targets.ranges);
+    wire(view_button_, callbacks_.view, &RunControls::view);
+    wire(ranges_button_, callbacks_.ranges, &RunControls::openRanges);
+    wire(save_as_button_, callbacks_.save_as, &RunControls::saveAs);
+    wire(close_button_, callbacks_.close, &RunControls::close);
 }
 
-void RunControls::addClosingRows(QVBoxLayout* layout, QPushButton* close,
-                                 const QList<QWidget*>& extras) const {
+namespace {
+
+void call(QWidget* dialog, const RunControls::Callbacks& callbacks,
+          const std::function<void()>& callback) {
+    if (callback) {
+        guarded(dialog, callbacks.file, callbacks.line, callback);
+    }
+}
+
+}  // namespace
+
+// A second click while this dialog's run or save is under way does nothing.
+void RunControls::run(int scope) {
+    if (!callbacks_.run || BackgroundRun::activeFor(dialog_)) {
+        return;
+    }
+    guarded(dialog_, callbacks_.file, callbacks_.line, [&] {
+        pressRun(scope);
+        callbacks_.run(scope);
+    });
+}
+
+void RunControls::view() {
+    call(dialog_, callbacks_, callbacks_.view);
+}
+
+void RunControls::openRanges() {
+    call(dialog_, callbacks_, callbacks_.ranges);
+}
+
+void RunControls::saveAs() {
+    call(dialog_, callbacks_, callbacks_.save_as);
+}
+
+void RunControls::close() {
+    call(dialog_, callbacks_, callbacks_.close);
+}
+
+void RunControls::markStaleOnChange(const QList<QObject*>& widgets) {
+    for (QObject* widget : widgets) {
+        if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
+            connect(edit, &QLineEdit::editingFinished, this, &RunControls::markStale);
+        } else if (auto* box = qobject_cast<QCheckBox*>(widget)) {
+            connect(box, &QCheckBox::toggled, this, &RunControls::markStale);
+        } else if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+            connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+                    &RunControls::markStale);
+        } else if (auto* group = qobject_cast<QButtonGroup*>(widget)) {
+            connect(group, &QButtonGroup::idClicked, this, &RunControls::markStale);
+        }
+    }
+}
+
+void RunControls::addClosingRows(QVBoxLayout* layout, const QList<QWidget*>& extras) const {
     auto* ranges_row = new QHBoxLayout;
     ranges_row->addWidget(ranges_button_);
     ranges_row->addStretch();
@@ -145,7 +222,7 @@ void RunControls::addClosingRows(QVBoxLayout* layout, QPushButton* close,
     }
     auto* close_row = new QHBoxLayout;
     close_row->addStretch();
-    close_row->addWidget(close);
+    close_row->addWidget(close_button_);
     layout->addLayout(ranges_row);
     layout->addLayout(run_row);
     layout->addWidget(time_label_);
@@ -271,18 +348,6 @@ void RunControls::showLayerPopup() {
 void RunControls::showErfPopup() {
     erfPopup()->setItems(Korvo::UIAPI::getERFList(options_.range_key));
     erfPopup()->popUp(erf_button_);
-}
-
-void RunControls::changeLanguage() {
-    layer_button_->setText(translateFor(dialog_, QString::fromUtf8(options_.layer_label)));
-    erf_button_->setText(translateFor(dialog_, QString::fromUtf8(options_.erf_label)));
-    save_as_button_->setText(translateFor(dialog_, QString::fromUtf8(options_.save_as_label)));
-    ranges_button_->setText(translateFor(dialog_, QStringLiteral("Ranges...")));
-    for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
-        run_buttons_[scope]->setToolTip(
-            translateFor(dialog_, QString::fromLatin1(kRunTips[scope])));
-    }
-    view_button_->setToolTip(translateFor(dialog_, QString::fromUtf8(options_.view_tip)));
 }
 
 }  // namespace wc

@@ -10,8 +10,11 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <string>
 #include <vector>
+
+#include "frame/WidgetCommonExport.h"
 
 class QHBoxLayout;
 class QLabel;
@@ -30,10 +33,12 @@ enum RunScope : int { ScopeGlobal = 0, ScopeScreen = 1, ScopeProfile = 2, ScopeS
 // "Selected" always runs on the selected features, whichever button was pressed.
 int runScope(int button_scope, bool selected_only);
 
-// "No layers were processed", "1 layer was processed", n + " layers were processed". The
-// viewer's variant writes "1 layer  was processed" with two blanks, kept on purpose.
+// "No layers were processed", "1 layer was processed", n + " layers were processed", translated
+// in the context of `dialog` with the count as the plural argument. The viewer's variant writes
+// "1 layer  was processed" with two blanks, kept on purpose.
 enum class CountWording { Run, Viewer };
-QString layersProcessedText(int count, CountWording wording = CountWording::Run);
+QString layersProcessedText(const QObject* dialog, int count,
+                            CountWording wording = CountWording::Run);
 
 // The resolved layers of a layer expression and the names it gave that the job lacks.
 struct LayerResolution {
@@ -58,7 +63,7 @@ struct RunControlsOptions {
 // The button texts of the optimisation dialogs other than the signal layer one.
 RunControlsOptions spacedLabels(RunControlsOptions options);
 
-class RunControls : public QObject {
+class WIDGET_COMMON_EXPORT RunControls : public QObject {
     Q_OBJECT
 public:
     enum class ViewState { Stale, Fresh, Stopped };
@@ -68,7 +73,8 @@ public:
     // Buttons and fields, parented to the dialog, with object names "pushButton_Layer",
     // "lineEdit_Layer", "pushButton_ERF", "lineEdit_ERF", "pushButton_SaveAs",
     // "pushButton_Ranges", "pushButton_RunGlobally", "pushButton_RunScreen",
-    // "pushButton_RunProfile", "pushButton_View", "label_Time", "label_Status".
+    // "pushButton_RunProfile", "pushButton_View", "label_Time", "label_Status",
+    // "pushButton_Close". Their texts follow the language through wc::retranslate(dialog).
     QPushButton* layerButton() const { return layer_button_; }
     QLineEdit* layerEdit() const { return layer_edit_; }
     QPushButton* erfButton() const { return erf_button_; }
@@ -79,27 +85,42 @@ public:
     QPushButton* viewButton() const { return view_button_; }
     QLabel* timeLabel() const { return time_label_; }
     QLabel* statusLabel() const { return status_label_; }
+    QPushButton* closeButton() const { return close_button_; }
 
-    // The dialog's slots behind the buttons, as SLOT(...) strings; a null entry is not
-    // connected.
-    struct ButtonSlots {
-        const char* run[3] = {nullptr, nullptr, nullptr};  // by scope
-        const char* view = nullptr;
-        const char* save_as = nullptr;
-        const char* ranges = nullptr;
+    // What the dialog does behind its buttons. A run gets the scope of its button, after the
+    // re-entrance check and the pressed style; a missing callback leaves its button unconnected
+    // (close defaults to closing the dialog). Every call runs guarded, logged under `file`.
+    struct Callbacks {
+        std::function<void(int scope)> run;
+        std::function<void()> view;
+        std::function<void()> ranges;
+        std::function<void()> save_as;
+        std::function<void()> close;
+        // Where an exception is logged: the dialog's __FILE__ and __LINE__.
+        const char* file = "";
+        int line = 0;
     };
-    void connectTo(QObject* dialog, const ButtonSlots& targets) const;
+    void connectTo(Callbacks callbacks);
+    // What a click does; the dialogs' public slots forward here.
+    void run(int scope);
+    void view();
+    void openRanges();
+    void saveAs();
+    void close();
+    // Any change of these widgets (line edits, check boxes, combo boxes, button groups) marks
+    // the shown result as stale.
+    void markStaleOnChange(const QList<QObject*>& widgets);
 
     // The rows every optimisation dialog ends with: "Ranges...", the run buttons (with `extras`
-    // at their right), the time label, the status label, and `close` at the right.
-    void addClosingRows(QVBoxLayout* layout, QPushButton* close,
-                        const QList<QWidget*>& extras = {}) const;
+    // at their right), the time label, the status label, and "Close" at the right.
+    void addClosingRows(QVBoxLayout* layout, const QList<QWidget*>& extras = {}) const;
 
     // Rows ready to be put in the dialog's layout.
     QHBoxLayout* makeLayerRow() const;
     QHBoxLayout* makeErfRow() const;
     QHBoxLayout* makeRunRow() const;
 
+    const RunControlsOptions& options() const { return options_; }
     void setJob(const QString& job) { job_ = job; }
     const QString& job() const { return job_; }
 
@@ -123,8 +144,6 @@ public:
     // The popups, created on first use and reused.
     ListPopup* layerPopup();
     ListPopup* erfPopup();
-
-    void changeLanguage();
 
     static QString runStyle(int scope, bool pressed);
     static QString viewStyle(ViewState state);
@@ -157,6 +176,8 @@ private:
     QPushButton* view_button_ = nullptr;
     QLabel* time_label_ = nullptr;
     QLabel* status_label_ = nullptr;
+    QPushButton* close_button_ = nullptr;
+    Callbacks callbacks_;
     ListPopup* layer_popup_ = nullptr;
     ListPopup* erf_popup_ = nullptr;
 };

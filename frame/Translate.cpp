@@ -11,4 +11,9 @@ QString translateFor(const QObject* owner, const QString& text) {
     return QCoreApplication::translate(context, source.constData());
 }
 
+QString translateFor(const QObject* owner, const char* text, int n) {
+    const char* context = owner != nullptr ? owner->metaObject()->className() : "QObject";
+    return QCoreApplication::translate(context, text, nullptr, n);
+}
+
 }  // namespace wc

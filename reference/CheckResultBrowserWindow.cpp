@@ -11,7 +11,8 @@
 
 namespace wcref {
 
-CheckResultBrowserWindow::CheckResultBrowserWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
+CheckResultBrowserWindow::CheckResultBrowserWindow(QWidget* parent)
+    : CheckResultBrowser(parent, Qt::Window) {
     setObjectName(QStringLiteral("checkResultBrowser"));
     setWindowTitle(tr("Stored checks"));
     table_ = new QTableWidget(0, 6, this);
@@ -103,7 +104,7 @@ void CheckResultBrowserWindow::loadChosenResult() {
 namespace Quorin {
 namespace DBS_API {
 
-QWidget* createCheckResultBrowser(QWidget* parent) {
+CheckResultBrowser* createCheckResultBrowser(QWidget* parent) {
     return new wcref::CheckResultBrowserWindow(parent);
 }
 

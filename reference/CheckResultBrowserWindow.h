@@ -3,14 +3,14 @@
 // each (id, kind, job, step, time, description). "Load" hands the chosen check's id, "Load
 // result" its key "tq<id>" (the result without its record), a double click its row.
 
-#include <QWidget>
+#include "CheckResultBrowser.h"
 
 class QTableWidget;
 class QPushButton;
 
 namespace wcref {
 
-class CheckResultBrowserWindow : public QWidget {
+class CheckResultBrowserWindow : public Quorin::DBS_API::CheckResultBrowser {
     Q_OBJECT
 public:
     explicit CheckResultBrowserWindow(QWidget* parent);
@@ -21,11 +21,6 @@ public slots:
     void refresh();
     void loadChosen();
     void loadChosenResult();
-
-signals:
-    void send_check_id_text(QString& id);
-    void send_tq_check_id_text(QString& key);
-    void send_load_index(int index);
 
 protected:
     void showEvent(QShowEvent* event) override;

@@ -129,14 +129,16 @@ private slots:
         const int first = insertSignalLayerAnalysisResult(params, {}).id;
         const int second = insertSignalLayerAnalysisResult(params, {}).id;
         QWidget owner;
-        QWidget* browser = Quorin::DBS_API::createCheckResultBrowser(&owner);
+        using Quorin::DBS_API::CheckResultBrowser;
+        CheckResultBrowser* browser = Quorin::DBS_API::createCheckResultBrowser(&owner);
         QCOMPARE(browser->parentWidget(), &owner);
         // The signals carry non-const references, which QSignalSpy cannot record.
-        QObject::connect(browser, SIGNAL(send_check_id_text(QString&)), &recorder_,
-                         SLOT(id(QString&)));
-        QObject::connect(browser, SIGNAL(send_tq_check_id_text(QString&)), &recorder_,
-                         SLOT(key(QString&)));
-        QObject::connect(browser, SIGNAL(send_load_index(int)), &recorder_, SLOT(row(int)));
+        QObject::connect(browser, &CheckResultBrowser::send_check_id_text, &recorder_,
+                         &BrowserRecorder::id);
+        QObject::connect(browser, &CheckResultBrowser::send_tq_check_id_text, &recorder_,
+                         &BrowserRecorder::key);
+        QObject::connect(browser, &CheckResultBrowser::send_load_index, &recorder_,
+                         &BrowserRecorder::row);
         browser->show();  // lists the stored checks, the newest chosen
         auto* table = browser->findChild<QTableWidget*>("tableWidget_Checks");
         QCOMPARE(table->rowCount(), 2);
