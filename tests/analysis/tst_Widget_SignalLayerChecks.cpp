@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 #include <QtTest>
 
 #include <atomic>
@@ -22,6 +23,7 @@
 #include "ScopedEngineHook.h"
 #include "UnitScope.h"
 #include "analysis/SignalCheckForm.h"
+#include "analysis/Widget_ResultsViewer.h"
 #include "analysis/Widget_SignalLayerChecks.h"
 #include "common_cache.h"
 
@@ -405,6 +407,36 @@ private slots:
         QCOMPARE(other.result().size(), size_t(2));
         QCOMPARE(other.result().at("top").at(sli_pad_size).yellow.size(), size_t(2));
         QCOMPARE(labelText(other, "label_Summary"), "!");
+    }
+
+    // "Save" while this dialog's own run is under way does nothing, as a second run button
+    // does: no box, no record. The viewer's raise reaches the host through Signal_check_raise.
+    void busyDialogAndRaise() {
+        EngineSpy spy;
+        spy.hold = true;
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
+        dialog.on_db_connected(true);
+        child<QLineEdit>(dialog, "lineEdit_Layer")->setText("top;bottom");
+        wctest::MessageBoxAnswerer boxes;
+        const size_t stored = Korvo::API::getCheckResultMaster().size();
+        QTimer::singleShot(20, &dialog, [&] {
+            dialog.on_SaveToDb_clicked();
+            dialog.on_RunScreen_clicked();
+            spy.hold = false;
+        });
+        dialog.on_RunGlobally_clicked();
+        QCOMPARE(boxes.texts(), QStringList());
+        QCOMPARE(Korvo::API::getCheckResultMaster().size(), stored);
+        QCOMPARE(spy.calls(), 2);  // one run over both layers, none from the second button
+        QCOMPARE(dialog.rememberedScope(), 0);
+
+        dialog.on_ViewResult_clicked();
+        auto* viewer = scene_.host()->findChildren<Widget_ResultsViewer*>().value(0);
+        QVERIFY(viewer != nullptr);
+        QSignalSpy raised(&dialog, &Widget_SignalLayerChecks::Signal_check_raise);
+        emit viewer->Signal_check_raise();
+        QCOMPARE(raised.count(), 1);
+        delete viewer;
     }
 
     void databaseMessages() {

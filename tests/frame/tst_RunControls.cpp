@@ -1,8 +1,14 @@
+#include <QAction>
+#include <QComboBox>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTabWidget>
+#include <QTableWidget>
+#include <QTranslator>
 #include <QtTest>
 
 #include "DataColumns.h"
@@ -12,6 +18,7 @@
 #include "TemporaryWorkingDirectory.h"
 #include "UnitScope.h"
 #include "ZeLineEdit.h"
+#include "frame/DialogTexts.h"
 #include "frame/FieldTable.h"
 #include "frame/ListPopup.h"
 #include "frame/RangeMap.h"
@@ -32,6 +39,26 @@ const std::vector<wc::FieldRow<Record>> kRows = {
     {" Spacing:", "pp_spacing", "Spacing", 10.0, 0.0, 1000.0, "10", &Record::spacing},
     {"Hidden:", "hidden", "Hidden", 1.0, 0.0, 30.0, "1", &Record::hidden, false},
     {"Shown only:", "shown", "Shown", 2.0, 0.0, 30.0, "2"},
+};
+
+// Words every text with a count its own way and leaves the others alone, as a catalogue with
+// plural forms does.
+class CountCatalogue : public QTranslator {
+public:
+    QString translate(const char*, const char* source, const char*, int) const override {
+        return QByteArray(source).contains("%n") ? QStringLiteral("已处理 %n 个层") : QString();
+    }
+    bool isEmpty() const override { return false; }
+};
+
+// Prefixes every text of the context "QWidget", as a catalogue of that class would.
+class PrefixCatalogue : public QTranslator {
+public:
+    QString translate(const char* context, const char* source, const char*, int) const override {
+        return qstrcmp(context, "QWidget") == 0 ? QStringLiteral("zh:") + QString::fromUtf8(source)
+                                                : QString();
+    }
+    bool isEmpty() const override { return false; }
 };
 
 }  // namespace
@@ -109,6 +136,74 @@ private slots:
                  "QPushButton{background-image:url(:/Widget_Common/Resources/Run on features "
                  "inside profile1.jpg);}");
         QCOMPARE(controls.runButton(1)->toolTip(), "Run on features on screen only");
+    }
+
+    // The count is an argument of the translation, so a catalogue words it in its language.
+    void layerCounts_data() {
+        wctest::columns<int, int, QString, QString>("count", "wording", "english", "translated");
+        const int run = int(wc::CountWording::Run);
+        const int viewer = int(wc::CountWording::Viewer);
+        row("none", 0, run, "No layers were processed", "No layers were processed");
+        row("one", 1, run, "1 layer was processed", "已处理 1 个层");
+        row("one in the viewer", 1, viewer, "1 layer  was processed", "已处理 1 个层");
+        row("several", 3, run, "3 layers were processed", "已处理 3 个层");
+    }
+    void layerCounts() {
+        QFETCH(int, count);
+        QFETCH(int, wording);
+        QFETCH(QString, english);
+        QFETCH(QString, translated);
+        QWidget dialog;
+        const auto words = static_cast<wc::CountWording>(wording);
+        QCOMPARE(wc::layersProcessedText(&dialog, count, words), english);
+        CountCatalogue catalogue;
+        QCoreApplication::installTranslator(&catalogue);
+        const QString shown = wc::layersProcessedText(&dialog, count, words);
+        QCoreApplication::removeTranslator(&catalogue);
+        QCOMPARE(shown, translated);
+    }
+
+    // Every kind of text DialogTexts remembers is shown again in the language of the moment.
+    void dialogTextsFollowTheLanguage() {
+        QWidget dialog;
+        auto* label = new QLabel(&dialog);
+        wc::setSourceText(&dialog, label, "Label");
+        auto* box = new QGroupBox(&dialog);
+        wc::setSourceText(&dialog, box, "Title");
+        auto* action = new QAction(&dialog);
+        wc::setSourceText(&dialog, action, "Action");
+        wc::setSourceStatusTip(&dialog, action, "Status");
+        auto* edit = new QLineEdit(&dialog);
+        wc::setSourceText(&dialog, edit, "Placeholder");
+        wc::setSourceToolTip(&dialog, edit, "Tip");
+        auto* combo = new QComboBox(&dialog);
+        wc::setSourceItems(&dialog, combo, {"One", "Two"});
+        auto* table = new QTableWidget(&dialog);
+        wc::setSourceItems(&dialog, table, {"Range", "Value"});
+        auto* tabs = new QTabWidget(&dialog);
+        tabs->addTab(new QWidget, QString());
+        wc::setSourceItems(&dialog, tabs, {"Main"});
+        wc::setSourceText(&dialog, &dialog, "Window");
+        const auto shown = [&] {
+            return QStringList{label->text(),           box->title(),
+                               action->text(),          action->statusTip(),
+                               edit->placeholderText(), edit->toolTip(),
+                               combo->itemText(1),      table->horizontalHeaderItem(1)->text(),
+                               tabs->tabText(0),        dialog.windowTitle()};
+        };
+        const QStringList english{"Label", "Title", "Action", "Status", "Placeholder",
+                                  "Tip",   "Two",   "Value",  "Main",   "Window"};
+        QCOMPARE(shown(), english);
+        PrefixCatalogue catalogue;
+        QCoreApplication::installTranslator(&catalogue);
+        wc::retranslate(&dialog);
+        QCoreApplication::removeTranslator(&catalogue);
+        QStringList translated;
+        for (const QString& text : english) {
+            translated << QStringLiteral("zh:") + text;
+        }
+        QCOMPARE(shown(), translated);
+        QCOMPARE(combo->count(), 2);
     }
 
     void layerResolution_data() {
