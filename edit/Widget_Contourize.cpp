@@ -12,8 +12,10 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "edit/contourize_params.h"
 #include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
+#include "frame/FieldTable.h"
 #include "frame/Validators.h"
 
 namespace {
@@ -44,6 +46,8 @@ Widget_Contourize::Widget_Contourize(QWidget* parent)
     setWindowFlags(Qt::WindowFlags(0x8001003));
     initContourize();
 }
+
+Widget_Contourize::~Widget_Contourize() = default;
 
 void Widget_Contourize::initContourize() {
     wc::makeNameValidator(this)->setObjectName(QStringLiteral("nameValidator"));

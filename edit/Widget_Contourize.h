@@ -5,17 +5,22 @@
 #include <QWidget>
 #include <memory>
 
-#include "edit/contourize_params.h"
-#include "frame/FieldTable.h"
 #include "frame/WidgetCommonExport.h"
 
 class QButtonGroup;
 class QComboBox;
+struct contourize_params;
+
+namespace wc {
+template <class Record>
+class FieldTable;
+}
 
 class WIDGET_COMMON_EXPORT Widget_Contourize : public QWidget {
     Q_OBJECT
 public:
     explicit Widget_Contourize(QWidget* parent);
+    ~Widget_Contourize() override;
 
 public slots:
     void on_Apply_clicked();

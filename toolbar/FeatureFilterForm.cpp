@@ -119,7 +119,7 @@ void FeatureFilterForm::setupUi(QWidget* popup) {
     updateLengthAngleRows();
 }
 
-QGridLayout* FeatureFilterForm::makeFieldRows(QWidget* popup) {
+QLayout* FeatureFilterForm::makeFieldRows(QWidget* popup) {
     auto* symbol_validator =
         new QRegExpValidator(QRegExp(symbolFieldPattern(), Qt::CaseSensitive), popup);
     symbol_validator->setObjectName(QStringLiteral("symbolValidator"));
@@ -162,7 +162,7 @@ QGridLayout* FeatureFilterForm::makeFieldRows(QWidget* popup) {
     return grid;
 }
 
-void FeatureFilterForm::makeShapeRows(QWidget* popup, QVBoxLayout* layout) {
+void FeatureFilterForm::makeShapeRows(QWidget* popup, QBoxLayout* layout) {
     lines = makeNamed<QCheckBox>(popup, "checkBox_Lines", QT_TR_NOOP("Lines"));
     ovals = makeNamed<QCheckBox>(popup, "checkBox_Ovals", QT_TR_NOOP("Ovals"));
     length = makeNamed<QCheckBox>(popup, "checkBox_Length", QT_TR_NOOP("Length"));
@@ -194,7 +194,7 @@ void FeatureFilterForm::makeShapeRows(QWidget* popup, QVBoxLayout* layout) {
     }
 }
 
-void FeatureFilterForm::makeLowerRows(QWidget* popup, QVBoxLayout* layout) {
+void FeatureFilterForm::makeLowerRows(QWidget* popup, QBoxLayout* layout) {
     user_filter =
         makeNamed<QPushButton>(popup, "pushButton_UserFilter", QT_TR_NOOP("User filter ..."));
     auto* dcode = makeEdit(popup, "lineEdit_Dcode", makeFloatValidator(popup));

@@ -8,13 +8,13 @@
 
 #include "frame/WidgetCommonExport.h"
 
+class QBoxLayout;
 class QCheckBox;
 class QComboBox;
-class QGridLayout;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QPushButton;
-class QVBoxLayout;
 class QWidget;
 
 namespace wc {
@@ -55,9 +55,9 @@ struct WIDGET_COMMON_EXPORT FeatureFilterForm {
     std::array<QPushButton*, 8> actions{};
 
 private:
-    QGridLayout* makeFieldRows(QWidget* popup);
-    void makeShapeRows(QWidget* popup, QVBoxLayout* layout);
-    void makeLowerRows(QWidget* popup, QVBoxLayout* layout);
+    QLayout* makeFieldRows(QWidget* popup);
+    void makeShapeRows(QWidget* popup, QBoxLayout* layout);
+    void makeLowerRows(QWidget* popup, QBoxLayout* layout);
 
     // The texts are the popup's own and translate in its context.
     Q_DECLARE_TR_FUNCTIONS(Grc_Tbv_featuresfilter)
