@@ -3,21 +3,24 @@
 // Emits a contourize_params record; the host runs the operation.
 
 #include <QWidget>
+#include <memory>
 
-#include "frame/FieldCommit.h"
 #include "frame/WidgetCommonExport.h"
 
 class QButtonGroup;
 class QComboBox;
-class QLabel;
-class QLineEdit;
-class QPushButton;
-class QRadioButton;
+struct contourize_params;
+
+namespace wc {
+template <class Record>
+class FieldTable;
+}
 
 class WIDGET_COMMON_EXPORT Widget_Contourize : public QWidget {
     Q_OBJECT
 public:
     explicit Widget_Contourize(QWidget* parent);
+    ~Widget_Contourize() override;
 
 public slots:
     void on_Apply_clicked();
@@ -37,26 +40,13 @@ private:
     bool judge_Apply();
     void mouseMoveEvent(QMouseEvent* event) override;
 
-    wc::NumericFields numericFields();
-    QLabel* makeLabel(const QString& name, const QString& text);
+    // A child with an object name and a text that follows the language (`later` from the first
+    // language change on, when it differs).
+    template <class W>
+    W* make(const char* name, const char* text, const char* later = nullptr);
 
     const void* handle_;
-    wc::NumericField accuracy_;
-    wc::NumericField max_size_;
-
-    QLabel* label_accuracy_ = nullptr;
-    QLabel* unit_accuracy_ = nullptr;
-    QLabel* label_separate_ = nullptr;
+    std::unique_ptr<wc::FieldTable<contourize_params>> fields_;
     QComboBox* combo_separate_ = nullptr;
-    QLabel* label_clean_holes_ = nullptr;
-    QLabel* label_max_size_ = nullptr;
-    QLabel* unit_max_size_ = nullptr;
-    QLabel* label_mode_ = nullptr;
     QButtonGroup* mode_group_ = nullptr;
-    QRadioButton* radio_x_or_y_ = nullptr;
-    QRadioButton* radio_x_and_y_ = nullptr;
-    QRadioButton* radio_area_ = nullptr;
-    QPushButton* button_ok_ = nullptr;
-    QPushButton* button_apply_ = nullptr;
-    QPushButton* button_close_ = nullptr;
 };

@@ -8,6 +8,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTreeWidget>
@@ -63,6 +64,13 @@ void showItems(QWidget* dialog, QWidget* widget, const QStringList& sources) {
                 combo->addItem(texts[index]);
             }
         }
+    } else if (auto* list = qobject_cast<QListWidget*>(widget)) {
+        while (list->count() < texts.size()) {
+            list->addItem(QString());
+        }
+        for (int index = 0; index < texts.size(); ++index) {
+            list->item(index)->setText(texts[index]);
+        }
     } else if (auto* table = qobject_cast<QTableWidget*>(widget)) {
         table->setColumnCount(std::max(table->columnCount(), static_cast<int>(texts.size())));
         table->setHorizontalHeaderLabels(texts);
@@ -111,6 +119,11 @@ void setSourceText(QWidget* dialog, QObject* object, const char* source) {
     const QString text = QString::fromUtf8(source);
     object->setProperty(kSourceProperty, text);
     show(dialog, object, text);
+}
+
+void setSourceText(QWidget* dialog, QObject* object, const char* source, const char* later) {
+    object->setProperty(kSourceProperty, QString::fromUtf8(later));
+    show(dialog, object, QString::fromUtf8(source));
 }
 
 void setSourceToolTip(QWidget* dialog, QObject* object, const char* source) {

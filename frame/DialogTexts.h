@@ -21,11 +21,14 @@ namespace wc {
 // Labels, buttons, check boxes, group boxes (their title), actions, line edits (their
 // placeholder) and the dialog itself (its title).
 void setSourceText(QWidget* dialog, QObject* object, const char* source);
+// The same, showing `source` until the first retranslate() and `later` from then on: a few
+// dialogs space a text differently after a language change, and both forms are kept.
+void setSourceText(QWidget* dialog, QObject* object, const char* source, const char* later);
 // The tool tip and the status-bar tip of a widget or an action.
 void setSourceToolTip(QWidget* dialog, QObject* object, const char* source);
 void setSourceStatusTip(QWidget* dialog, QObject* object, const char* source);
-// The items of a combo box, the column headers of a table or tree widget, or the tab texts of a
-// tab widget, in order.
+// The items of a combo box or a list widget, the column headers of a table or tree widget, or
+// the tab texts of a tab widget, in order.
 void setSourceItems(QWidget* dialog, QWidget* widget, const QList<const char*>& sources);
 void retranslate(QWidget* dialog);
 

@@ -7,6 +7,7 @@
 #include "Korvo_UIAPI.h"
 #include "Translate.h"
 #include "UnitChange.h"
+#include "Validators.h"
 #include "ZeLineEdit.h"
 
 namespace wc {
@@ -19,18 +20,24 @@ QString objectKey(const char* key) {
 }  // namespace
 
 FieldTableWidgets::FieldTableWidgets(QWidget* dialog, const void* handle,
-                                     const std::vector<FieldSpec>& specs)
-    : dialog_(dialog), handle_(handle), specs_(specs), fields_(specs.size()) {
+                                     const std::vector<FieldSpec>& specs, FieldForm form)
+    : dialog_(dialog), handle_(handle), form_(form), specs_(specs), fields_(specs.size()) {
     const QString unit =
         translateFor(dialog, QString::fromStdString(Korvo::UIAPI::getUnitStringType(handle, 1)));
+    QValidator* float_validator = form == FieldForm::Plain ? makeFloatValidator(dialog) : nullptr;
     for (size_t row = 0; row < specs_.size(); ++row) {
         const FieldSpec& spec = specs_[row];
         const QString key = objectKey(spec.key);
         auto* label = new QLabel(translateFor(dialog, QString::fromUtf8(spec.label)), dialog);
         label->setObjectName(QStringLiteral("label_") + key);
-        auto* edit = new Korvo::UIAPI::ZeLineEdit(
-            Korvo::UIAPI::getUnitJudgeString(handle, spec.default_mil, 2), Korvo::UIAPI::ZeE_Float,
-            dialog);
+        const QString shown = Korvo::UIAPI::getUnitJudgeString(handle, spec.default_mil, 2);
+        QLineEdit* edit = nullptr;
+        if (form == FieldForm::Plain) {
+            edit = new QLineEdit(shown, dialog);
+            edit->setValidator(float_validator);
+        } else {
+            edit = new Korvo::UIAPI::ZeLineEdit(shown, Korvo::UIAPI::ZeE_Float, dialog);
+        }
         edit->setObjectName(QStringLiteral("lineEdit_") + key);
         auto* unit_label = new QLabel(unit, dialog);
         unit_label->setObjectName(QStringLiteral("label_") + key + QStringLiteral("Unit"));
@@ -54,7 +61,11 @@ FieldTableWidgets::FieldTableWidgets(QWidget* dialog, const void* handle,
 }
 
 Korvo::UIAPI::ZeLineEdit* FieldTableWidgets::edit(int row) const {
-    return static_cast<Korvo::UIAPI::ZeLineEdit*>(fields_[static_cast<size_t>(row)].edit);
+    return qobject_cast<Korvo::UIAPI::ZeLineEdit*>(lineEdit(row));
+}
+
+QLineEdit* FieldTableWidgets::lineEdit(int row) const {
+    return fields_[static_cast<size_t>(row)].edit;
 }
 
 QList<QObject*> FieldTableWidgets::editObjects() const {
@@ -68,7 +79,7 @@ QList<QObject*> FieldTableWidgets::editObjects() const {
 void FieldTableWidgets::addToGrid(QGridLayout* grid, int first_row, int column) const {
     for (int row = 0; row < size(); ++row) {
         grid->addWidget(labels_[row], first_row + row, column);
-        grid->addWidget(edit(row), first_row + row, column + 1);
+        grid->addWidget(lineEdit(row), first_row + row, column + 1);
         grid->addWidget(unit_labels_[row], first_row + row, column + 2);
     }
 }
@@ -142,11 +153,17 @@ void FieldTableWidgets::setTexts(const QStringList& texts) {
 }
 
 void FieldTableWidgets::changeUnit() {
+    QList<QLineEdit*> plain;
     QList<Korvo::UIAPI::ZeLineEdit*> edits;
     for (int row = 0; row < size(); ++row) {
+        plain.append(lineEdit(row));
         edits.append(edit(row));
     }
-    changeZeUnits(handle_, edits);
+    if (form_ == FieldForm::Plain) {
+        reexpressFields(handle_, plain);
+    } else {
+        changeZeUnits(handle_, edits);
+    }
     refreshUnitLabels(handle_, unit_labels_);
 }
 

@@ -26,6 +26,7 @@
 class QGridLayout;
 class QObject;
 class QLabel;
+class QLineEdit;
 class QWidget;
 
 namespace Korvo {
@@ -84,16 +85,24 @@ struct FieldRow : FieldSpec {
     RecordMember<Record> member;
 };
 
-// The widgets of the rows: a label, a numeric ZeLineEdit showing the default in the display unit
+// How the fields are made: ZeLineEdits that convert their own text after a unit change (the
+// usual form), or plain line edits with the float pattern whose texts the table re-expresses
+// through the unit service (the older form, kept by the first dialogs).
+enum class FieldForm { Ze, Plain };
+
+// The widgets of the rows: a label, a numeric field showing the default in the display unit
 // with two decimals, and a unit label. Object names: "label_<key>", "lineEdit_<key>",
 // "label_<key>Unit" with blanks in the key dropped.
 class FieldTableWidgets {
 public:
-    FieldTableWidgets(QWidget* dialog, const void* handle, const std::vector<FieldSpec>& specs);
+    FieldTableWidgets(QWidget* dialog, const void* handle, const std::vector<FieldSpec>& specs,
+                      FieldForm form = FieldForm::Ze);
 
     int size() const { return static_cast<int>(specs_.size()); }
     const FieldSpec& spec(int row) const { return specs_[static_cast<size_t>(row)]; }
+    // Null in the plain form.
     Korvo::UIAPI::ZeLineEdit* edit(int row) const;
+    QLineEdit* lineEdit(int row) const;
     QLabel* label(int row) const { return labels_[row]; }
     QLabel* unitLabel(int row) const { return unit_labels_[row]; }
     QList<QObject*> editObjects() const;
@@ -123,6 +132,7 @@ public:
 private:
     QWidget* dialog_;
     const void* handle_;
+    FieldForm form_;
     std::vector<FieldSpec> specs_;
     std::vector<NumericField> fields_;
     QList<QLabel*> labels_;
@@ -132,8 +142,9 @@ private:
 template <class Record>
 class FieldTable : public FieldTableWidgets {
 public:
-    FieldTable(QWidget* dialog, const void* handle, const std::vector<FieldRow<Record>>& rows)
-        : FieldTableWidgets(dialog, handle, specsOf(rows)), rows_(rows) {}
+    FieldTable(QWidget* dialog, const void* handle, const std::vector<FieldRow<Record>>& rows,
+               FieldForm form = FieldForm::Ze)
+        : FieldTableWidgets(dialog, handle, specsOf(rows), form), rows_(rows) {}
 
     // Every enabled row with a member gets its field's engine value; empty fields are skipped.
     void fill(Record& record) const {

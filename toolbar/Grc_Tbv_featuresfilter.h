@@ -12,19 +12,17 @@
 
 #include "FeatureFilterSettings.h"
 #include "Korvo_API_types.h"
+#include "frame/WidgetCommonExport.h"
+#include "toolbar/FeatureFilterForm.h"
 #include "toolbar/SymbolFilterFields.h"
 
-class QCheckBox;
-class QComboBox;
-class QLabel;
 class QLineEdit;
-class QPushButton;
 class Widget_Filter_Attributes;
 class Widget_Filter_Searchpopup;
 class Widget_UserFilterList;
 class Widget_listpopup;
 
-class Grc_Tbv_featuresfilter : public QWidget {
+class WIDGET_COMMON_EXPORT Grc_Tbv_featuresfilter : public QWidget {
     Q_OBJECT
 public:
     // The toolbar is the host handle of every service call and message; without one the
@@ -86,16 +84,18 @@ private:
     void on_Profile_changed(int index);
     void on_Symbols_edited();
     void on_Filter_toggled(bool checked);
-    void updateLengthAngleRows();
     void pickSymbol(int code);
+    void connectControls();
 
     void buildSymbolList();
     void buildAttributeMap();
+    // Select and Highlight: the symbol list and attribute map built from the fields first.
+    void sendBuiltFilter(int code);
     void sendFilter(int code);
     void send(const QString& receiver, int code, const QVariantMap& values, void* payload);
     void Compare_Filter_Attitide();
-    void setTypeButtons(int mask);
     void setAttributeButtonRed(bool red);
+    QLineEdit* symbolField(bool include) const;
     Widget_listpopup* symbolList(bool include);
     Widget_Filter_Attributes* attributePopup();
     void fillSymbolList(Widget_listpopup* popup);
@@ -120,40 +120,5 @@ private:
     QPointer<Widget_Filter_Searchpopup> search_popup_;
     QPointer<Widget_UserFilterList> user_filters_;
 
-    QPushButton* snap_ = nullptr;
-    std::array<QPushButton*, 7> type_buttons_{};
-    QLabel* include_label_ = nullptr;
-    QLineEdit* include_symbols_ = nullptr;
-    QLabel* exclude_label_ = nullptr;
-    QLineEdit* exclude_symbols_ = nullptr;
-    std::array<QPushButton*, 4> pick_buttons_{};
-    QLabel* include_attr_label_ = nullptr;
-    QLineEdit* include_attributes_ = nullptr;
-    QPushButton* include_attr_button_ = nullptr;
-    QLabel* exclude_attr_label_ = nullptr;
-    QLineEdit* exclude_attributes_ = nullptr;
-    QLabel* text_label_ = nullptr;
-    QLineEdit* text_filter_ = nullptr;
-    QCheckBox* lines_ = nullptr;
-    QCheckBox* ovals_ = nullptr;
-    QCheckBox* length_ = nullptr;
-    QCheckBox* angle_ = nullptr;
-    std::array<QLabel*, 4> min_max_labels_{};  // length min, length max, angle min, angle max
-    std::array<QLineEdit*, 4> min_max_{};
-    QPushButton* user_filter_ = nullptr;
-    QLabel* dcode_label_ = nullptr;
-    QLineEdit* dcode_ = nullptr;
-    QCheckBox* filter_ = nullptr;
-    QPushButton* reset_ = nullptr;
-    QPushButton* attributes_ = nullptr;
-    QComboBox* profile_ = nullptr;
-    QPushButton* advanced_ = nullptr;
-    QPushButton* select_ = nullptr;
-    QPushButton* highlight_ = nullptr;
-    QPushButton* search_ = nullptr;
-    QPushButton* unselect_ = nullptr;
-    QPushButton* turn_off_ = nullptr;
-    QPushButton* histogram_ = nullptr;
-    QPushButton* close_reset_ = nullptr;
-    QPushButton* close_ = nullptr;
+    wc::FeatureFilterForm ui_;
 };

@@ -69,6 +69,24 @@ QString reexpressSymbolNumbers(const QString& name, const std::function<double(d
     return out + name.mid(last);
 }
 
+QString reexpressSymbolField(const QString& text, SymbolNameMap& names,
+                             const std::function<QString(const std::string&)>& show,
+                             const std::function<double(double)>& convert) {
+    SymbolNameMap shown;
+    QStringList parts = text.split(QLatin1Char(';'));
+    for (QString& part : parts) {
+        auto known = names.find(part);
+        if (known == names.end()) {
+            part = reexpressSymbolNumbers(part, convert);
+            continue;
+        }
+        part = show(known->second);
+        shown[part] = known->second;
+    }
+    names = shown;
+    return parts.join(QLatin1Char(';'));
+}
+
 bool isDefaultFilter(const FilterFace& face) {
     return face.feature_type == 127 && face.include_symbols.isEmpty() &&
            face.exclude_symbols.isEmpty() && face.profile == 0 &&

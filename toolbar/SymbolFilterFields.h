@@ -45,6 +45,13 @@ QString addSymbolToField(const QString& field, const QString& symbol);
 // with at most six significant digits ("r10" in mil is "r0.254" in mm).
 QString reexpressSymbolNumbers(const QString& name, const std::function<double(double)>& convert);
 
+// A symbol field after a unit change: names picked from the view or a list (those in `names`)
+// are shown again from their engine names through `show`, typed ones have their numbers passed
+// through `convert`. `names` then holds the picked names as they are shown now.
+QString reexpressSymbolField(const QString& text, SymbolNameMap& names,
+                             const std::function<QString(const std::string&)>& show,
+                             const std::function<double(double)>& convert);
+
 struct FilterFace {
     int feature_type = 127;
     QString include_symbols;

@@ -1,5 +1,6 @@
 #include "UserFilterPresets.h"
 
+#include <QCoreApplication>
 #include <vector>
 
 namespace wc {
@@ -33,19 +34,29 @@ UserFilterPreset resetOnly() {
 
 const std::vector<Row>& rows() {
     static const std::vector<Row> table = {
-        {"Highlight All Pads", true, types(97)},
-        {"Highlight All Lines", true, types(98)},
-        {"Highlight All Surfaces", true, types(104)},
-        {"Highlight Negative Features", true, types(63)},
-        {"Highlight Smd Pads", true, attribute(97, ".smd", "")},
-        {"Select Smd Pads", true, attribute(97, ".smd", "")},
-        {"Highlight Tear Drops", true, attribute(std::nullopt, ".tear_drop", "")},
-        {"Highlight Non Plated Holes", true, attribute(std::nullopt, ".drill", "non_plated")},
-        {"Select Non Plated Holes", true, attribute(std::nullopt, ".drill", "non_plated")},
-        {"Highlight Plated Holes", true, attribute(std::nullopt, ".drill", "plated")},
-        {"Select Plated Holes", true, attribute(std::nullopt, ".drill", "plated")},
-        {"Highlight Via Holes", true, attribute(std::nullopt, ".drill", "via")},
-        {"Select Via Holes", true, attribute(std::nullopt, ".drill", "via")},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Highlight All Pads"), true, types(97)},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Highlight All Lines"), true, types(98)},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Highlight All Surfaces"), true, types(104)},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Highlight Negative Features"), true,
+         types(63)},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Highlight Smd Pads"), true,
+         attribute(97, ".smd", "")},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Select Smd Pads"), true,
+         attribute(97, ".smd", "")},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Highlight Tear Drops"), true,
+         attribute(std::nullopt, ".tear_drop", "")},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Highlight Non Plated Holes"), true,
+         attribute(std::nullopt, ".drill", "non_plated")},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Select Non Plated Holes"), true,
+         attribute(std::nullopt, ".drill", "non_plated")},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Highlight Plated Holes"), true,
+         attribute(std::nullopt, ".drill", "plated")},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Select Plated Holes"), true,
+         attribute(std::nullopt, ".drill", "plated")},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Highlight Via Holes"), true,
+         attribute(std::nullopt, ".drill", "via")},
+        {QT_TRANSLATE_NOOP("Widget_UserFilterList", "Select Via Holes"), true,
+         attribute(std::nullopt, ".drill", "via")},
         {"Highlight All Rectangles", false, resetOnly()},
         {"Select All Rectangles", false, resetOnly()},
         {"Highlight Gold Connectors", false, resetOnly()},
@@ -62,12 +73,20 @@ const std::vector<Row>& rows() {
 
 }  // namespace
 
-QStringList offeredUserFilters() {
-    QStringList names;
+QList<const char*> offeredUserFilterSources() {
+    QList<const char*> names;
     for (const Row& row : rows()) {
         if (row.offered) {
-            names << QString::fromLatin1(row.name);
+            names << row.name;
         }
+    }
+    return names;
+}
+
+QStringList offeredUserFilters() {
+    QStringList names;
+    for (const char* name : offeredUserFilterSources()) {
+        names << QString::fromLatin1(name);
     }
     return names;
 }

@@ -2,6 +2,7 @@
 // The predefined user filters of the feature filter: what each one sets after the reset, and
 // what it runs afterwards.
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <map>
@@ -21,7 +22,8 @@ struct UserFilterPreset {
     bool reset_only = false;
 };
 
-// The entries of the "User filter ..." list, in their order.
+// The entries of the "User filter ..." list, in their order; the names also key the presets.
+QList<const char*> offeredUserFilterSources();
 QStringList offeredUserFilters();
 
 // The preset of `name`; unset for a name the filter does not know.

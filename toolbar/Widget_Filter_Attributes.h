@@ -6,13 +6,13 @@
 #include <map>
 #include <string>
 
+#include "frame/WidgetCommonExport.h"
+
 class QComboBox;
-class QLabel;
 class QLineEdit;
 class QListWidget;
-class QPushButton;
 
-class Widget_Filter_Attributes : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_Filter_Attributes : public QWidget {
     Q_OBJECT
 public:
     enum Logic { LogicAll = 0, LogicAny = 1 };
@@ -46,16 +46,8 @@ private:
     void conditionsChanged();
 
     std::map<std::string, std::string> conditions_;
-    QLabel* name_label_ = nullptr;
     QComboBox* name_ = nullptr;
-    QLabel* value_label_ = nullptr;
     QLineEdit* value_ = nullptr;
     QListWidget* list_ = nullptr;
-    QLabel* logic_label_ = nullptr;
     QComboBox* logic_ = nullptr;
-    QPushButton* add_ = nullptr;
-    QPushButton* remove_ = nullptr;
-    QPushButton* clear_ = nullptr;
-    QPushButton* apply_ = nullptr;
-    QPushButton* close_ = nullptr;
 };

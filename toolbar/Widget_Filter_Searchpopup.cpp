@@ -7,13 +7,13 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QVBoxLayout>
 
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
 #include "frame/ExceptionGuard.h"
 #include "frame/Validators.h"
+#include "toolbar/PopupParts.h"
 
 namespace {
 
@@ -43,39 +43,33 @@ Widget_Filter_Searchpopup::Widget_Filter_Searchpopup(const void* handle, QWidget
 }
 
 void Widget_Filter_Searchpopup::initSearchPopup() {
-    find_label_ = new QLabel(tr("Find :"), this);
-    find_label_->setObjectName(QStringLiteral("label_Find"));
-    find_ = new QLineEdit(this);
-    find_->setObjectName(QStringLiteral("lineEdit_Search"));
+    auto* find_label = wc::makeNamed<QLabel>(this, "label_Find", QT_TR_NOOP("Find :"));
+    find_ = wc::makeNamed<QLineEdit>(this, "lineEdit_Search");
     find_->setValidator(wc::makeNoCjkValidator(this));
-    search_ = new QPushButton(tr("Search"), this);
-    search_->setObjectName(QStringLiteral("pushButton_Search"));
-    results_ = new QListWidget(this);
-    results_->setObjectName(QStringLiteral("listWidget_Results"));
-    count_ = new QLabel(this);
-    count_->setObjectName(QStringLiteral("label_Count"));
-    close_ = new QPushButton(tr("Close"), this);
-    close_->setObjectName(QStringLiteral("pushButton_Close"));
+    auto* search = wc::makeNamed<QPushButton>(this, "pushButton_Search", QT_TR_NOOP("Search"));
+    results_ = wc::makeNamed<QListWidget>(this, "listWidget_Results");
+    count_ = wc::makeNamed<QLabel>(this, "label_Count");
+    auto* close = wc::makeNamed<QPushButton>(this, "pushButton_Close", QT_TR_NOOP("Close"));
 
     auto* find_row = new QHBoxLayout;
-    find_row->addWidget(find_label_);
+    find_row->addWidget(find_label);
     find_row->addWidget(find_, 1);
-    find_row->addWidget(search_);
+    find_row->addWidget(search);
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(count_, 1);
-    bottom->addWidget(close_);
+    bottom->addWidget(close);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(find_row);
     layout->addWidget(results_);
     layout->addLayout(bottom);
     resize(460, 320);
 
-    connect(search_, &QPushButton::clicked, this, &Widget_Filter_Searchpopup::on_Search_clicked);
+    connect(search, &QPushButton::clicked, this, &Widget_Filter_Searchpopup::on_Search_clicked);
     connect(find_, &QLineEdit::returnPressed, this, &Widget_Filter_Searchpopup::on_Search_clicked);
-    connect(close_, &QPushButton::clicked, this, &Widget_Filter_Searchpopup::on_Close_clicked);
+    connect(close, &QPushButton::clicked, this, &Widget_Filter_Searchpopup::on_Close_clicked);
     connect(results_, &QListWidget::itemActivated, this,
             [this](QListWidgetItem* item) { zoomToRow(results_->row(item)); });
-    setWindowTitle(tr("Search"));
+    wc::setSourceText(this, this, QT_TR_NOOP("Search"));
 }
 
 void Widget_Filter_Searchpopup::set_job(const QString& job, const QString& step,
@@ -101,10 +95,7 @@ void Widget_Filter_Searchpopup::on_Search_clicked() {
             count_->clear();
             return;
         }
-        const QRegularExpression matcher(
-            QRegularExpression::wildcardToRegularExpression(
-                text.contains(QLatin1Char('*')) ? text : QLatin1Char('*') + text + '*'),
-            QRegularExpression::CaseInsensitiveOption);
+        const QRegularExpression matcher = wc::findMatcher(text);
         for (const std::string& layer : layers_) {
             std::vector<Korvo::API::featureInfo> features;
             if (!Korvo::API::get_all_feature_info(job_, step_, layer, features,
@@ -147,10 +138,5 @@ void Widget_Filter_Searchpopup::on_Close_clicked() {
 }
 
 void Widget_Filter_Searchpopup::change_language() {
-    WC_GUARDED({
-        find_label_->setText(tr("Find :"));
-        search_->setText(tr("Search"));
-        close_->setText(tr("Close"));
-        setWindowTitle(tr("Search"));
-    });
+    WC_GUARDED({ wc::retranslate(this); });
 }

@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "Korvo_API_types.h"
+#include "frame/WidgetCommonExport.h"
 
 class QLabel;
 class QLineEdit;
 class QListWidget;
-class QPushButton;
 
-class Widget_Filter_Searchpopup : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_Filter_Searchpopup : public QWidget {
     Q_OBJECT
 public:
     // `handle` is the filter's host handle: positions are shown in its display unit.
@@ -41,10 +41,7 @@ private:
     std::string step_;
     std::vector<std::string> layers_;
     std::vector<Korvo::API::featureInfo> hits_;
-    QLabel* find_label_ = nullptr;
     QLineEdit* find_ = nullptr;
     QListWidget* results_ = nullptr;
     QLabel* count_ = nullptr;
-    QPushButton* search_ = nullptr;
-    QPushButton* close_ = nullptr;
 };

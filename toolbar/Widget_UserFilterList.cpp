@@ -3,37 +3,33 @@
 #include <QListWidget>
 #include <QVBoxLayout>
 
+#include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
 #include "toolbar/UserFilterPresets.h"
 
 Widget_UserFilterList::Widget_UserFilterList(QWidget* parent) : QWidget(parent, Qt::Window) {
     setWindowFlags(Qt::WindowFlags(0x8001003));
-    list_ = new QListWidget(this);
-    list_->setObjectName(QStringLiteral("listWidget_UserFilters"));
+    auto* list = new QListWidget(this);
+    list->setObjectName(QStringLiteral("listWidget_UserFilters"));
     // Each row keeps the untranslated name: the filter knows its presets by it.
-    for (const QString& name : wc::offeredUserFilters()) {
-        auto* item = new QListWidgetItem(tr(qPrintable(name)), list_);
-        item->setData(Qt::UserRole, name);
+    const QList<const char*> names = wc::offeredUserFilterSources();
+    wc::setSourceItems(this, list, names);
+    for (int row = 0; row < names.size(); ++row) {
+        list->item(row)->setData(Qt::UserRole, QString::fromLatin1(names.at(row)));
     }
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
-    layout->addWidget(list_);
+    layout->addWidget(list);
     resize(240, 300);
-    connect(list_, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
+    connect(list, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
         WC_GUARDED({
             hide();
             emit send_user_filter(item->data(Qt::UserRole).toString());
         });
     });
-    setWindowTitle(tr("User filter"));
+    wc::setSourceText(this, this, QT_TR_NOOP("User filter"));
 }
 
 void Widget_UserFilterList::change_language() {
-    WC_GUARDED({
-        for (int row = 0; row < list_->count(); ++row) {
-            QListWidgetItem* item = list_->item(row);
-            item->setText(tr(qPrintable(item->data(Qt::UserRole).toString())));
-        }
-        setWindowTitle(tr("User filter"));
-    });
+    WC_GUARDED({ wc::retranslate(this); });
 }

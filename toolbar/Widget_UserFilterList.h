@@ -3,9 +3,9 @@
 
 #include <QWidget>
 
-class QListWidget;
+#include "frame/WidgetCommonExport.h"
 
-class Widget_UserFilterList : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_UserFilterList : public QWidget {
     Q_OBJECT
 public:
     explicit Widget_UserFilterList(QWidget* parent);
@@ -15,7 +15,4 @@ public slots:
 
 signals:
     void send_user_filter(const QString& name);
-
-private:
-    QListWidget* list_ = nullptr;
 };

@@ -6,11 +6,12 @@
 #include <QStringList>
 #include <QWidget>
 
+#include "frame/WidgetCommonExport.h"
+
 class QLineEdit;
 class QListWidget;
-class QPushButton;
 
-class Widget_listpopup : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_listpopup : public QWidget {
     Q_OBJECT
 public:
     explicit Widget_listpopup(QWidget* parent);
@@ -36,6 +37,4 @@ private:
 
     QLineEdit* find_ = nullptr;
     QListWidget* list_ = nullptr;
-    QPushButton* ok_ = nullptr;
-    QPushButton* close_ = nullptr;
 };

@@ -22,6 +22,18 @@ using wctest::child;
 using wctest::labelText;
 using wctest::row;
 
+// The fields' defaults and unit labels as shown in one unit.
+struct Shown {
+    int unit;
+    QString accuracy, max_size, unit_text;
+};
+
+// A max size text through a unit change and back.
+struct RoundTrip {
+    int from;
+    QString text, converted, back;
+};
+
 // What is typed and chosen, and the record the dialog must emit.
 struct Typed {
     int unit;
@@ -45,6 +57,14 @@ struct Press {
 struct Commit {
     int unit;
     QString field, typed, after, message;
+};
+
+// The dialog on a host of its own, shown in `unit`.
+struct Scene {
+    explicit Scene(int unit) : scope(&host, unit) {}
+    QWidget host;
+    wctest::UnitScope scope;
+    Widget_Contourize dialog{&host};
 };
 
 QLineEdit* accuracy(QWidget& dialog) {
@@ -75,6 +95,8 @@ void retype(QLineEdit* edit, const QString& text) {
 
 }  // namespace
 
+Q_DECLARE_METATYPE(Shown)
+Q_DECLARE_METATYPE(RoundTrip)
 Q_DECLARE_METATYPE(Typed)
 Q_DECLARE_METATYPE(Press)
 Q_DECLARE_METATYPE(Commit)
@@ -86,29 +108,23 @@ class tst_Widget_Contourize : public QObject {
 
 private slots:
     void windowAsTheHostExpects_data() {
-        wctest::columns<int, QString, QString, QString>("unit", "accuracy", "max_size",
-                                                        "unit_text");
+        QTest::addColumn<Shown>("c");
         // 0.25 mil and 3 mil, shown with two decimals.
-        row("mil", 0, "0.25", "3.00", "mil");
-        row("mm", 1, "0.01", "0.08", "mm");
+        row("mil", Shown{0, "0.25", "3.00", "mil"});
+        row("mm", Shown{1, "0.01", "0.08", "mm"});
     }
     void windowAsTheHostExpects() {
-        QFETCH(int, unit);
-        QFETCH(QString, accuracy);
-        QFETCH(QString, max_size);
-        QFETCH(QString, unit_text);
-
-        QWidget host;
-        wctest::UnitScope scope(&host, unit);
-        Widget_Contourize dialog(&host);
+        QFETCH(Shown, c);
+        Scene scene(c.unit);
+        Widget_Contourize& dialog = scene.dialog;
         QCOMPARE(dialog.windowTitle(), "Contourize");
         QVERIFY(dialog.testAttribute(Qt::WA_MouseTracking));  // the mouse-leave commit needs moves
         QVERIFY(!dialog.testAttribute(Qt::WA_DeleteOnClose));
 
-        QCOMPARE(::accuracy(dialog)->text(), accuracy);
-        QCOMPARE(maxSize(dialog)->text(), max_size);
-        QCOMPARE(labelText(dialog, "label_AccuracyUnit"), unit_text);
-        QCOMPARE(labelText(dialog, "label_MaxSizeUnit"), unit_text);
+        QCOMPARE(accuracy(dialog)->text(), c.accuracy);
+        QCOMPARE(maxSize(dialog)->text(), c.max_size);
+        QCOMPARE(labelText(dialog, "label_AccuracyUnit"), c.unit_text);
+        QCOMPARE(labelText(dialog, "label_MaxSizeUnit"), c.unit_text);
         auto* islands = child<QComboBox>(dialog, QStringLiteral("comboBox_SeparateToIslands"));
         QCOMPARE(islands->count(), 2);
         QCOMPARE(islands->currentText(), "Yes");
@@ -116,7 +132,7 @@ private slots:
         QVERIFY(child<QRadioButton>(dialog, QStringLiteral("radioButton_XorY"))->isChecked());
         // Typing is limited by the shared float pattern.
         QTest::keyClicks(maxSize(dialog), QStringLiteral("x-"));
-        QCOMPARE(maxSize(dialog)->text(), max_size);
+        QCOMPARE(maxSize(dialog)->text(), c.max_size);
     }
 
     void emittedRecord_data() {
@@ -131,9 +147,8 @@ private slots:
     }
     void emittedRecord() {
         QFETCH(Typed, c);
-        QWidget host;
-        wctest::UnitScope scope(&host, c.unit);
-        Widget_Contourize dialog(&host);
+        Scene scene(c.unit);
+        Widget_Contourize& dialog = scene.dialog;
         RecordCatcher catcher(dialog);
         wctest::MessageBoxAnswerer boxes;
         accuracy(dialog)->setText(c.accuracy);
@@ -173,9 +188,8 @@ private slots:
     }
     void buttons() {
         QFETCH(Press, c);
-        QWidget host;
-        wctest::UnitScope scope(&host, c.unit);
-        Widget_Contourize dialog(&host);
+        Scene scene(c.unit);
+        Widget_Contourize& dialog = scene.dialog;
         dialog.show();
         QSignalSpy spy(&dialog, &Widget_Contourize::send_Contourize_Info);
         wctest::MessageBoxAnswerer boxes;
@@ -209,9 +223,8 @@ private slots:
     }
     void returnCommitsOneField() {
         QFETCH(Commit, c);
-        QWidget host;
-        wctest::UnitScope scope(&host, c.unit);
-        Widget_Contourize dialog(&host);
+        Scene scene(c.unit);
+        Widget_Contourize& dialog = scene.dialog;
         dialog.show();
         QSignalSpy spy(&dialog, &Widget_Contourize::send_Contourize_Info);
         wctest::MessageBoxAnswerer boxes;
@@ -228,33 +241,28 @@ private slots:
     }
 
     void unitChangeRoundTrip_data() {
-        wctest::columns<int, QString, QString, QString>("from", "text", "converted", "back");
-        row("mil default size", 0, "3.00", "0.0762", "3");
+        QTest::addColumn<RoundTrip>("c");
+        row("mil default size", RoundTrip{0, "3.00", "0.0762", "3"});
         // 6 significant digits: more precise texts come back rounded.
-        row("mil, precise", 0, "12345.67891", "313.58", "12345.7");
-        row("mm one", 1, "1", "39.3701", "1");
-        row("empty stays empty", 0, "", "", "");
+        row("mil, precise", RoundTrip{0, "12345.67891", "313.58", "12345.7"});
+        row("mm one", RoundTrip{1, "1", "39.3701", "1"});
+        row("empty stays empty", RoundTrip{0, "", "", ""});
     }
     void unitChangeRoundTrip() {
-        QFETCH(int, from);
-        QFETCH(QString, text);
-        QFETCH(QString, converted);
-        QFETCH(QString, back);
-
-        QWidget host;
-        wctest::UnitScope scope(&host, from);
-        Widget_Contourize dialog(&host);
-        maxSize(dialog)->setText(text);
+        QFETCH(RoundTrip, c);
+        Scene scene(c.from);
+        Widget_Contourize& dialog = scene.dialog;
+        maxSize(dialog)->setText(c.text);
         const QString unit_before = labelText(dialog, "label_MaxSizeUnit");
 
-        scope.change(1 - from);
+        scene.scope.change(1 - c.from);
         dialog.change_unit();
-        QCOMPARE(maxSize(dialog)->text(), converted);
+        QCOMPARE(maxSize(dialog)->text(), c.converted);
         QVERIFY(labelText(dialog, "label_MaxSizeUnit") != unit_before);
 
-        scope.change(from);
+        scene.scope.change(c.from);
         dialog.change_unit();
-        QCOMPARE(maxSize(dialog)->text(), back);
+        QCOMPARE(maxSize(dialog)->text(), c.back);
         QCOMPARE(labelText(dialog, "label_MaxSizeUnit"), unit_before);
         QCOMPARE(labelText(dialog, "label_AccuracyUnit"), unit_before);
     }
@@ -269,9 +277,8 @@ private slots:
     void mouseLeaveCommit() {
         QFETCH(bool, commits);
 
-        QWidget host;
-        wctest::UnitScope scope(&host, 0);
-        Widget_Contourize dialog(&host);
+        Scene scene(0);
+        Widget_Contourize& dialog = scene.dialog;
         dialog.resize(600, 300);
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
@@ -309,9 +316,8 @@ private slots:
         QFETCH(QString, before);
         QFETCH(QString, after);
 
-        QWidget host;
-        wctest::UnitScope scope(&host, 0);
-        Widget_Contourize dialog(&host);
+        Scene scene(0);
+        Widget_Contourize& dialog = scene.dialog;
         QObject* widget = child(dialog, name);
         QCOMPARE(widget->property("text").toString(), before);
         accuracy(dialog)->setText(QStringLiteral("1.5"));
@@ -322,9 +328,8 @@ private slots:
     }
 
     void throwingHostSlotKeepsDialogUsable() {
-        QWidget host;
-        wctest::UnitScope scope(&host, 0);
-        Widget_Contourize dialog(&host);
+        Scene scene(0);
+        Widget_Contourize& dialog = scene.dialog;
         dialog.show();
         wctest::MessageBoxAnswerer boxes;
 

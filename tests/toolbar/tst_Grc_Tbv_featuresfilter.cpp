@@ -4,6 +4,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTranslator>
 #include <QtTest>
 #include <optional>
 
@@ -83,6 +84,16 @@ QString attributes(const FeatureFilterSettings& record) {
     return parts.join(QLatin1Char(';'));
 }
 
+// Shows every text as "<context>:<source>": a test sees in which class's context it was
+// translated.
+class ContextMarker : public QTranslator {
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* source, const char*, int) const override {
+        return QLatin1String(context) + QLatin1Char(':') + QString::fromUtf8(source);
+    }
+};
+
 // Shape boxes and rows checked, and what is enabled then.
 struct Rows {
     bool lines, ovals, length, angle;
@@ -155,6 +166,53 @@ private slots:
         popup.change_language();
         QCOMPARE(popup.windowTitle(), "Features Filter Popup");
         QCOMPARE(child<QPushButton>(popup, "pushButton_CloseReset")->text(), "Close && Reset");
+    }
+
+    // Each popup, the child popups included, shows its texts again in its own context; the
+    // user filter rows keep the names the filter knows them by.
+    void languageChangeInEachPopupsContext_data() {
+        wctest::columns<QString, QString, QString, QString>("window", "widget", "property", "text");
+        const char* filter = "Grc_Tbv_featuresfilter:";
+        row("title", "", "", "windowTitle", QString(filter) + "Features Filter Popup");
+        row("button", "", "pushButton_CloseReset", "text", QString(filter) + "Close && Reset");
+        row("tool tip", "", "pushButton_ExcludePickAdd", "toolTip",
+            QString(filter) + "Multi selection");
+        row("combo item", "", "comboBox_Profile", "currentText", QString(filter) + "All Profile");
+        row("symbol list", "includeSymbolList", "pushButton_Ok", "text", "Widget_listpopup:Ok");
+        row("placeholder", "includeSymbolList", "lineEdit_Find", "placeholderText",
+            "Widget_listpopup:*");
+        row("attributes", "attributesPopup", "comboBox_Logic", "currentText",
+            "Widget_Filter_Attributes:Any condition (or)");
+        row("search", "searchPopup", "label_Find", "text", "Widget_Filter_Searchpopup:Find :");
+        row("user filters", "userFilterList", "listWidget_UserFilters", "last row",
+            "Widget_UserFilterList:Select Via Holes");
+    }
+    void languageChangeInEachPopupsContext() {
+        QFETCH(QString, window);
+        QFETCH(QString, widget);
+        QFETCH(QString, property);
+        QFETCH(QString, text);
+        QWidget parent;
+        Grc_Tbv_featuresfilter popup(&parent);
+        QTest::mouseDClick(edit(popup, "lineEdit_IncludeSymbols"), Qt::LeftButton);
+        click(popup, "pushButton_Attributes");
+        child<QComboBox>(popup, "comboBox_Logic")->setCurrentIndex(1);
+        click(popup, "pushButton_Search");
+        click(popup, "pushButton_UserFilter");
+        ContextMarker marker;
+        QCoreApplication::installTranslator(&marker);
+        popup.change_language();
+        QCoreApplication::removeTranslator(&marker);
+
+        QObject* shown = window.isEmpty() ? &popup : child(popup, window);
+        shown = widget.isEmpty() ? shown : child(*shown, widget);
+        if (auto* list = qobject_cast<QListWidget*>(shown)) {
+            QCOMPARE(list->count(), 13);
+            QCOMPARE(list->item(12)->text(), text);
+            QCOMPARE(list->item(12)->data(Qt::UserRole).toString(), "Select Via Holes");
+        } else {
+            QCOMPARE(shown->property(qPrintable(property)).toString(), text);
+        }
     }
 
     void lengthAndAngleRows_data() {
