@@ -632,7 +632,14 @@ void Widget_SR_Edit::receive_SR_second_Select_point(const QPointF& point) {
         wc::panel::ChildBoxes boxes;
         const bool known = readChildBoxes(boxes);
         const wc::panel::Expansion reference = wc::panel::expandInstances(picked);
-        if (!known || reference.selected.size() != 1) {
+        // On overlapping instances the engine marks the upper one alone, yet the pick names
+        // none of them for sure: it must hit exactly one instance.
+        const std::vector<reply_box> placed = wc::panel::instanceBoxes(picked, boxes);
+        const auto under = std::count_if(placed.begin(), placed.end(), [&](const reply_box& b) {
+            return point.x() >= b.xmin && point.x() <= b.xmax && point.y() >= b.ymin &&
+                   point.y() <= b.ymax;
+        });
+        if (!known || reference.selected.size() != 1 || under != 1) {
             // The noted selection goes back and the pick counts as no edit.
             Korvo::API::set_step_repeat(job_, step_, align_rows_);
             Korvo::API::bind_editop_count(job_, step_, before);

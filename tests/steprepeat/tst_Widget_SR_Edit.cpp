@@ -210,16 +210,31 @@ private slots:
     }
 
     // Two array instances aligned left to the step picked as reference, in one edit; a pick on
-    // no step says so and changes nothing, the selection included.
+    // no step, or on two overlapping ones, says so and changes nothing, the selection included.
     void alignToReference_data() {
-        wctest::columns<QPointF, QStringList, int>("pick", "messages", "aligned");
-        row("on the turned step at x 7200", mil(8000, 3500), QStringList(), 2);
-        row("on no step", mil(100, 6900), QStringList{"Illegal step specified"}, 0);
+        wctest::columns<bool, QPointF, QStringList, int>("overlapping", "pick", "messages",
+                                                         "aligned");
+        row("on the turned step at x 7200", false, mil(8000, 3500), QStringList(), 2);
+        row("on no step", false, mil(100, 6900), QStringList{"Illegal step specified"}, 0);
+        row("on two overlapping steps", true, mil(7500, 3500),
+            QStringList{"Illegal step specified"}, 0);
     }
     void alignToReference() {
+        QFETCH(bool, overlapping);
         QFETCH(QPointF, pick);
         QFETCH(QStringList, messages);
         QFETCH(int, aligned);
+        if (overlapping) {
+            // A plain "pcb" at 6000..8000 x 3000..4500 lies over the upper turned step, and on
+            // top of it: the engine's pick would name it alone.
+            std::vector<step_repeat_op> rows = table();
+            step_repeat_op over;
+            over.step_name = "pcb";
+            over.x = 6000 * kMil;
+            over.y = 3000 * kMil;
+            rows.push_back(over);
+            QVERIFY(Korvo::API::set_step_repeat(kJob, kPanel, rows));
+        }
         QWidget host;
         Widget_SR_Edit dialog(kJob, kPanel, &host);
         dialog.receive_SR_Select_point({mil(1500, 1250)});  // array (0, 0)
