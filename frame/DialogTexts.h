@@ -8,6 +8,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <utility>
 #include <vector>
 
@@ -21,6 +22,10 @@ namespace wc {
 // Labels, buttons, check boxes, group boxes (their title), actions, line edits (their
 // placeholder) and the dialog itself (its title).
 void setSourceText(QWidget* dialog, QObject* object, const char* source);
+// The same for a text with places "%1", "%2"... that `arguments` fill after translation
+// ("Selected Steps : %1"); called again when the values change.
+void setSourceText(QWidget* dialog, QObject* object, const char* source,
+                   const QStringList& arguments);
 // The tool tip and the status-bar tip of a widget or an action.
 void setSourceToolTip(QWidget* dialog, QObject* object, const char* source);
 void setSourceStatusTip(QWidget* dialog, QObject* object, const char* source);
