@@ -7,10 +7,12 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTranslator>
 #include <QtTest>
 #include <stdexcept>
 
@@ -67,6 +69,29 @@ std::vector<Korvo::API::reply_box> engineBoxes() {
         boxes.push_back(wcref::instanceBox(child, i));
     }
     return boxes;
+}
+
+// Puts every text of the editor's context in brackets, so that a text that does not follow the
+// language stands out.
+class BracketTranslator : public QTranslator {
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* source, const char*, int) const override {
+        if (qstrcmp(context, "Widget_SR_Edit") != 0) {
+            return QString();
+        }
+        return QLatin1Char('[') + QString::fromUtf8(source) + QLatin1Char(']');
+    }
+};
+
+QString shownText(const QObject* object) {
+    if (auto* box = qobject_cast<const QGroupBox*>(object)) {
+        return box->title();
+    }
+    if (object->isWidgetType() && static_cast<const QWidget*>(object)->isWindow()) {
+        return static_cast<const QWidget*>(object)->windowTitle();
+    }
+    return object->property("text").toString();
 }
 
 QString question(const char* words) {
@@ -405,6 +430,40 @@ private slots:
         QCOMPARE(answerer.texts(), QStringList{"table unreadable"});
         dialog.receive_SR_Select_point({mil(1500, 1250)});
         QCOMPARE(labelText(dialog, "label_SelectedSteps"), "Selected Steps : 1");
+    }
+
+    void changeLanguage_data() {
+        wctest::columns<QString, QString>("name", "english");
+        row("title", "", "S&R Edit Popup");
+        row("button", "pushButton_ReduceNesting", "Reduce S&&R nesting");
+        row("button with its own status", "pushButton_PanelSize", "Set Size");
+        row("status", "label_Status", "Single Select");
+        row("count", "label_SelectedSteps", "Selected Steps : %1");
+        row("field label", "label_HorizGap", "Horiz gap:");
+        row("unit", "label_HorizGapUnit", "mil");
+        row("group", "groupBox_Align", "Align");
+        row("radio", "radioButton_StepCenter", "Step Center");
+        row("check box", "checkBox_EntryMirror", "Mirror");
+        row("label", "label_KeepSR", "Keep S&R :");
+    }
+    // Every text follows the language, there and back; the count stays in the counting text.
+    void changeLanguage() {
+        QFETCH(QString, name);
+        QFETCH(QString, english);
+        QWidget host;
+        wctest::UnitScope unit(&host, 0);
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        dialog.receive_SR_Select_point({mil(1500, 1250)});
+        QObject* object = name.isEmpty() ? &dialog : wctest::child<QObject>(dialog, name);
+        const QString shown = english.contains("%1") ? english.arg(1) : english;
+        QCOMPARE(shownText(object), shown);
+        BracketTranslator brackets;
+        QCoreApplication::installTranslator(&brackets);
+        dialog.change_language();
+        QCOMPARE(shownText(object), QLatin1Char('[') + shown + QLatin1Char(']'));
+        QCoreApplication::removeTranslator(&brackets);
+        dialog.change_language();
+        QCOMPARE(shownText(object), shown);
     }
 
     void marginsInNanometres() {
