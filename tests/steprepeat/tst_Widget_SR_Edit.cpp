@@ -432,6 +432,23 @@ private slots:
         QCOMPARE(labelText(dialog, "label_SelectedSteps"), "Selected Steps : 1");
     }
 
+    // Each public on_<Control>_clicked slot finds the command it forwards to.
+    void everySlotReachesItsCommand() {
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        wctest::MessageBoxAnswerer answerer(QMessageBox::No);
+        const QMetaObject* meta = dialog.metaObject();
+        for (int k = meta->methodOffset(); k < meta->methodCount(); ++k) {
+            const QMetaMethod slot = meta->method(k);
+            if (slot.name().startsWith("on_") && slot.name().endsWith("_clicked")) {
+                QVERIFY(slot.invoke(&dialog, Qt::DirectConnection));
+            }
+        }
+        for (const QString& text : answerer.texts()) {
+            QVERIFY2(!text.startsWith("no step-and-repeat command"), qPrintable(text));
+        }
+    }
+
     void changeLanguage_data() {
         wctest::columns<QString, QString>("name", "english");
         row("title", "", "S&R Edit Popup");
