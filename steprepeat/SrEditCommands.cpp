@@ -2,6 +2,7 @@
 // of it.
 
 #include "SrEditCommands.h"
+#include "Widget_SR_Edit.h"
 
 #include <glog/logging.h>
 
@@ -20,7 +21,6 @@
 #include "frame/ExceptionGuard.h"
 #include "frame/FieldTable.h"
 #include "frame/PluginMessages.h"
-#include "steprepeat/Widget_SR_Edit.h"
 
 using Korvo::API::reply_box;
 using wc::panel::Outcome;

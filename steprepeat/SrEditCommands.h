@@ -12,11 +12,12 @@ namespace sredit {
 
 // What the editor does before the operation.
 enum class Start {
-    None,      // nothing: the operation changes the pick mode or closes
-    Status,    // the operation buttons come up and the status shows the operation
-    Read,      // as Status, and the table is read again
-    AskSteps,  // as Read; with nothing selected, "The <words> operation requires ..." on all?
-    AskAll,    // as Read; with nothing selected, "Operation will be performed on all steps..."
+    None,    // nothing: the operation changes the pick mode or closes
+    Status,  // the operation buttons come up and the status shows the operation
+    Read,    // as Status, and the table is read again
+    // As Read; with nothing selected the user is asked whether to work on every instance:
+    AskSteps,  // "The <words> operation requires at least 1 step(s),..."
+    AskAll,    // "Operation will be performed on all steps.Continue?"
 };
 
 // Operations that work inside the panel need its profile, margins and the typed gap.
