@@ -23,9 +23,13 @@ const char* const kSourceProperty = "wcSourceText";
 const char* const kToolTipProperty = "wcSourceToolTip";
 const char* const kStatusTipProperty = "wcSourceStatusTip";
 const char* const kItemsProperty = "wcSourceItems";
+const char* const kArgumentsProperty = "wcSourceArguments";
 
 void show(QWidget* dialog, QObject* object, const QString& source) {
-    const QString text = translateFor(dialog, source);
+    QString text = translateFor(dialog, source);
+    for (const QString& argument : object->property(kArgumentsProperty).toStringList()) {
+        text = text.arg(argument);
+    }
     if (object == dialog) {
         dialog->setWindowTitle(text);
     } else if (auto* box = qobject_cast<QGroupBox*>(object)) {
@@ -116,8 +120,14 @@ QString nameOf(const char* text) {
 }
 
 void setSourceText(QWidget* dialog, QObject* object, const char* source) {
+    setSourceText(dialog, object, source, QStringList());
+}
+
+void setSourceText(QWidget* dialog, QObject* object, const char* source,
+                   const QStringList& arguments) {
     const QString text = QString::fromUtf8(source);
     object->setProperty(kSourceProperty, text);
+    object->setProperty(kArgumentsProperty, arguments.isEmpty() ? QVariant() : QVariant(arguments));
     show(dialog, object, text);
 }
 

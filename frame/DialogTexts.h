@@ -8,6 +8,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <utility>
 #include <vector>
 
@@ -24,6 +25,10 @@ void setSourceText(QWidget* dialog, QObject* object, const char* source);
 // The same, showing `source` until the first retranslate() and `later` from then on: a few
 // dialogs space a text differently after a language change, and both forms are kept.
 void setSourceText(QWidget* dialog, QObject* object, const char* source, const char* later);
+// The same for a text with places "%1", "%2"... that `arguments` fill after translation
+// ("Selected Steps : %1"); called again when the values change.
+void setSourceText(QWidget* dialog, QObject* object, const char* source,
+                   const QStringList& arguments);
 // The tool tip and the status-bar tip of a widget or an action.
 void setSourceToolTip(QWidget* dialog, QObject* object, const char* source);
 void setSourceStatusTip(QWidget* dialog, QObject* object, const char* source);

@@ -7,10 +7,12 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTranslator>
 #include <QtTest>
 #include <stdexcept>
 
@@ -67,6 +69,29 @@ std::vector<Korvo::API::reply_box> engineBoxes() {
         boxes.push_back(wcref::instanceBox(child, i));
     }
     return boxes;
+}
+
+// Puts every text of the editor's context in brackets, so that a text that does not follow the
+// language stands out.
+class BracketTranslator : public QTranslator {
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* source, const char*, int) const override {
+        if (qstrcmp(context, "Widget_SR_Edit") != 0) {
+            return QString();
+        }
+        return QLatin1Char('[') + QString::fromUtf8(source) + QLatin1Char(']');
+    }
+};
+
+QString shownText(const QObject* object) {
+    if (auto* box = qobject_cast<const QGroupBox*>(object)) {
+        return box->title();
+    }
+    if (object->isWidgetType() && static_cast<const QWidget*>(object)->isWindow()) {
+        return static_cast<const QWidget*>(object)->windowTitle();
+    }
+    return object->property("text").toString();
 }
 
 QString question(const char* words) {
@@ -210,16 +235,31 @@ private slots:
     }
 
     // Two array instances aligned left to the step picked as reference, in one edit; a pick on
-    // no step says so and changes nothing, the selection included.
+    // no step, or on two overlapping ones, says so and changes nothing, the selection included.
     void alignToReference_data() {
-        wctest::columns<QPointF, QStringList, int>("pick", "messages", "aligned");
-        row("on the turned step at x 7200", mil(8000, 3500), QStringList(), 2);
-        row("on no step", mil(100, 6900), QStringList{"Illegal step specified"}, 0);
+        wctest::columns<bool, QPointF, QStringList, int>("overlapping", "pick", "messages",
+                                                         "aligned");
+        row("on the turned step at x 7200", false, mil(8000, 3500), QStringList(), 2);
+        row("on no step", false, mil(100, 6900), QStringList{"Illegal step specified"}, 0);
+        row("on two overlapping steps", true, mil(7500, 3500),
+            QStringList{"Illegal step specified"}, 0);
     }
     void alignToReference() {
+        QFETCH(bool, overlapping);
         QFETCH(QPointF, pick);
         QFETCH(QStringList, messages);
         QFETCH(int, aligned);
+        if (overlapping) {
+            // A plain "pcb" at 6000..8000 x 3000..4500 lies over the upper turned step, and on
+            // top of it: the engine's pick would name it alone.
+            std::vector<step_repeat_op> rows = table();
+            step_repeat_op over;
+            over.step_name = "pcb";
+            over.x = 6000 * kMil;
+            over.y = 3000 * kMil;
+            rows.push_back(over);
+            QVERIFY(Korvo::API::set_step_repeat(kJob, kPanel, rows));
+        }
         QWidget host;
         Widget_SR_Edit dialog(kJob, kPanel, &host);
         dialog.receive_SR_Select_point({mil(1500, 1250)});  // array (0, 0)
@@ -390,6 +430,57 @@ private slots:
         QCOMPARE(answerer.texts(), QStringList{"table unreadable"});
         dialog.receive_SR_Select_point({mil(1500, 1250)});
         QCOMPARE(labelText(dialog, "label_SelectedSteps"), "Selected Steps : 1");
+    }
+
+    // Each public on_<Control>_clicked slot finds the command it forwards to.
+    void everySlotReachesItsCommand() {
+        QWidget host;
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        wctest::MessageBoxAnswerer answerer(QMessageBox::No);
+        const QMetaObject* meta = dialog.metaObject();
+        for (int k = meta->methodOffset(); k < meta->methodCount(); ++k) {
+            const QMetaMethod slot = meta->method(k);
+            if (slot.name().startsWith("on_") && slot.name().endsWith("_clicked")) {
+                QVERIFY(slot.invoke(&dialog, Qt::DirectConnection));
+            }
+        }
+        for (const QString& text : answerer.texts()) {
+            QVERIFY2(!text.startsWith("no step-and-repeat command"), qPrintable(text));
+        }
+    }
+
+    void changeLanguage_data() {
+        wctest::columns<QString, QString>("name", "english");
+        row("title", "", "S&R Edit Popup");
+        row("button", "pushButton_ReduceNesting", "Reduce S&&R nesting");
+        row("button with its own status", "pushButton_PanelSize", "Set Size");
+        row("status", "label_Status", "Single Select");
+        row("count", "label_SelectedSteps", "Selected Steps : %1");
+        row("field label", "label_HorizGap", "Horiz gap:");
+        row("unit", "label_HorizGapUnit", "mil");
+        row("group", "groupBox_Align", "Align");
+        row("radio", "radioButton_StepCenter", "Step Center");
+        row("check box", "checkBox_EntryMirror", "Mirror");
+        row("label", "label_KeepSR", "Keep S&R :");
+    }
+    // Every text follows the language, there and back; the count stays in the counting text.
+    void changeLanguage() {
+        QFETCH(QString, name);
+        QFETCH(QString, english);
+        QWidget host;
+        wctest::UnitScope unit(&host, 0);
+        Widget_SR_Edit dialog(kJob, kPanel, &host);
+        dialog.receive_SR_Select_point({mil(1500, 1250)});
+        QObject* object = name.isEmpty() ? &dialog : wctest::child<QObject>(dialog, name);
+        const QString shown = english.contains("%1") ? english.arg(1) : english;
+        QCOMPARE(shownText(object), shown);
+        BracketTranslator brackets;
+        QCoreApplication::installTranslator(&brackets);
+        dialog.change_language();
+        QCOMPARE(shownText(object), QLatin1Char('[') + shown + QLatin1Char(']'));
+        QCoreApplication::removeTranslator(&brackets);
+        dialog.change_language();
+        QCOMPARE(shownText(object), shown);
     }
 
     void marginsInNanometres() {
