@@ -27,7 +27,7 @@ const std::vector<ViewerMode>& viewerModes() {
          ShowOneHit, ShowAllHits, kViewerFile, V::Length},
         {K::BoardDrill, 2, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Board-DrillChecks"),
          "BoardDrillRanges", ShowOneHit, ShowAllHits, kViewerFile, V::Length},
-        {K::DrillTable, 3, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Drill Checks"), "DrillRanges",
+        {K::DrillTable, 1, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Drill Checks"), "DrillRanges",
          DrillTableOneHit, DrillTableAllHits, kViewerFile, V::Extents},
         {K::SilkScreen, 4, QT_TRANSLATE_NOOP("Widget_ResultsViewer", " Silk Screen Checks "),
          "SilkScreenRanges", ShowOneHit, ShowAllHits, kViewerFile, V::Length},

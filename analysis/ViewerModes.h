@@ -41,7 +41,7 @@ enum class ValueStyle {
 // the viewer's entry table (Widget_ResultsViewer.cpp).
 struct WIDGET_COMMON_EXPORT ViewerMode {
     ViewerKind kind;
-    int number;           // the mode number the viewer keeps
+    int number;           // the mode number the viewer keeps; both drill result forms are 1
     const char* caption;  // the name button's text, blanks included
     const char* range_key;
     int one_hit_code;

@@ -181,8 +181,9 @@ private slots:
                 [](auto& r) { r["drill"].items[dci_hole_size] = twoRedOneYellow<check_levels>(); },
                 &W::RefreshDrillData),
             1, "Drill Checks", 20002803, 20002808, "Drill_check_raise()");
+        // The second drill form is a drill check too: mode 1, with codes of its own.
         row("drill table", atLayer<wc::DrillTableResult>("drill", "slot", &W::RefreshDrillData_g),
-            3, "Drill Checks", 20002825, 20002826, "Drill_check_raise()");
+            1, "Drill Checks", 20002825, 20002826, "Drill_check_raise()");
         row("board drill",
             over<wc::BoardDrillResult>(
                 [](auto& r) { r["drill"].items[bdi_hole_size] = twoRedOneYellow<check_levels>(); },
