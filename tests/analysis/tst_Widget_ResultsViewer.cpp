@@ -266,8 +266,6 @@ private slots:
         row("window title", "", "[Results Viewer]");
         row("caption of the mode", "m_pNamePB", "[Signal Layer Checks]");
         row("label", "m_pLayersLabel", "[Layers]");
-        row("button", "m_pFirstPB", "[First]");
-        row("check box", "m_pShowAllCB", "[Show All]");
         row("combo box items", "m_pReplaceCB", "[Replace layers]|[Keep layers]");
         row("Sv: entries", "m_pLevelCB", "[!!]|[!]|[  ]|[All]");
         row("Meas: first entry", "m_pMeasCB", "[All]");
