@@ -4,9 +4,11 @@
 
 #include <cstddef>
 
+#include "frame/WidgetCommonExport.h"
+
 namespace wc {
 
-class HitNavigator {
+class WIDGET_COMMON_EXPORT HitNavigator {
 public:
     // A new sequence of `count` hits; stands on the first when there is one.
     void reset(std::size_t count) {

@@ -10,10 +10,11 @@
 #include <vector>
 
 #include "ResultsModel.h"
+#include "frame/WidgetCommonExport.h"
 
 namespace wc {
 
-class HitTableModel : public QAbstractTableModel {
+class WIDGET_COMMON_EXPORT HitTableModel : public QAbstractTableModel {
     Q_OBJECT
 public:
     enum Column {

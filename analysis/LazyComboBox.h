@@ -5,9 +5,11 @@
 #include <QComboBox>
 #include <functional>
 
+#include "frame/WidgetCommonExport.h"
+
 namespace wc {
 
-class LazyComboBox : public QComboBox {
+class WIDGET_COMMON_EXPORT LazyComboBox : public QComboBox {
     Q_OBJECT
 public:
     using QComboBox::QComboBox;

@@ -41,14 +41,14 @@ std::vector<ResultCategory> categoriesOf(const Items& items, const std::string& 
 
 // layer name -> item -> severity lists (or a check_reply holding that map).
 template <typename Result>
-ResultsModel byLayerAndItem(Shared<Result> result, const std::string& range_key) {
+ResultsModel byLayerAndItem(Shared<Result> result, const AdapterInput& input) {
     std::vector<ResultLayer> layers;
     if (result) {
         for (const auto& [name, layer_result] : *result) {
             ResultLayer layer;
             layer.name = name;
             layer.layer_names = {name};
-            layer.categories = categoriesOf(itemsOf(layer_result), range_key);
+            layer.categories = categoriesOf(itemsOf(layer_result), input.range_key);
             layers.push_back(std::move(layer));
         }
     }
@@ -56,14 +56,13 @@ ResultsModel byLayerAndItem(Shared<Result> result, const std::string& range_key)
 }
 
 template <typename Result>
-ResultsModel wholeStep(Shared<Result> result, const std::string& range_key, const std::string& name,
-                       std::vector<std::string> layer_names) {
+ResultsModel wholeStep(Shared<Result> result, const AdapterInput& input) {
     std::vector<ResultLayer> layers;
     if (result && !result->empty()) {
         ResultLayer layer;
-        layer.name = name;
-        layer.layer_names = std::move(layer_names);
-        layer.categories = categoriesOf(*result, range_key);
+        layer.name = input.name;
+        layer.layer_names = input.layers;
+        layer.categories = categoriesOf(*result, input.range_key);
         layers.push_back(std::move(layer));
     }
     return ResultsModel(result, std::move(layers));
@@ -102,51 +101,35 @@ ResultsModel byLayerAndText(Shared<Result> result, RecordsOf records_of) {
 
 }  // namespace
 
-ResultsModel signalLayerModel(Shared<SignalLayerResult> result, const std::string& range_key) {
-    return byLayerAndItem(std::move(result), range_key);
-}
+// The adapters of one of the shapes above, one row per result type.
+#define ADAPTER(Result, shape)                                               \
+    ResultsModel modelOf(Shared<Result> result, const AdapterInput& input) { \
+        return shape(std::move(result), input);                              \
+    }
 
-ResultsModel signalLayerDFMModel(Shared<SignalLayerDFMResult> result,
-                                 const std::string& range_key) {
-    return byLayerAndItem(std::move(result), range_key);
-}
+ADAPTER(SignalLayerResult, byLayerAndItem)
+ADAPTER(SignalLayerDFMResult, byLayerAndItem)
+ADAPTER(SolderMaskResult, byLayerAndItem)
+ADAPTER(SilkScreenResult, byLayerAndItem)
+ADAPTER(DrillResult, byLayerAndItem)
+ADAPTER(BoardDrillResult, byLayerAndItem)
+ADAPTER(PowerGroundResult, byLayerAndItem)
+ADAPTER(PowerGroundDFMResult, byLayerAndItem)
+ADAPTER(SurfaceAnalyzerResult, byLayerAndItem)
+ADAPTER(PrepareResult, wholeStep)
+ADAPTER(PadSnappingResult, wholeStep)
+ADAPTER(TeardropsResult, wholeStep)
+ADAPTER(NFPRemovalResult, wholeStep)
+ADAPTER(AvoidConductorResult, wholeStep)
 
-ResultsModel solderMaskModel(Shared<SolderMaskResult> result, const std::string& range_key) {
-    return byLayerAndItem(std::move(result), range_key);
-}
+#undef ADAPTER
 
-ResultsModel silkScreenModel(Shared<SilkScreenResult> result, const std::string& range_key) {
-    return byLayerAndItem(std::move(result), range_key);
-}
-
-ResultsModel drillModel(Shared<DrillResult> result, const std::string& range_key) {
-    return byLayerAndItem(std::move(result), range_key);
-}
-
-ResultsModel boardDrillModel(Shared<BoardDrillResult> result, const std::string& range_key) {
-    return byLayerAndItem(std::move(result), range_key);
-}
-
-ResultsModel powerGroundModel(Shared<PowerGroundResult> result, const std::string& range_key) {
-    return byLayerAndItem(std::move(result), range_key);
-}
-
-ResultsModel powerGroundDFMModel(Shared<PowerGroundDFMResult> result,
-                                 const std::string& range_key) {
-    return byLayerAndItem(std::move(result), range_key);
-}
-
-ResultsModel surfaceAnalyzerModel(Shared<SurfaceAnalyzerResult> result,
-                                  const std::string& range_key) {
-    return byLayerAndItem(std::move(result), range_key);
-}
-
-ResultsModel drillTableModel(Shared<DrillTableResult> result) {
+ResultsModel modelOf(Shared<DrillTableResult> result, const AdapterInput&) {
     return byLayerAndText(std::move(result),
                           [](const api::drill_check_result& levels) { return recordOf(levels); });
 }
 
-ResultsModel mrcModel(Shared<MrcResult> result) {
+ResultsModel modelOf(Shared<MrcResult> result, const AdapterInput&) {
     return byLayerAndText(std::move(result), [](const std::vector<api::mrc_result_infos>& infos) {
         ResultRecord record;
         record.lists[SevRed] = HitList(infos, &api::mrc_result_infos::info);
@@ -154,17 +137,17 @@ ResultsModel mrcModel(Shared<MrcResult> result) {
     });
 }
 
-ResultsModel solderMaskOptModel(Shared<SolderMaskOptResult> result, const std::string& range_key,
-                                const std::string& name, std::vector<std::string> layer_names) {
+// Each item holds several results, one record each.
+ResultsModel modelOf(Shared<SolderMaskOptResult> result, const AdapterInput& input) {
     std::vector<ResultLayer> layers;
     if (result && !result->empty()) {
         ResultLayer layer;
-        layer.name = name;
-        layer.layer_names = std::move(layer_names);
+        layer.name = input.name;
+        layer.layer_names = input.layers;
         for (const auto& [item, results] : *result) {
             ResultCategory category;
             category.item = static_cast<int>(item);
-            category.name = Korvo::UIAPI::getRangesName(range_key, category.item);
+            category.name = Korvo::UIAPI::getRangesName(input.range_key, category.item);
             for (const api::solder_mask_DFM_op_result& one : results) {
                 category.records.push_back(recordOf(one));
             }
@@ -173,31 +156,6 @@ ResultsModel solderMaskOptModel(Shared<SolderMaskOptResult> result, const std::s
         layers.push_back(std::move(layer));
     }
     return ResultsModel(result, std::move(layers));
-}
-
-ResultsModel prepareModel(Shared<PrepareResult> result, const std::string& range_key,
-                          const std::string& name) {
-    return wholeStep(std::move(result), range_key, name, {});
-}
-
-ResultsModel padSnappingModel(Shared<PadSnappingResult> result, const std::string& range_key,
-                              const std::string& name) {
-    return wholeStep(std::move(result), range_key, name, {});
-}
-
-ResultsModel teardropsModel(Shared<TeardropsResult> result, const std::string& range_key,
-                            const std::string& name, std::vector<std::string> layers) {
-    return wholeStep(std::move(result), range_key, name, std::move(layers));
-}
-
-ResultsModel NFPRemovalModel(Shared<NFPRemovalResult> result, const std::string& range_key,
-                             const std::string& name, std::vector<std::string> layers) {
-    return wholeStep(std::move(result), range_key, name, std::move(layers));
-}
-
-ResultsModel avoidConductorModel(Shared<AvoidConductorResult> result, const std::string& range_key,
-                                 const std::string& name, std::vector<std::string> layers) {
-    return wholeStep(std::move(result), range_key, name, std::move(layers));
 }
 
 }  // namespace wc

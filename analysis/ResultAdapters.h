@@ -11,6 +11,7 @@
 
 #include "Korvo_DFM_types.h"
 #include "ResultsModel.h"
+#include "frame/WidgetCommonExport.h"
 
 namespace wc {
 
@@ -48,33 +49,36 @@ using NFPRemovalResult = api::NFP_removal_result_map;
 using AvoidConductorResult =
     std::map<api::avoid_conductor_DFM_op_items, api::avoid_conductor_DFM_op_result>;
 
-// Results keyed by layer name.
-ResultsModel signalLayerModel(Shared<SignalLayerResult> result, const std::string& range_key);
-ResultsModel signalLayerDFMModel(Shared<SignalLayerDFMResult> result, const std::string& range_key);
-ResultsModel solderMaskModel(Shared<SolderMaskResult> result, const std::string& range_key);
-ResultsModel silkScreenModel(Shared<SilkScreenResult> result, const std::string& range_key);
-ResultsModel drillModel(Shared<DrillResult> result, const std::string& range_key);
-ResultsModel boardDrillModel(Shared<BoardDrillResult> result, const std::string& range_key);
-ResultsModel powerGroundModel(Shared<PowerGroundResult> result, const std::string& range_key);
-ResultsModel powerGroundDFMModel(Shared<PowerGroundDFMResult> result, const std::string& range_key);
-ResultsModel surfaceAnalyzerModel(Shared<SurfaceAnalyzerResult> result,
-                                  const std::string& range_key);
-// Categories named by text; MRC differences have no severity and are all in the red list.
-ResultsModel drillTableModel(Shared<DrillTableResult> result);
-ResultsModel mrcModel(Shared<MrcResult> result);
+// What an adapter takes beside the result: the range key its item names come from and, for a
+// result of a whole step, the one entry under "Layers" and the job's layers that entry stands
+// for. Results keyed by layer name use the key only; results keyed by text (the second drill
+// form, MRC) use nothing.
+struct WIDGET_COMMON_EXPORT AdapterInput {
+    std::string range_key;
+    std::string name;
+    std::vector<std::string> layers;
+};
 
-// Results of a whole step (or of the layers named): one entry under "Layers", called `name`.
-ResultsModel solderMaskOptModel(Shared<SolderMaskOptResult> result, const std::string& range_key,
-                                const std::string& name, std::vector<std::string> layers);
-ResultsModel prepareModel(Shared<PrepareResult> result, const std::string& range_key,
-                          const std::string& name);
-ResultsModel padSnappingModel(Shared<PadSnappingResult> result, const std::string& range_key,
-                              const std::string& name);
-ResultsModel teardropsModel(Shared<TeardropsResult> result, const std::string& range_key,
-                            const std::string& name, std::vector<std::string> layers);
-ResultsModel NFPRemovalModel(Shared<NFPRemovalResult> result, const std::string& range_key,
-                             const std::string& name, std::vector<std::string> layers);
-ResultsModel avoidConductorModel(Shared<AvoidConductorResult> result, const std::string& range_key,
-                                 const std::string& name, std::vector<std::string> layers);
+// One adapter per result type, chosen by the type.
+// Keyed by layer name, then item.
+ResultsModel modelOf(Shared<SignalLayerResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<SignalLayerDFMResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<SolderMaskResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<SilkScreenResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<DrillResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<BoardDrillResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<PowerGroundResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<PowerGroundDFMResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<SurfaceAnalyzerResult> result, const AdapterInput& input);
+// Keyed by layer name, then text; MRC differences have no severity and are all in the red list.
+ResultsModel modelOf(Shared<DrillTableResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<MrcResult> result, const AdapterInput& input);
+// A whole step (or the layers named), keyed by item: one entry under "Layers".
+ResultsModel modelOf(Shared<SolderMaskOptResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<PrepareResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<PadSnappingResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<TeardropsResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<NFPRemovalResult> result, const AdapterInput& input);
+ResultsModel modelOf(Shared<AvoidConductorResult> result, const AdapterInput& input);
 
 }  // namespace wc

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Korvo_Analysis_types.h"
+#include "frame/WidgetCommonExport.h"
 
 namespace wc {
 
@@ -20,7 +21,7 @@ constexpr int kSeverityCount = 4;
 
 // A view of hits stored in a vector, either of check_info itself or of records that hold one
 // (`stride` apart).
-class HitList {
+class WIDGET_COMMON_EXPORT HitList {
 public:
     HitList() = default;
     explicit HitList(const std::vector<Korvo::API::check_info>& hits)
@@ -45,20 +46,20 @@ private:
     std::size_t stride_ = 0;
 };
 
-struct ResultRecord {
+struct WIDGET_COMMON_EXPORT ResultRecord {
     std::array<HitList, kSeverityCount> lists;
     // Hits admitted by the severity entry: lists 0..severity.
     std::size_t count(int severity) const;
 };
 
-struct ResultCategory {
+struct WIDGET_COMMON_EXPORT ResultCategory {
     int item = 0;  // the item's enumeration value, or its position in the model's name table
     std::string name;
     std::vector<ResultRecord> records;
     std::size_t count(int severity) const;
 };
 
-struct ResultLayer {
+struct WIDGET_COMMON_EXPORT ResultLayer {
     std::string name;                      // as listed under "Layers"
     std::vector<std::string> layer_names;  // the job's layers it stands for
     std::vector<ResultCategory> categories;
@@ -66,14 +67,14 @@ struct ResultLayer {
 };
 
 // One line of the category list: an item merged over the chosen layers.
-struct CategoryEntry {
+struct WIDGET_COMMON_EXPORT CategoryEntry {
     int item = 0;
     std::string name;
     std::size_t count = 0;  // under the severity entry asked for
     std::size_t all = 0;    // under "All"
 };
 
-struct HitRef {
+struct WIDGET_COMMON_EXPORT HitRef {
     const Korvo::API::check_info* hit = nullptr;
     int layer = -1;  // index into ResultsModel::layers()
     int level = 0;   // the list it comes from
@@ -81,7 +82,7 @@ struct HitRef {
 
 // The admitted hits of one item over the chosen layers, in order: layer, record, then level.
 // Positions are found by a binary search over the lists, so stepping costs nothing.
-class HitSequence {
+class WIDGET_COMMON_EXPORT HitSequence {
 public:
     std::size_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
@@ -100,7 +101,7 @@ private:
     std::size_t size_ = 0;
 };
 
-class ResultsModel {
+class WIDGET_COMMON_EXPORT ResultsModel {
 public:
     ResultsModel() = default;
     ResultsModel(std::shared_ptr<const void> owner, std::vector<ResultLayer> layers);

@@ -4,9 +4,11 @@
 #include <cstddef>
 #include <vector>
 
+#include "frame/WidgetCommonExport.h"
+
 namespace wc {
 
-struct ValueHistogram {
+struct WIDGET_COMMON_EXPORT ValueHistogram {
     double minimum = 0.0;
     double maximum = 0.0;
     std::vector<std::size_t> bins;

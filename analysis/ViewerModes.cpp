@@ -1,5 +1,6 @@
 #include "ViewerModes.h"
 
+#include <QtGlobal>
 #include <algorithm>
 
 #include "Korvo_UIAPI.h"
@@ -18,43 +19,44 @@ const std::vector<ViewerMode>& viewerModes() {
     using namespace code;
     using K = ViewerKind;
     using V = ValueStyle;
-    // Modes whose all-hits code is not fixed elsewhere use the common "Show All" code.
+    // Modes whose all-hits code is not fixed elsewhere use the common "Show All" code. The
+    // captions are the viewer's texts, translated in its context.
     static const std::vector<ViewerMode> modes = {
-        {K::None, 0, "", "", ShowOneHit, ShowAllHits, "", kViewerFile, V::Length},
-        {K::Drill, 1, "Drill Checks", "DrillRanges", ShowOneHit, ShowAllHits, "Drill_check_raise",
-         kViewerFile, V::Length},
-        {K::BoardDrill, 2, "Board-DrillChecks", "BoardDrillRanges", ShowOneHit, ShowAllHits,
-         "BoardDrill_check_raise", kViewerFile, V::Length},
-        {K::DrillTable, 3, "Drill Checks", "DrillRanges", DrillTableOneHit, DrillTableAllHits,
-         "Drill_check_raise", kViewerFile, V::Extents},
-        {K::SilkScreen, 4, " Silk Screen Checks ", "SilkScreenRanges", ShowOneHit, ShowAllHits,
-         "Silk_check_raise", kViewerFile, V::Length},
-        {K::SolderMask, 5, " Solder Mask Check ", "SolderMaskRanges", ShowOneHit, ShowAllHits,
-         "SolderMask_check_raise", kViewerFile, V::Length},
-        {K::SignalLayerChecks, 6, "Signal Layer Checks", "SignalLayerRanges", ShowOneHit,
-         ShowAllHits, "Signal_check_raise", kViewerFile, V::Length},
-        {K::SignalLayerDFM, 7, "Signal Layer Opt", "SignalLayerOptRanges", ShowOneHit, ShowAllHits,
-         "Signal_DFM_raise", kViewerFile, V::Length},
-        {K::SolderMaskOpt, 8, "Solder Mask Opt", "SolderMaskOptRanges", SolderMaskOptOneHit,
-         SolderMaskOptAllHits, "SolderMask_DFM_raise", kViewerFile, V::Length},
-        {K::PowerGroundCheck, 9, "Power Ground Checks", "PowerGroundRanges", PowerGroundOneHit,
-         PowerGroundAllHits, "PowerGround_raise", kViewerFile, V::Length},
-        {K::PowerGroundDFM, 10, " Power Ground Opt ", "PowerGroundOptRanges", ShowOneHit,
-         PowerGroundOptAllHits, "PowerGround_DFM_raise", kViewerFile, V::Length},
-        {K::Prepare, 11, " Prepare Checks ", "PrePareRanges", PrepareOneHit, PrepareAllHits,
-         "Prepare_check_raise", kViewerFile, V::Length},
-        {K::Mrc, 12, " MRC ", "", MrcOneHit, MrcAllHits, "Mrc_check_raise", kViewerFile,
-         V::Difference},
-        {K::SurfaceAnalyzer, 13, "Surface Analyzer", "SurfaceAnalyzerRanges", ShowOneHit,
-         ShowAllHits, "Surface_check_raise", kViewerFile, V::Length},
-        {K::PadSnapping, 14, "Pad Snapping", "PadSnappingRanges", PadSnappingOneHit,
-         PadSnappingAllHits, "PadSnapping_raise", kViewerFile, V::Length},
-        {K::Teardrops, 15, "Advanced Teardrops Creation", "TeardropsRanges", TeardropOneHit,
-         ShowAllHits, "TearDrop_DFM_raise", kViewerNfpFile, V::Length},
-        {K::NFPRemoval, 16, "NFP Removal", "NFPRemoval", NfpOrConductorOneHit, ShowAllHits,
-         "NFP_DFM_raise", kViewerNfpFile, V::Length},
-        {K::AvoidConductor, 17, "Avoid Conductor DFM", "NFPRemoval", NfpOrConductorOneHit,
-         ShowAllHits, "Avoid_Conductor_DFM_raise", kViewerNfpFile, V::Length},
+        {K::None, 0, "", "", ShowOneHit, ShowAllHits, kViewerFile, V::Length},
+        {K::Drill, 1, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Drill Checks"), "DrillRanges",
+         ShowOneHit, ShowAllHits, kViewerFile, V::Length},
+        {K::BoardDrill, 2, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Board-DrillChecks"),
+         "BoardDrillRanges", ShowOneHit, ShowAllHits, kViewerFile, V::Length},
+        {K::DrillTable, 1, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Drill Checks"), "DrillRanges",
+         DrillTableOneHit, DrillTableAllHits, kViewerFile, V::Extents},
+        {K::SilkScreen, 4, QT_TRANSLATE_NOOP("Widget_ResultsViewer", " Silk Screen Checks "),
+         "SilkScreenRanges", ShowOneHit, ShowAllHits, kViewerFile, V::Length},
+        {K::SolderMask, 5, QT_TRANSLATE_NOOP("Widget_ResultsViewer", " Solder Mask Check "),
+         "SolderMaskRanges", ShowOneHit, ShowAllHits, kViewerFile, V::Length},
+        {K::SignalLayerChecks, 6, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Signal Layer Checks"),
+         "SignalLayerRanges", ShowOneHit, ShowAllHits, kViewerFile, V::Length},
+        {K::SignalLayerDFM, 7, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Signal Layer Opt"),
+         "SignalLayerOptRanges", ShowOneHit, ShowAllHits, kViewerFile, V::Length},
+        {K::SolderMaskOpt, 8, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Solder Mask Opt"),
+         "SolderMaskOptRanges", SolderMaskOptOneHit, SolderMaskOptAllHits, kViewerFile, V::Length},
+        {K::PowerGroundCheck, 9, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Power Ground Checks"),
+         "PowerGroundRanges", PowerGroundOneHit, PowerGroundAllHits, kViewerFile, V::Length},
+        {K::PowerGroundDFM, 10, QT_TRANSLATE_NOOP("Widget_ResultsViewer", " Power Ground Opt "),
+         "PowerGroundOptRanges", ShowOneHit, PowerGroundOptAllHits, kViewerFile, V::Length},
+        {K::Prepare, 11, QT_TRANSLATE_NOOP("Widget_ResultsViewer", " Prepare Checks "),
+         "PrePareRanges", PrepareOneHit, PrepareAllHits, kViewerFile, V::Length},
+        {K::Mrc, 12, QT_TRANSLATE_NOOP("Widget_ResultsViewer", " MRC "), "", MrcOneHit, MrcAllHits,
+         kViewerFile, V::Difference},
+        {K::SurfaceAnalyzer, 13, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Surface Analyzer"),
+         "SurfaceAnalyzerRanges", ShowOneHit, ShowAllHits, kViewerFile, V::Length},
+        {K::PadSnapping, 14, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Pad Snapping"),
+         "PadSnappingRanges", PadSnappingOneHit, PadSnappingAllHits, kViewerFile, V::Length},
+        {K::Teardrops, 15, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Advanced Teardrops Creation"),
+         "TeardropsRanges", TeardropOneHit, ShowAllHits, kViewerNfpFile, V::Length},
+        {K::NFPRemoval, 16, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "NFP Removal"), "NFPRemoval",
+         NfpOrConductorOneHit, ShowAllHits, kViewerNfpFile, V::Length},
+        {K::AvoidConductor, 17, QT_TRANSLATE_NOOP("Widget_ResultsViewer", "Avoid Conductor DFM"),
+         "NFPRemoval", NfpOrConductorOneHit, ShowAllHits, kViewerNfpFile, V::Length},
     };
     return modes;
 }

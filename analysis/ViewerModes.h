@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Korvo_Analysis_types.h"
+#include "frame/WidgetCommonExport.h"
 
 namespace wc {
 
@@ -36,15 +37,16 @@ enum class ValueStyle {
     Extents,     // the measurement box, "10.000 x 20.000mil "
 };
 
-struct ViewerMode {
+// The row of one kind. The result type, refresh operation and raise signal of each kind are
+// the viewer's entry table (Widget_ResultsViewer.cpp).
+struct WIDGET_COMMON_EXPORT ViewerMode {
     ViewerKind kind;
-    int number;           // the mode number the viewer keeps
+    int number;           // the mode number the viewer keeps; both drill result forms are 1
     const char* caption;  // the name button's text, blanks included
     const char* range_key;
     int one_hit_code;
     int all_hits_code;
-    const char* raise_signal;  // the signal that asks the owning dialog to come to the front
-    const char* source_file;   // file name in the exception log
+    const char* source_file;  // file name in the exception log
     ValueStyle value_style;
 };
 

@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "ZeLineEdit.h"
+#include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
 
 namespace {
@@ -40,9 +41,11 @@ Widget_Ranges::Widget_Ranges(QWidget* parent) : QWidget(parent, Qt::Window), han
 }
 
 Widget_Ranges::Widget_Ranges(std::string key, std::string owner, QWidget* handle, QWidget* parent)
-    : QWidget(parent, Qt::Window), handle_(handle), key_(QString::fromStdString(key)) {
+    : QWidget(parent, Qt::Window),
+      handle_(handle),
+      key_(QString::fromStdString(key)),
+      owner_(QString::fromStdString(owner)) {
     Korvo::UIAPI::getRanges(key, records_);
-    setProperty("owner", QString::fromStdString(owner));
     InitInterface();
 }
 
@@ -66,6 +69,8 @@ void Widget_Ranges::InitInterface() {
     m_pScrollArea->setWidget(m_pRowsWidget);
     m_pClosePB = new QPushButton(this);
     m_pClosePB->setObjectName(QStringLiteral("m_pClosePB"));
+    wc::setSourceText(this, m_pClosePB, QT_TR_NOOP("Close"));
+    wc::setSourceText(this, this, QT_TR_NOOP("Ranges"));
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_pScrollArea);
@@ -76,16 +81,18 @@ void Widget_Ranges::InitInterface() {
         GetListInfo();
     }
     change_language();
-    connect(m_pClosePB, SIGNAL(clicked()), this, SLOT(on_m_pClosePB_clicked()));
+    connect(m_pClosePB, &QPushButton::clicked, this, &Widget_Ranges::on_m_pClosePB_clicked);
 
     resize(kWidth, kHeight);
     setFixedSize(width(), height());
 }
 
+// The owning dialog's name follows the title as it was given.
 void Widget_Ranges::change_language() {
-    const QString owner = property("owner").toString();
-    setWindowTitle(owner.isEmpty() ? tr("Ranges") : tr("Ranges") + QStringLiteral(" - ") + owner);
-    m_pClosePB->setText(tr("Close"));
+    wc::retranslate(this);
+    if (!owner_.isEmpty()) {
+        setWindowTitle(windowTitle() + QStringLiteral(" - ") + owner_);
+    }
 }
 
 // Rows whose levels are not meant to be edited. Positions in the record order of the range store,
@@ -105,7 +112,7 @@ void Widget_Ranges::GetListInfo() {
     const QList<int> disabled = disabled_items_.value(key_);
     const int unit = Korvo::UIAPI::getUnit(handle_);
     const auto field = [this, unit](double value, const QString& name, const char* style,
-                                    QList<ZeLineEdit*>& list, const char* slot) {
+                                    QList<ZeLineEdit*>& list, LevelSlot slot) {
         auto* edit = new ZeLineEdit(Korvo::UIAPI::getUnitJudgeStringMetric(handle_, value),
                                     Korvo::UIAPI::ZeE_Float, m_pRowsWidget);
         edit->setTextUnit(unit);
@@ -113,7 +120,7 @@ void Widget_Ranges::GetListInfo() {
         edit->setStatusTip(name);
         edit->installEventFilter(this);
         edit->setStyleSheet(QString::fromLatin1(style));
-        connect(edit, SIGNAL(editingFinished()), this, slot);
+        connect(edit, &QLineEdit::editingFinished, this, slot);
         list.append(edit);
         return edit;
     };
@@ -124,12 +131,12 @@ void Widget_Ranges::GetListInfo() {
         label->setObjectName(QStringLiteral("label_%1").arg(row));
         row_labels_.append(label);
         m_pGrid->addWidget(label, row, 0);
-        ZeLineEdit* red =
-            field(record.RedLv, name, kRedStyle, red_edits_, SLOT(on_redlvl_edit_Finished()));
+        ZeLineEdit* red = field(record.RedLv, name, kRedStyle, red_edits_,
+                                &Widget_Ranges::on_redlvl_edit_Finished);
         ZeLineEdit* yellow = field(record.YellowLv, name, kYellowStyle, yellow_edits_,
-                                   SLOT(on_yellowlvl_edit_Finished()));
+                                   &Widget_Ranges::on_yellowlvl_edit_Finished);
         ZeLineEdit* green = field(record.GreenLv, name, kGreenStyle, green_edits_,
-                                  SLOT(on_greenlvl_edit_Finished()));
+                                  &Widget_Ranges::on_greenlvl_edit_Finished);
         red->setObjectName(QStringLiteral("red_%1").arg(row));
         yellow->setObjectName(QStringLiteral("yellow_%1").arg(row));
         green->setObjectName(QStringLiteral("green_%1").arg(row));
@@ -253,13 +260,7 @@ void Widget_Ranges::setLineEditValue(QList<ZeLineEdit*>& fields) {
     }
 }
 
-void Widget_Ranges::openFor(QPointer<Widget_Ranges>& editor, QWidget* dialog, const void* handle,
-                            const QString& key, const char* owner) {
-    if (editor.isNull()) {
-        auto* host = static_cast<QWidget*>(const_cast<void*>(handle));
-        editor = new Widget_Ranges(key.toStdString(), std::string(owner), host, host);
-        connect(dialog, SIGNAL(unit_changed()), editor.data(), SLOT(change_units()));
-    }
-    editor->show();
-    editor->raise();
+Widget_Ranges* Widget_Ranges::create(const void* handle, const QString& key, const char* owner) {
+    auto* host = static_cast<QWidget*>(const_cast<void*>(handle));
+    return new Widget_Ranges(key.toStdString(), std::string(owner), host, host);
 }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Korvo_UIAPI.h"
+#include "frame/WidgetCommonExport.h"
 
 class QGridLayout;
 class QPushButton;
@@ -20,7 +21,7 @@ namespace Korvo::UIAPI {
 class ZeLineEdit;
 }
 
-class Widget_Ranges : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_Ranges : public QWidget {
     Q_OBJECT
 public:
     using Record = Korvo::UIAPI::Analysis_Ranges_Record;
@@ -34,8 +35,16 @@ public:
 
     // What a dialog's "Ranges..." does: creates the editor of `key` once (kept in `editor`),
     // follows the dialog's unit_changed() signal, and shows it.
-    static void openFor(QPointer<Widget_Ranges>& editor, QWidget* dialog, const void* handle,
-                        const QString& key, const char* owner);
+    template <typename Dialog>
+    static void openFor(QPointer<Widget_Ranges>& editor, Dialog* dialog, const void* handle,
+                        const QString& key, const char* owner) {
+        if (editor.isNull()) {
+            editor = create(handle, key, owner);
+            connect(dialog, &Dialog::unit_changed, editor.data(), &Widget_Ranges::change_units);
+        }
+        editor->show();
+        editor->raise();
+    }
 
     // Replaces the records and shows their values.
     void updateRangeData(std::vector<Record>& records);
@@ -55,6 +64,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    using LevelSlot = void (Widget_Ranges::*)();
+
+    static Widget_Ranges* create(const void* handle, const QString& key, const char* owner);
     void InitInterface();
     void InitDisnableditemmap();
     void GetListInfo();
@@ -67,6 +79,7 @@ private:
 
     const void* handle_;
     QString key_;
+    QString owner_;  // the dialog named in the title
     std::vector<Record> records_;
     QMap<QString, QList<int>> disabled_items_;
 

@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include "frame/DialogTexts.h"
+
 namespace {
 constexpr int kMargin = 40;
 }
@@ -12,11 +14,12 @@ Widget_ResultsHistogram::Widget_ResultsHistogram(QWidget* parent) : QWidget(pare
     setObjectName(QStringLiteral("Widget_ResultsHistogram"));
     setMinimumSize(420, 300);
     resize(520, 340);
-    change_language();
+    wc::setSourceText(this, this, QT_TR_NOOP("Results Histogram"));
 }
 
+// The chart's own texts are translated as it is painted.
 void Widget_ResultsHistogram::change_language() {
-    setWindowTitle(tr("Results Histogram"));
+    wc::retranslate(this);
     update();
 }
 

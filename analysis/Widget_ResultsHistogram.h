@@ -5,10 +5,9 @@
 #include <QWidget>
 
 #include "ValueHistogram.h"
+#include "frame/WidgetCommonExport.h"
 
-class QLabel;
-
-class Widget_ResultsHistogram : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_ResultsHistogram : public QWidget {
     Q_OBJECT
 public:
     explicit Widget_ResultsHistogram(QWidget* parent);

@@ -16,12 +16,14 @@
 #include <tuple>
 #include <vector>
 
-#include "HitNavigator.h"
+#include "HitBrowser.h"
+#include "HitSelection.h"
 #include "Korvo_UIAPI.h"
 #include "ResultAdapters.h"
 #include "SharedResult.h"
 #include "ViewerModes.h"
 #include "analysis_drawing_data.h"
+#include "frame/WidgetCommonExport.h"
 
 class QCheckBox;
 class QComboBox;
@@ -29,21 +31,23 @@ class QLabel;
 class QListWidget;
 class QListWidgetItem;
 class QPushButton;
-class QTableView;
 class Widget_ResultsHistogram;
 namespace Korvo::UIAPI {
 class ZeLineEdit;
 }
 namespace wc {
-class HitTableModel;
-}
+class HitTableView;
+class MeasureComboBox;
+}  // namespace wc
 
-class Widget_ResultsViewer : public QWidget {
+class WIDGET_COMMON_EXPORT Widget_ResultsViewer : public QWidget {
     Q_OBJECT
 public:
     using Check_Type = Korvo::UIAPI::Check_Type;
 
     explicit Widget_ResultsViewer(QWidget* parent);
+    // One constructor and one refresh operation per kind of result, generated from the kind's
+    // row in Widget_ResultsViewer_Kinds.cpp.
     // The leading int is the opening dialog's own tag; the viewer keeps it (tag()) and does not
     // interpret it.
     Widget_ResultsViewer(int tag, QWidget* parent, wc::SharedResult<wc::SignalLayerResult> result,
@@ -116,12 +120,12 @@ public:
     wc::ViewerKind kind() const { return mode_->kind; }
     int tag() const { return tag_; }
     Check_Type checkType() const { return check_type_; }
-    const wc::ResultsModel& model() const { return model_; }
+    const wc::ResultsModel& model() const { return browser_.model(); }
     // What the last message carried.
     const Korvo::API::analysis_drawing_data& drawingData() const { return drawing_; }
     // Admitted hits of the current category, and the position among them (from 1; 0 for none).
-    std::size_t currentCount() const { return navigator_.count(); }
-    std::size_t currentIndex() const { return navigator_.index(); }
+    std::size_t currentCount() const { return browser_.navigator().count(); }
+    std::size_t currentIndex() const { return browser_.navigator().index(); }
 
 public slots:
     void on_Name_clicked();
@@ -185,20 +189,32 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void initResultsViewer(int mode);
-    void setTexts();
-    void showResult(wc::ViewerKind kind, wc::ResultsModel model);
+    using Raise = void (Widget_ResultsViewer::*)();
 
-    // Lists, from the outside in: layers, categories, then the admitted hits of the category.
+    Widget_ResultsViewer(QWidget* parent, int tag, Check_Type type);
+    void initResultsViewer(int mode);
+    void buildControls();
+    void configureControls();
+
+    // The one entry of every kind: shows `result` through the adapter of its type, in the mode
+    // of `kind`. A result of a whole step is listed as `entry` ("All layers" when not given),
+    // standing for the job's `layers`.
+    template <typename Result>
+    void showResult(wc::ViewerKind kind, Raise raise, wc::SharedResult<Result> result,
+                    std::optional<QString> entry = std::nullopt,
+                    const std::vector<std::string>& layers = {});
+    void showModel(const wc::ViewerMode& mode, Raise raise, wc::ResultsModel model);
+
+    // Lists, from the outside in: layers, categories, then the hits of the category.
     void refreshSingalLayerList();  // the layer list; the name is written so on purpose
     void refreshCategories();
-    void refreshHits(bool announce);  // announce: tell the view the category was chosen
-    void refreshMeasureValueList();
+    void refreshHits(int item, bool announce);  // announce: tell the view the category was chosen
     void clearMeasureValueList();
-    void refreshAdmitted();
+    void refreshTable();
 
     std::vector<int> chosenLayers() const;
-    wc::HitRef hitAt(std::size_t position) const;
+    void step(bool (wc::HitNavigator::*move)(), void (Widget_ResultsViewer::*past_end)());
+    void showPicked(std::size_t position);
     void change_current_result_label();
     void showCurrent();  // the category's hits after a change of layer, category or entry
     void showAgain();    // the same hit or hits, after a change of zoom or layer policy
@@ -206,15 +222,10 @@ private:
     void getSignalLayerCurrentItemData();
     void getSignalLayerCurrentItemAllData();
     void getSignalLayerFilterResult(const Korvo::API::AnalysisFilterInfo& info);
-    void fillDrawingFrame(int index);
-    void addShape(const wc::HitRef& hit);
-    void send(int code);
-    void selectFeatures(const wc::HitRef& hit);
-    void clearSelectedFeatures();
+    void startDrawing(int index);
     void getResultHistogramData();
     double displayPerEngine() const;
     QString layerListName(int layer) const;
-    std::string itemName(int item) const;
     void applyLevelStyle();
 
     template <typename Body>
@@ -224,21 +235,11 @@ private:
     int tag_ = 0;
     Check_Type check_type_ = Korvo::UIAPI::Check_Engine;
     const wc::ViewerMode* mode_;
-    wc::ResultsModel model_;
-    wc::HitSequence hits_;
-    std::vector<std::uint32_t> admitted_;  // sequence positions that pass, when restricted
-    bool restricted_ = false;
-    std::vector<long long> measure_keys_;   // the "Meas:" entries after "All", ascending
-    bool measure_stale_ = true;             // the entries are built when the list opens
-    std::optional<long long> measure_key_;  // the "Meas:" value chosen, in 1/1000 display units
-    std::optional<std::vector<std::tuple<int, int>>> filter_items_;
-    int current_item_ = -1;
-    wc::HitNavigator navigator_;
+    Raise raise_ = nullptr;  // the signal that asks the owning dialog to come to the front
+    wc::HitBrowser browser_;
     Korvo::API::analysis_drawing_data drawing_;
     Korvo::API::AnalysisFilterInfo filter_info_;
-    QString job_;
-    QString step_;
-    std::vector<std::string> selected_layers_;  // layers whose features "Selection" selected
+    wc::HitSelection selection_;
 
     QPushButton* m_pNamePB = nullptr;
     QLabel* m_pLayersLabel = nullptr;
@@ -248,7 +249,7 @@ private:
     QLabel* m_pCategoriesLabel = nullptr;
     QListWidget* m_pCategoriesList = nullptr;
     QLabel* m_pMeasLabel = nullptr;
-    QComboBox* m_pMeasCB = nullptr;
+    wc::MeasureComboBox* m_pMeasCB = nullptr;
     QLabel* m_pLevelLabel = nullptr;
     QComboBox* m_pLevelCB = nullptr;
     QPushButton* m_pFirstPB = nullptr;
@@ -262,12 +263,10 @@ private:
     QCheckBox* m_pSelectionCB = nullptr;
     QComboBox* m_pAutoCB = nullptr;
     QComboBox* m_pReplaceCB = nullptr;
-    QTableView* m_pHitTable = nullptr;
-    wc::HitTableModel* hit_table_model_ = nullptr;
+    wc::HitTableView* m_pHitTable = nullptr;
     QPushButton* m_pViewPB = nullptr;
     QPushButton* m_pFilterPB = nullptr;
     QPushButton* m_pToCADPB = nullptr;
     QPushButton* m_pClosePB = nullptr;
     Widget_ResultsHistogram* histogram_ = nullptr;
-    bool syncing_table_ = false;
 };

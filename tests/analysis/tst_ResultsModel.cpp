@@ -15,6 +15,8 @@ using wctest::row;
 
 namespace {
 
+const wc::AdapterInput kSignalRanges{"SignalLayerRanges", "", {}};
+
 check_info hit(double value) {
     check_info info;
     info.value = value;
@@ -63,7 +65,7 @@ private slots:
         auto result = std::make_shared<signal_check_result_map>();
         (*result)["top"][sli_line_width] = levels(red, yellow, green, other);
         (*result)["top"][sli_pad_size] = levels(red, yellow, green, other);
-        const wc::ResultsModel model = wc::signalLayerModel(result, "SignalLayerRanges");
+        const wc::ResultsModel model = wc::modelOf(result, kSignalRanges);
 
         const auto categories = model.categories({0}, severity);
         QCOMPARE(int(categories.size()), 2);  // listed when they carry any hit at all
@@ -79,7 +81,7 @@ private slots:
         (*result)["bottom"][sli_line_width] = levels(1, 0, 0, 0);
         (*result)["top"][sli_line_width] = levels(2, 1, 0, 0);
         (*result)["top"][sli_pad_size] = levels(0, 0, 4, 0);
-        const wc::ResultsModel model = wc::signalLayerModel(result, "SignalLayerRanges");
+        const wc::ResultsModel model = wc::modelOf(result, kSignalRanges);
 
         QCOMPARE(int(model.layers().size()), 2);
         const auto both = model.categories({0, 1}, wc::SevRed);
@@ -96,7 +98,7 @@ private slots:
         auto result = std::make_shared<signal_check_result_map>();
         (*result)["a"][sli_line_width] = levels(2, 1, 0, 0);
         (*result)["b"][sli_line_width] = levels(0, 3, 1, 0);
-        const wc::ResultsModel model = wc::signalLayerModel(result, "SignalLayerRanges");
+        const wc::ResultsModel model = wc::modelOf(result, kSignalRanges);
         const wc::HitSequence sequence = model.hits({0, 1}, sli_line_width, wc::SevYellow);
 
         QCOMPARE(int(sequence.size()), 6);
@@ -119,7 +121,7 @@ private slots:
         (*result)["l1"]["width"] = {{"w1", hit(7)}, {"w2", hit(8)}, {"w3", hit(9)}};
         (*result)["l2"]["spacing"] = {{"s1", hit(3)}};
         (*result)["l2"]["width"] = {{"w4", hit(5)}};
-        const wc::ResultsModel model = wc::mrcModel(result);
+        const wc::ResultsModel model = wc::modelOf(result, {});
 
         const auto categories = model.categories({0, 1}, wc::SevRed);
         QCOMPARE(int(categories.size()), 2);
@@ -134,7 +136,7 @@ private slots:
         auto result = std::make_shared<signal_check_result_map>();
         (*result)["top"][sli_line_width] = levels(3, 0, 0, 0);
         std::weak_ptr<signal_check_result_map> watch = result;
-        wc::ResultsModel model = wc::signalLayerModel(std::move(result), "SignalLayerRanges");
+        wc::ResultsModel model = wc::modelOf(std::move(result), kSignalRanges);
         QVERIFY(!watch.expired());
         QCOMPARE(model.hits({0}, sli_line_width, wc::SevRed).at(2).hit->value, 102.0);
         model = wc::ResultsModel();

@@ -8,6 +8,7 @@
 #include "DataRows.h"
 #include "FindChild.h"
 #include "Korvo_UIAPI.h"
+#include "MarkingTranslator.h"
 #include "TemporaryWorkingDirectory.h"
 #include "UnitScope.h"
 #include "ZeLineEdit.h"
@@ -19,12 +20,8 @@ using wctest::row;
 
 namespace {
 
-ZeLineEdit* field(Widget_Ranges& ranges, const char* level, int row) {
+ZeLineEdit* field(Widget_Ranges& ranges, const QString& level, int row) {
     return wctest::child<ZeLineEdit>(ranges, QStringLiteral("%1_%2").arg(level).arg(row));
-}
-
-double storedRed(const std::string& key, int row) {
-    return Korvo::UIAPI::getRanges(key)[std::size_t(row)].RedLv;
 }
 
 // The green level's style sheet has three components in rgba(), which Qt's parser reports on
@@ -57,6 +54,19 @@ private slots:
         QVERIFY(!ranges.isVisible());
     }
 
+    // The owner's name follows the title once, however often the language changes.
+    void languageKeepsTheOwnerInTheTitle() {
+        QWidget host;
+        Widget_Ranges ranges(std::string("TeardropsRanges"), std::string("Teardrops"), &host,
+                             &host);
+        QCOMPARE(ranges.windowTitle(), "Ranges - Teardrops");
+        wctest::MarkingTranslator language("Widget_Ranges");
+        ranges.change_language();
+        ranges.change_language();
+        QCOMPARE(ranges.windowTitle(), "[Ranges] - Teardrops");
+        QCOMPARE(wctest::child<QPushButton>(ranges, "m_pClosePB")->text(), "[Close]");
+    }
+
     void disabledRowsOnlyWhereListed_data() {
         wctest::columns<QString, int, QList<int>>("key", "records", "disabled");
         row("silk screen, more records than listed", "SilkScreenRanges", 28,
@@ -84,23 +94,42 @@ private slots:
         }
     }
 
+    void twoEditsCommitOnlyTheUpperRow_data() {
+        QTest::addColumn<QString>("level");
+        for (const char* level : {"red", "yellow", "green"}) {
+            row(level, QString(level));
+        }
+    }
+
+    // Each level commits its upper edited row first, whichever was edited first.
     void twoEditsCommitOnlyTheUpperRow() {
+        QFETCH(QString, level);
+        const auto of = [&level](const Analysis_Ranges_Record& record) {
+            return level == "red"      ? record.RedLv
+                   : level == "yellow" ? record.YellowLv
+                                       : record.GreenLv;
+        };
+        const auto stored = [&of](int row) {
+            return of(Korvo::UIAPI::getRanges("SignalLayerRanges")[std::size_t(row)]);
+        };
         QWidget host;
         wctest::UnitScope unit(&host, 0);
         Widget_Ranges ranges(std::string("SignalLayerRanges"), std::string(), &host, &host);
-        const double row2_before = storedRed("SignalLayerRanges", 2);
-        field(ranges, "red", 2)->setText("7.5");
-        field(ranges, "red", 0)->setText("6.25");
+        const double row2_before = stored(2);
+        field(ranges, level, 2)->setText("7.5");
+        field(ranges, level, 0)->setText("6.25");
 
-        emit field(ranges, "red", 2)->editingFinished();
-        QCOMPARE(storedRed("SignalLayerRanges", 0), 6.25 * 25400);
-        QCOMPARE(storedRed("SignalLayerRanges", 2), row2_before);
-        QCOMPARE(Korvo::UIAPI::getRanges("SignalLayerRanges")[0].YellowLv,
-                 ranges.records()[0].YellowLv);
+        emit field(ranges, level, 2)->editingFinished();
+        QCOMPARE(stored(0), 6.25 * 25400);
+        QCOMPARE(stored(2), row2_before);
+        const Analysis_Ranges_Record row0 = Korvo::UIAPI::getRanges("SignalLayerRanges")[0];
+        QCOMPARE(row0.RedLv, ranges.records()[0].RedLv);  // the other levels are left alone
+        QCOMPARE(row0.YellowLv, ranges.records()[0].YellowLv);
+        QCOMPARE(row0.GreenLv, ranges.records()[0].GreenLv);
 
-        emit field(ranges, "red", 2)->editingFinished();
-        QCOMPARE(storedRed("SignalLayerRanges", 2), 7.5 * 25400);
-        QCOMPARE(storedRed("SignalLayerRanges", 1), ranges.records()[1].RedLv);
+        emit field(ranges, level, 2)->editingFinished();
+        QCOMPARE(stored(2), 7.5 * 25400);
+        QCOMPARE(stored(1), of(ranges.records()[1]));
     }
 
     void emptiedFieldReadsZeroOnMousePress() {

@@ -15,6 +15,7 @@
 #include "FindChild.h"
 #include "Korvo_API.h"
 #include "LogCapture.h"
+#include "MarkingTranslator.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginBus.h"
 #include "PluginSpy.h"
@@ -85,38 +86,53 @@ QStringList categoryTexts(Widget_ResultsViewer& viewer) {
     return out;
 }
 
-using Factory = std::function<Widget_ResultsViewer*(QWidget*)>;
+using W = Widget_ResultsViewer;
+// A viewer made by the kind's constructor, or by the plain constructor and the kind's refresh.
+using Factory = std::function<W*(QWidget*, bool refreshed)>;
 
 // A viewer over a result of type Map that `fill` gives one item with two red hits and one
 // yellow; `extra` are the constructor's arguments after the result.
-template <typename Map, typename Fill, typename... Extra>
-Factory over(Fill fill, Extra... extra) {
+template <typename Map, typename Fill, typename Refresh, typename... Extra>
+Factory over(Fill fill, Refresh refresh, Extra... extra) {
     auto r = std::make_shared<Map>();
     fill(*r);
-    return [r, extra...](QWidget* p) { return new Widget_ResultsViewer(0, p, r, extra...); };
+    return [r, refresh, extra...](QWidget* p, bool refreshed) {
+        W* viewer = refreshed ? new W(p) : new W(0, p, r, extra...);
+        if (refreshed) {
+            (viewer->*refresh)(r);
+        }
+        return viewer;
+    };
 }
 
 // The same where the hits are `result[layer][item]`.
-template <typename Map, typename Item, typename... Extra>
-Factory atLayer(const char* layer, Item item, Extra... extra) {
+template <typename Map, typename Item, typename Refresh, typename... Extra>
+Factory atLayer(const char* layer, Item item, Refresh refresh, Extra... extra) {
     using Levels = typename Map::mapped_type::mapped_type;
-    return over<Map>([=](Map& r) { r[layer][item] = twoRedOneYellow<Levels>(); }, extra...);
+    return over<Map>([=](Map& r) { r[layer][item] = twoRedOneYellow<Levels>(); }, refresh,
+                     extra...);
 }
 
 // The same where the hits are `result[item]`.
-template <typename Map, typename... Extra>
-Factory atItem(typename Map::key_type item, Extra... extra) {
+template <typename Map, typename Refresh, typename... Extra>
+Factory atItem(typename Map::key_type item, Refresh refresh, Extra... extra) {
     return over<Map>([=](Map& r) { r[item] = twoRedOneYellow<typename Map::mapped_type>(); },
-                     extra...);
+                     refresh, extra...);
 }
 
 // The same for the optimisations whose viewer takes the run's layers first.
 template <typename Map>
-Factory overLayers(typename Map::key_type item) {
+Factory overLayers(typename Map::key_type item,
+                   void (W::*refresh)(const std::vector<std::string>&, wc::SharedResult<Map>)) {
     auto r = std::make_shared<Map>();
     (*r)[item] = twoRedOneYellow<typename Map::mapped_type>();
-    return [r](QWidget* p) {
-        return new Widget_ResultsViewer(0, p, std::vector<std::string>{"top"}, r);
+    const std::vector<std::string> layers{"top"};
+    return [r, refresh, layers](QWidget* p, bool refreshed) {
+        W* viewer = refreshed ? new W(p) : new W(0, p, layers, r);
+        if (refreshed) {
+            (viewer->*refresh)(layers, r);
+        }
+        return viewer;
     };
 }
 
@@ -139,54 +155,78 @@ private slots:
     void everyModeSendsItsCodes_data() {
         wctest::columns<Factory, int, QString, int, int, QString>("make", "number", "caption",
                                                                   "oneHit", "allHits", "raise");
-        row("signal", atLayer<signal_check_result_map>("top", sli_line_width), 6,
-            "Signal Layer Checks", 20002803, 20002808, "Signal_check_raise()");
-        row("signal opt", atLayer<signal_layer_DFM_result_map>("top", sdi_spacing), 7,
-            "Signal Layer Opt", 20002803, 20002808, "Signal_DFM_raise()");
+        row("signal",
+            atLayer<signal_check_result_map>("top", sli_line_width,
+                                             &W::RefreshSignalLayerChecksData),
+            6, "Signal Layer Checks", 20002803, 20002808, "Signal_check_raise()");
+        row("signal opt",
+            atLayer<signal_layer_DFM_result_map>("top", sdi_spacing, &W::RefreshSignalLayerDFMData),
+            7, "Signal Layer Opt", 20002803, 20002808, "Signal_DFM_raise()");
         row("solder mask",
-            atLayer<wc::SolderMaskResult>("top_mask", smi_clearance_pad, QString("job"), 0,
-                                          QStringList{"top_mask"}),
+            atLayer<wc::SolderMaskResult>("top_mask", smi_clearance_pad, &W::RefreshSolderMaskData,
+                                          QString("job"), 0, QStringList{"top_mask"}),
             5, " Solder Mask Check ", 20002803, 20002808, "SolderMask_check_raise()");
-        row("solder mask opt", over<solder_mask_DFM_result_map>([](auto& r) {
-                r[smo_clearance_resized] = {twoRedOneYellow<solder_mask_DFM_op_result>()};
-            }),
+        row("solder mask opt",
+            over<solder_mask_DFM_result_map>(
+                [](auto& r) {
+                    r[smo_clearance_resized] = {twoRedOneYellow<solder_mask_DFM_op_result>()};
+                },
+                &W::RefreshSolderMaskOptData),
             8, "Solder Mask Opt", 20002817, 20002818, "SolderMask_DFM_raise()");
-        row("silk", atLayer<wc::SilkScreenResult>("top_silk", ssi_silk_to_pad), 4,
-            " Silk Screen Checks ", 20002803, 20002808, "Silk_check_raise()");
-        row("drill", over<wc::DrillResult>([](auto& r) {
-                r["drill"].items[dci_hole_size] = twoRedOneYellow<check_levels>();
-            }),
+        row("silk",
+            atLayer<wc::SilkScreenResult>("top_silk", ssi_silk_to_pad, &W::RefreshSilkScreenData),
+            4, " Silk Screen Checks ", 20002803, 20002808, "Silk_check_raise()");
+        row("drill",
+            over<wc::DrillResult>(
+                [](auto& r) { r["drill"].items[dci_hole_size] = twoRedOneYellow<check_levels>(); },
+                &W::RefreshDrillData),
             1, "Drill Checks", 20002803, 20002808, "Drill_check_raise()");
-        row("drill table", atLayer<wc::DrillTableResult>("drill", "slot"), 3, "Drill Checks",
-            20002825, 20002826, "Drill_check_raise()");
-        row("board drill", over<wc::BoardDrillResult>([](auto& r) {
-                r["drill"].items[bdi_hole_size] = twoRedOneYellow<check_levels>();
-            }),
+        // The second drill form is a drill check too: mode 1, with codes of its own.
+        row("drill table", atLayer<wc::DrillTableResult>("drill", "slot", &W::RefreshDrillData_g),
+            1, "Drill Checks", 20002825, 20002826, "Drill_check_raise()");
+        row("board drill",
+            over<wc::BoardDrillResult>(
+                [](auto& r) { r["drill"].items[bdi_hole_size] = twoRedOneYellow<check_levels>(); },
+                &W::RefreshBoardDrillData),
             2, "Board-DrillChecks", 20002803, 20002808, "BoardDrill_check_raise()");
-        row("power ground", atLayer<wc::PowerGroundResult>("l2_gnd", pgi_thermal_air_gap), 9,
-            "Power Ground Checks", 20002840, 20002841, "PowerGround_raise()");
+        row("power ground",
+            atLayer<wc::PowerGroundResult>("l2_gnd", pgi_thermal_air_gap,
+                                           &W::RefreshPowerGroundCheckData),
+            9, "Power Ground Checks", 20002840, 20002841, "PowerGround_raise()");
         row("power ground opt",
-            atLayer<wc::PowerGroundDFMResult>("l2_gnd", pgo_sliver_filled, QString("job"),
+            atLayer<wc::PowerGroundDFMResult>("l2_gnd", pgo_sliver_filled,
+                                              &W::RefreshPowerGroundDFMData, QString("job"),
                                               QString("pcb")),
             10, " Power Ground Opt ", 20002803, 20002844, "PowerGround_DFM_raise()");
-        row("prepare", atItem<wc::PrepareResult>(pci_open_surfaces, QString("pcb")), 11,
-            " Prepare Checks ", 20002834, 20002835, "Prepare_check_raise()");
-        row("mrc", over<mrc_check_result>([](auto& r) {
-                r["top"]["width"] = {{"a", hit(25400)}, {"b", hit(50800)}};
-            }),
+        row("prepare",
+            atItem<wc::PrepareResult>(pci_open_surfaces, &W::RefreshPrepareCheck, QString("pcb")),
+            11, " Prepare Checks ", 20002834, 20002835, "Prepare_check_raise()");
+        row("mrc",
+            over<mrc_check_result>(
+                [](auto& r) {
+                    r["top"]["width"] = {{"a", hit(25400)}, {"b", hit(50800)}};
+                },
+                &W::RefreshMrcCheck),
             12, " MRC ", 20002832, 20002833, "Mrc_check_raise()");
-        row("surface", atLayer<wc::SurfaceAnalyzerResult>("top", sai_surface_width), 13,
-            "Surface Analyzer", 20002803, 20002808, "Surface_check_raise()");
-        row("pad snapping", atItem<wc::PadSnappingResult>(psi_pad_off_grid), 14, "Pad Snapping",
-            20002836, 20002807, "PadSnapping_raise()");
-        row("teardrops", overLayers<teardrop_result_map>(tdi_created_drilled), 15,
+        row("surface",
+            atLayer<wc::SurfaceAnalyzerResult>("top", sai_surface_width,
+                                               &W::RefreshSurfaceAnalyzerData),
+            13, "Surface Analyzer", 20002803, 20002808, "Surface_check_raise()");
+        row("pad snapping",
+            atItem<wc::PadSnappingResult>(psi_pad_off_grid, &W::RefreshPadSnappingData), 14,
+            "Pad Snapping", 20002836, 20002807, "PadSnapping_raise()");
+        row("teardrops",
+            overLayers<teardrop_result_map>(tdi_created_drilled, &W::RefreshTeardropsData), 15,
             "Advanced Teardrops Creation", 20002822, 20002808, "TearDrop_DFM_raise()");
-        row("nfp", overLayers<NFP_removal_result_map>(nfp_isolated_removed), 16, "NFP Removal",
-            20002819, 20002808, "NFP_DFM_raise()");
-        row("avoid conductor", overLayers<wc::AvoidConductorResult>(aci_moved_line), 17,
+        row("nfp",
+            overLayers<NFP_removal_result_map>(nfp_isolated_removed, &W::RefreshNFPRemovalData), 16,
+            "NFP Removal", 20002819, 20002808, "NFP_DFM_raise()");
+        row("avoid conductor",
+            overLayers<wc::AvoidConductorResult>(aci_moved_line, &W::RefreshAVoidConductorData), 17,
             "Avoid Conductor DFM", 20002819, 20002808, "Avoid_Conductor_DFM_raise()");
     }
 
+    // Made by the kind's constructor and by its refresh, the viewer is in the kind's mode.
     void everyModeSendsItsCodes() {
         QFETCH(Factory, make);
         QFETCH(int, number);
@@ -196,27 +236,60 @@ private slots:
         QFETCH(QString, raise);
         QWidget host;
         const QByteArray mode = QTest::currentDataTag();
-        std::unique_ptr<Widget_ResultsViewer> viewer(make(&host));
-        QCOMPARE(viewer->mode(), number);
-        QCOMPARE(child<QPushButton>(*viewer, "m_pNamePB")->text(), caption);
-        QCOMPARE(child<QPushButton>(*viewer, "m_pToCADPB")->isVisibleTo(viewer.get()),
-                 mode == "pad snapping");
+        for (const bool refreshed : {false, true}) {
+            std::unique_ptr<W> viewer(make(&host, refreshed));
+            QCOMPARE(viewer->mode(), number);
+            QCOMPARE(child<QPushButton>(*viewer, "m_pNamePB")->text(), caption);
+            QCOMPARE(child<QPushButton>(*viewer, "m_pToCADPB")->isVisibleTo(viewer.get()),
+                     mode == "pad snapping");
 
-        DrawingCatcher catcher;
-        viewer->on_Right_clicked();
-        QCOMPARE(catcher.count(), 1);
-        QCOMPARE(catcher.last().code, oneHit);
-        QCOMPARE(catcher.last().sender, "Graphic_MenuBar_Analysis.dll");
-        QCOMPARE(catcher.last().receiver, "Graphic_View.dll");
-        QCOMPARE(catcher.data.index, 2);
-        child<QCheckBox>(*viewer, "m_pShowAllCB")->setChecked(true);
-        QCOMPARE(catcher.last().code, allHits);
-        QCOMPARE(int(catcher.data.shapes.size()), 2 + (mode == "mrc" ? 0 : 1));
+            DrawingCatcher catcher;
+            viewer->on_Right_clicked();
+            QCOMPARE(catcher.count(), 1);
+            QCOMPARE(catcher.last().code, oneHit);
+            QCOMPARE(catcher.last().sender, "Graphic_MenuBar_Analysis.dll");
+            QCOMPARE(catcher.last().receiver, "Graphic_View.dll");
+            QCOMPARE(catcher.data.index, 2);
+            child<QCheckBox>(*viewer, "m_pShowAllCB")->setChecked(true);
+            QCOMPARE(catcher.last().code, allHits);
+            QCOMPARE(int(catcher.data.shapes.size()), 2 + (mode == "mrc" ? 0 : 1));
 
-        const QByteArray signal = QByteArray("2") + raise.toLatin1();
-        QSignalSpy raised(viewer.get(), signal.constData());
-        viewer->on_Name_clicked();
-        QCOMPARE(raised.count(), 1);
+            const QByteArray signal = QByteArray("2") + raise.toLatin1();
+            QSignalSpy raised(viewer.get(), signal.constData());
+            viewer->on_Name_clicked();
+            QCOMPARE(raised.count(), 1);
+        }
+    }
+
+    void languageReachesEveryKindOfControl_data() {
+        wctest::columns<QString, QString>("name", "text");
+        row("window title", "", "[Results Viewer]");
+        row("caption of the mode", "m_pNamePB", "[Signal Layer Checks]");
+        row("label", "m_pLayersLabel", "[Layers]");
+        row("combo box items", "m_pReplaceCB", "[Replace layers]|[Keep layers]");
+        row("Sv: entries", "m_pLevelCB", "[!!]|[!]|[  ]|[All]");
+        row("Meas: first entry", "m_pMeasCB", "[All]");
+    }
+
+    void languageReachesEveryKindOfControl() {
+        QFETCH(QString, name);
+        QFETCH(QString, text);
+        QWidget host;
+        W viewer(0, &host, twoLayerResult());
+        {
+            wctest::MarkingTranslator language("Widget_ResultsViewer");
+            viewer.change_language();
+        }
+        QObject* control = name.isEmpty() ? &viewer : child<QObject>(viewer, name);
+        QString shown = control->property(name.isEmpty() ? "windowTitle" : "text").toString();
+        if (auto* combo = qobject_cast<QComboBox*>(control)) {
+            QStringList items;
+            for (int i = 0; i < combo->count(); ++i) {
+                items << combo->itemText(i);
+            }
+            shown = items.join(QLatin1Char('|'));
+        }
+        QCOMPARE(shown, text);
     }
 
     void severityCountsAreCumulative() {
