@@ -54,8 +54,10 @@ public:
         }
     }
 
-    // "Ranges...": the range editor of the dialog's kind, titled after `owner`.
-    void openRanges(QWidget* dialog, const char* owner) {
+    // "Ranges...": the range editor of the dialog's kind, titled after `owner`; it follows the
+    // dialog's unit_changed() signal.
+    template <class Dialog>
+    void openRanges(Dialog* dialog, const char* owner) {
         Widget_Ranges::openFor(ranges_, dialog, shell_.handle(),
                                shell_.controls().options().range_key, owner);
     }
