@@ -569,9 +569,13 @@ QStringList DemoWindow::tour(const QString& folder) {
     }
     tourRealBoard(snap);
     if (setLanguage(true)) {
+        // Run again in Chinese, so that what a run writes (the layer count) shows in Chinese too.
         for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
             QWidget* dialog = openDialog(entry);
             dialog->adjustSize();
+            if (entry.apply) {
+                entry.apply(dialog);
+            }
             QString name = entry.menu;
             name.remove(QStringLiteral("...")).replace(' ', '_');
             snap(dialog, name + QStringLiteral("_zh"));

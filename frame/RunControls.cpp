@@ -28,8 +28,12 @@ namespace {
 
 const char* const kRunPictures[] = {"Run globally1.jpg", "Run on features on screen only1.jpg",
                                     "Run on features inside profile1.jpg"};
-const char* const kRunTips[] = {"Run globally", "Run on features on screen only",
-                                "Run on features inside profile"};
+// Texts of the shared pieces are translated in the context of the dialog that shows them; the
+// catalogue lists them once under "Shared" and scripts/fill-translations.py gives every dialog
+// its copy.
+const char* const kRunTips[] = {QT_TRANSLATE_NOOP("Shared", "Run globally"),
+                                QT_TRANSLATE_NOOP("Shared", "Run on features on screen only"),
+                                QT_TRANSLATE_NOOP("Shared", "Run on features inside profile")};
 const char* const kRunNames[] = {"pushButton_RunGlobally", "pushButton_RunScreen",
                                  "pushButton_RunProfile"};
 
@@ -48,10 +52,10 @@ QPushButton* pictureButton(QWidget* dialog, const char* picture, const QString& 
 }  // namespace
 
 RunControlsOptions spacedLabels(RunControlsOptions options) {
-    options.layer_label = "Layer: ";
-    options.erf_label = "ERF: ";
-    options.save_as_label = "Save As";
-    options.view_tip = "View Results";
+    options.layer_label = QT_TRANSLATE_NOOP("Shared", "Layer: ");
+    options.erf_label = QT_TRANSLATE_NOOP("Shared", "ERF: ");
+    options.save_as_label = QT_TRANSLATE_NOOP("Shared", "Save As");
+    options.view_tip = QT_TRANSLATE_NOOP("Shared", "View Results");
     return options;
 }
 
@@ -61,19 +65,18 @@ int runScope(int button_scope, bool selected_only) {
 
 QString layersProcessedText(const QObject* dialog, int count, CountWording wording) {
     if (count <= 0) {
-        return translateFor(dialog, QStringLiteral("No layers were processed"));
+        return translateFor(
+            dialog, QString::fromUtf8(QT_TRANSLATE_NOOP("Shared", "No layers were processed")));
     }
     if (count == 1) {
         // Two blanks in the viewer's wording: kept on purpose.
-        return translateFor(
-            dialog,
-            wording == CountWording::Viewer
-                ? QT_TRANSLATE_NOOP("Widget_SignalLayerChecks", "%n layer  was processed")
-                : QT_TRANSLATE_NOOP("Widget_SignalLayerChecks", "%n layer was processed"),
-            count);
+        return translateFor(dialog,
+                            wording == CountWording::Viewer
+                                ? QT_TRANSLATE_NOOP("Shared", "%n layer  was processed")
+                                : QT_TRANSLATE_NOOP("Shared", "%n layer was processed"),
+                            count);
     }
-    return translateFor(
-        dialog, QT_TRANSLATE_NOOP("Widget_SignalLayerChecks", "%n layers were processed"), count);
+    return translateFor(dialog, QT_TRANSLATE_NOOP("Shared", "%n layers were processed"), count);
 }
 
 LayerResolution resolveLayers(const QString& job, const QString& expression) {
@@ -110,7 +113,7 @@ RunControls::RunControls(QWidget* dialog, RunControlsOptions options)
     save_as_button_->setObjectName(QStringLiteral("pushButton_SaveAs"));
 
     ranges_button_ = new QPushButton(dialog);
-    setSourceText(dialog, ranges_button_, "Ranges...");
+    setSourceText(dialog, ranges_button_, QT_TRANSLATE_NOOP("Shared", "Ranges..."));
     ranges_button_->setObjectName(QStringLiteral("pushButton_Ranges"));
 
     for (int scope = ScopeGlobal; scope <= ScopeProfile; ++scope) {
@@ -124,13 +127,14 @@ RunControls::RunControls(QWidget* dialog, RunControlsOptions options)
     setSourceToolTip(dialog, view_button_, options_.view_tip);
     setViewState(ViewState::Stale);
 
-    time_label_ = new QLabel(translateFor(dialog, QStringLiteral("No results")), dialog);
+    time_label_ = new QLabel(
+        translateFor(dialog, QString::fromUtf8(QT_TRANSLATE_NOOP("Shared", "No results"))), dialog);
     time_label_->setObjectName(QStringLiteral("label_Time"));
     status_label_ = new QLabel(dialog);
     status_label_->setObjectName(QStringLiteral("label_Status"));
     close_button_ = new QPushButton(dialog);
     close_button_->setObjectName(QStringLiteral("pushButton_Close"));
-    setSourceText(dialog, close_button_, "Close");
+    setSourceText(dialog, close_button_, QT_TRANSLATE_NOOP("Shared", "Close"));
 
     connect(layer_button_, &QPushButton::clicked, this, &RunControls::showLayerPopup);
     connect(erf_button_, &QPushButton::clicked, this, &RunControls::showErfPopup);

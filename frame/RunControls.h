@@ -10,6 +10,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QtGlobal>
 #include <functional>
 #include <string>
 #include <vector>
@@ -54,10 +55,10 @@ struct RunControlsOptions {
     bool read_only_erf = true;
     // The buttons' texts as the dialog writes them (the later dialogs say "Layer: ", "ERF: ",
     // "Save As" and "View Results").
-    const char* layer_label = "Layer:";
-    const char* erf_label = "ERF:";
-    const char* save_as_label = "Save as";
-    const char* view_tip = "View results";
+    const char* layer_label = QT_TRANSLATE_NOOP("Shared", "Layer:");
+    const char* erf_label = QT_TRANSLATE_NOOP("Shared", "ERF:");
+    const char* save_as_label = QT_TRANSLATE_NOOP("Shared", "Save as");
+    const char* view_tip = QT_TRANSLATE_NOOP("Shared", "View results");
 };
 
 // The button texts of the optimisation dialogs other than the signal layer one.

@@ -14,6 +14,78 @@
         <source>Please wait</source>
         <translation>请稍候</translation>
     </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>Grc_Tbv_featuresfilter</name>
@@ -130,10 +202,6 @@
         <translation type="unfinished" />
     </message>
     <message>
-        <source>Close &amp; Reset</source>
-        <translation type="unfinished" />
-    </message>
-    <message>
         <source>Close</source>
         <translation>关闭</translation>
     </message>
@@ -145,12 +213,164 @@
         <source>Features Filter Popup</source>
         <translation type="unfinished" />
     </message>
+    <message>
+        <source>Single selection</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Multi selection</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Close &amp;&amp; Reset</source>
+        <translation type="unfinished" />
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
     <message>
         <source>Information</source>
         <translation>提示</translation>
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
     </message>
 </context>
 <context>
@@ -223,6 +443,74 @@
         <source>Mode          :</source>
         <translation>模式 :</translation>
     </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>Widget_Filter_Attributes</name>
@@ -270,6 +558,74 @@
         <source>Attributes Filter</source>
         <translation type="unfinished" />
     </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>Widget_Filter_Searchpopup</name>
@@ -290,6 +646,74 @@
         <translation type="unfinished">
             <numerusform />
         </translation>
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
     </message>
 </context>
 <context>
@@ -363,26 +787,6 @@
         <translation>钻孔</translation>
     </message>
     <message>
-        <source>Layer: </source>
-        <translation type="unfinished" />
-    </message>
-    <message>
-        <source>ERF: </source>
-        <translation type="unfinished" />
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
-    </message>
-    <message>
-        <source>View Results</source>
-        <translation>查看结果</translation>
-    </message>
-    <message>
-        <source>Close</source>
-        <translation>关闭</translation>
-    </message>
-    <message>
         <source>Information</source>
         <translation>提示</translation>
     </message>
@@ -414,6 +818,88 @@
         <source>Via - Photo</source>
         <translation type="unfinished" />
     </message>
+    <message>
+        <source>NFP Removal</source>
+        <translation>非功能焊盘删除</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n NFP Removal layers processed</source>
+        <translation>
+            <numerusform>已处理 %n 个非功能焊盘删除层</numerusform>
+        </translation>
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>Widget_Ranges</name>
@@ -433,6 +919,74 @@
         <source>The ranges could not be saved; the change holds until the program closes.</source>
         <translation type="unfinished" />
     </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>Widget_ResultsHistogram</name>
@@ -442,7 +996,75 @@
     </message>
     <message>
         <source>No results</source>
-        <translation type="unfinished" />
+        <translation>无结果</translation>
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
     </message>
 </context>
 <context>
@@ -543,13 +1165,153 @@
         <source>Close</source>
         <translation>关闭</translation>
     </message>
+    <message>
+        <source>Drill Checks</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Board-DrillChecks</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source> Silk Screen Checks </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source> Solder Mask Check </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Signal Layer Checks</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Signal Layer Opt</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Solder Mask Opt</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Power Ground Checks</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source> Power Ground Opt </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source> Prepare Checks </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source> MRC </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Surface Analyzer</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pad Snapping</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Advanced Teardrops Creation</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>NFP Removal</source>
+        <translation>非功能焊盘删除</translation>
+    </message>
+    <message>
+        <source>Avoid Conductor DFM</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>!!</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>!</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>  </source>
+        <translation type="unfinished" />
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>Widget_SR_Edit</name>
-    <message>
-        <source>Selected Steps : 0</source>
-        <translation type="unfinished" />
-    </message>
     <message>
         <source>Edit</source>
         <translation type="unfinished" />
@@ -564,10 +1326,6 @@
     </message>
     <message>
         <source>S&amp;R Edit Popup</source>
-        <translation type="unfinished" />
-    </message>
-    <message>
-        <source>Selected Steps : </source>
         <translation type="unfinished" />
     </message>
     <message>
@@ -606,6 +1364,346 @@
         <source>The Modify Entry operation requires only 1 step!</source>
         <translation type="unfinished" />
     </message>
+    <message>
+        <source>Single Select</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Rectangle Select</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Polygon Select</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Add step</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Copy Select Step</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Move Select Step</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Delete Select Step</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Rotate Select Step</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Replace Select Step</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Mirror Select Step Horizontally</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Mirror Select Step Vertically</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Mirror Select Step Flippedly</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Modify Entry</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Reduce S&amp;&amp;R nesting</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Reduce S&amp;R nesting</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Reduce S&amp;&amp;R highest level only</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Reduce S&amp;R highest level only</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Align Left</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Align Right</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Align Top</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Align Bottom</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Center on X Axis</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Center on Y Axis</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pack Left</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pack Right</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pack Top</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pack Bottom</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pack left and right</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pack top and bottom</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pack to center horisontally</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Pack to center vertically</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Space evenly horizontal</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Space evenly vertical</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Align to grid</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Set Size</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Panel Size</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Set Margins</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Margins</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Offset X:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Offset Y:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Horiz gap:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Vert gap:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>X:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Y:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>DX:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>DY:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Width:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Height:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Left:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Right:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Top:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Bottom:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Step and Repeat Edit</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Step:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Angle:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Axis:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Step Datum</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Step Center</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Center of Set</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Keep Gap :</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Table</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>NX:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>NY:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Keep S&amp;R :</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Keep Margin :</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Operation will be performed on all steps.Continue?</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Selected Steps : %1</source>
+        <translation type="unfinished" />
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>Widget_SignalLayerChecks</name>
@@ -620,10 +1718,6 @@
     <message>
         <source>Load</source>
         <translation type="unfinished" />
-    </message>
-    <message>
-        <source>Close</source>
-        <translation>关闭</translation>
     </message>
     <message>
         <source>Signal Layer Check</source>
@@ -682,10 +1776,6 @@
         <translation type="unfinished" />
     </message>
     <message>
-        <source> layers were processed</source>
-        <translation type="unfinished" />
-    </message>
-    <message>
         <source>Save 2 db failed</source>
         <translation type="unfinished" />
     </message>
@@ -708,6 +1798,108 @@
     <message>
         <source>Information</source>
         <translation>提示</translation>
+    </message>
+    <message>
+        <source>Apply to</source>
+        <translation>应用于</translation>
+    </message>
+    <message>
+        <source>All</source>
+        <translation>全部</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>选中</translation>
+    </message>
+    <message>
+        <source>Check Missing Pads for Drills</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>是</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>否</translation>
+    </message>
+    <message>
+        <source>Use Compensated Rout</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Skeleton</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Sort Spacing by Solder Mask</source>
+        <translation type="unfinished" />
+    </message>
+    <message numerus="yes">
+        <source>%n layers were processed</source>
+        <translation>
+            <numerusform>已处理 %n 个层</numerusform>
+        </translation>
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
     </message>
 </context>
 <context>
@@ -732,20 +1924,51 @@
         <source> is outside of (0, </source>
         <translation type="unfinished" />
     </message>
-</context>
-<context>
-    <name>Widget_SolderMaskOpt</name>
     <message>
-        <source>SolderMask opt terminated</source>
+        <source>Apply to</source>
+        <translation>应用于</translation>
+    </message>
+    <message>
+        <source>All</source>
+        <translation>全部</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>选中</translation>
+    </message>
+    <message>
+        <source>Signal Layer Optimization</source>
+        <translation>信号层优化</translation>
+    </message>
+    <message>
+        <source>SignalLayer opt terminated</source>
         <translation type="unfinished" />
+    </message>
+    <message numerus="yes">
+        <source>%n layers were processed</source>
+        <translation>
+            <numerusform>已处理 %n 个层</numerusform>
+        </translation>
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
     </message>
     <message>
         <source>Layer: </source>
-        <translation type="unfinished" />
+        <translation>层 :</translation>
     </message>
     <message>
         <source>ERF: </source>
-        <translation type="unfinished" />
+        <translation>参数集 :</translation>
     </message>
     <message>
         <source>Save As</source>
@@ -754,6 +1977,49 @@
     <message>
         <source>View Results</source>
         <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
+</context>
+<context>
+    <name>Widget_SolderMaskOpt</name>
+    <message>
+        <source>SolderMask opt terminated</source>
+        <translation type="unfinished" />
     </message>
     <message>
         <source>Clearance Opt</source>
@@ -808,10 +2074,6 @@
         <translation>删除</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>关闭</translation>
-    </message>
-    <message>
         <source>No layers were processed</source>
         <translation>未处理任何层</translation>
     </message>
@@ -830,6 +2092,124 @@
     <message>
         <source>Information</source>
         <translation>提示</translation>
+    </message>
+    <message>
+        <source>Solder Mask Optimization</source>
+        <translation>阻焊优化</translation>
+    </message>
+    <message>
+        <source>Use Existing Mask</source>
+        <translation>使用现有阻焊</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>是</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>否</translation>
+    </message>
+    <message>
+        <source>Is Round</source>
+        <translation>圆形</translation>
+    </message>
+    <message>
+        <source>Apply to</source>
+        <translation>应用于</translation>
+    </message>
+    <message>
+        <source>All</source>
+        <translation>全部</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>选中</translation>
+    </message>
+    <message>
+        <source>Fan Shave:</source>
+        <translation>扇形削减 :</translation>
+    </message>
+    <message>
+        <source>PTH:</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Do Resize</source>
+        <translation>调整大小</translation>
+    </message>
+    <message>
+        <source>Use Shaves</source>
+        <translation>使用削减</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n layers were processed</source>
+        <translation>
+            <numerusform>已处理 %n 个层</numerusform>
+        </translation>
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
     </message>
 </context>
 <context>
@@ -861,26 +2241,6 @@
     <message>
         <source>UNndrilled Pads</source>
         <translation>无钻孔焊盘</translation>
-    </message>
-    <message>
-        <source>Layer: </source>
-        <translation type="unfinished" />
-    </message>
-    <message>
-        <source>ERF: </source>
-        <translation type="unfinished" />
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
-    </message>
-    <message>
-        <source>View Results</source>
-        <translation>查看结果</translation>
-    </message>
-    <message>
-        <source>Close</source>
-        <translation>关闭</translation>
     </message>
     <message>
         <source>No layers were processed</source>
@@ -918,12 +2278,214 @@
         <source>Oval</source>
         <translation>椭圆</translation>
     </message>
+    <message>
+        <source>Advanced Teardrop Creation</source>
+        <translation>高级泪滴生成</translation>
+    </message>
+    <message>
+        <source>TearDrop dfm terminated</source>
+        <translation type="unfinished" />
+    </message>
+    <message numerus="yes">
+        <source>%n layers were processed</source>
+        <translation>
+            <numerusform>已处理 %n 个层</numerusform>
+        </translation>
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>Widget_UserFilterList</name>
     <message>
         <source>User filter</source>
         <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight All Pads</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight All Lines</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight All Surfaces</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight Negative Features</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight Smd Pads</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Select Smd Pads</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight Tear Drops</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight Non Plated Holes</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Select Non Plated Holes</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight Plated Holes</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Select Plated Holes</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Highlight Via Holes</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Select Via Holes</source>
+        <translation type="unfinished" />
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
     </message>
 </context>
 <context>
@@ -944,6 +2506,74 @@
         <source>Symbol List</source>
         <translation type="unfinished" />
     </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
 </context>
 <context>
     <name>wc::HitTableModel</name>
@@ -957,7 +2587,83 @@
     </message>
     <message>
         <source>Layer</source>
+        <translation>层</translation>
+    </message>
+    <message>
+        <source>Nets</source>
         <translation type="unfinished" />
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
     </message>
 </context>
 <context>
@@ -976,7 +2682,75 @@
     </message>
     <message>
         <source>ERF</source>
-        <translation type="unfinished" />
+        <translation>参数集</translation>
+    </message>
+<message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
     </message>
 </context>
 </TS>
