@@ -7,21 +7,12 @@
 #include <QRadioButton>
 
 #include "DialogTexts.h"
-#include "Translate.h"
 
 namespace wc {
 
 void ChoiceGroup::check(int id) const {
     if (QAbstractButton* button = group->button(id)) {
         button->setChecked(true);
-    }
-}
-
-void ChoiceGroup::retranslate(const QWidget* dialog) const {
-    box->setTitle(translateFor(dialog, QString::fromUtf8(title)));
-    for (size_t id = 0; id < choices.size(); ++id) {
-        group->button(static_cast<int>(id))
-            ->setText(translateFor(dialog, QString::fromUtf8(choices[id])));
     }
 }
 

@@ -2,7 +2,7 @@
 // A titled box of radio buttons with ids 0, 1, ... in a button group, as the optimisation
 // dialogs lay out their choices ("Apply to", "Work Mode", ...). Object names: "groupBox_<name>",
 // "buttonGroup_<name>", "radioButton_<name>_<choice>" (blanks in the choice dropped), so tests
-// and parameter sets find them.
+// and parameter sets find them. The texts follow the language through wc::retranslate(dialog).
 
 #include <QString>
 #include <vector>
@@ -21,8 +21,6 @@ struct ChoiceGroup {
 
     // Checks the button of `id`; an unknown id changes nothing.
     void check(int id) const;
-    // Title and button texts again through the dialog's translation.
-    void retranslate(const QWidget* dialog) const;
 };
 
 ChoiceGroup makeChoiceGroup(QWidget* dialog, const QString& name, const char* title,

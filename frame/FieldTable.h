@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "FieldCommit.h"
+#include "frame/WidgetCommonExport.h"
 
 #include "frame/EngineInt.h"
 
@@ -93,7 +94,7 @@ enum class FieldForm { Ze, Plain };
 // The widgets of the rows: a label, a numeric field showing the default in the display unit
 // with two decimals, and a unit label. Object names: "label_<key>", "lineEdit_<key>",
 // "label_<key>Unit" with blanks in the key dropped.
-class FieldTableWidgets {
+class WIDGET_COMMON_EXPORT FieldTableWidgets {
 public:
     FieldTableWidgets(QWidget* dialog, const void* handle, const std::vector<FieldSpec>& specs,
                       FieldForm form = FieldForm::Ze);

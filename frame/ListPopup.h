@@ -6,13 +6,15 @@
 #include <QStringList>
 #include <QWidget>
 
+#include "frame/WidgetCommonExport.h"
+
 class QListWidget;
 class QListWidgetItem;
 class QPushButton;
 
 namespace wc {
 
-class ListPopup : public QWidget {
+class WIDGET_COMMON_EXPORT ListPopup : public QWidget {
     Q_OBJECT
 public:
     enum Kind { LayerList = 7, NameList = 37 };
