@@ -207,17 +207,10 @@ bool Widget_NFPRemoval::isErfFileExist(const QString& name) const {
 }
 
 QStringList Widget_NFPRemoval::getInnerLayers() const {
-    std::vector<std::string> steps;
-    std::vector<Korvo::API::layer_info> layers;
-    wc::recordedGetGraphics(shell_->job().toStdString(), steps, layers);
-    QStringList names;
-    for (const Korvo::API::layer_info& layer : layers) {
-        if (layer.context == "board" && layer.side == "inner" &&
-            (layer.type == "signal" || layer.type == "mixed")) {
-            names.append(QString::fromStdString(layer.name));
-        }
-    }
-    return names;
+    return shell_->layerNames([](const Korvo::API::layer_info& layer) {
+        return layer.context == "board" && layer.side == "inner" &&
+               (layer.type == "signal" || layer.type == "mixed");
+    });
 }
 
 // ---- the buttons ----------------------------------------------------------------------------
@@ -226,37 +219,18 @@ void Widget_NFPRemoval::on_ERF_clicked() {
     WC_GUARDED({ controls_->showErfPopup(); });
 }
 
-void Widget_NFPRemoval::on_m_pSaveAsPB_clicked() {
-    controls_->saveAs();
-}
+WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pSaveAsPB_clicked, controls_->saveAs())
 
 void Widget_NFPRemoval::on_m_pLayerPB_clicked() {
     WC_GUARDED({ controls_->showLayerPopup(); });
 }
 
-void Widget_NFPRemoval::on_m_pRangesPB_clicked() {
-    controls_->openRanges();
-}
-
-void Widget_NFPRemoval::on_m_pRunGlobalPB_clicked() {
-    controls_->run(wc::ScopeGlobal);
-}
-
-void Widget_NFPRemoval::on_m_pScreenOnlyPB_clicked() {
-    controls_->run(wc::ScopeScreen);
-}
-
-void Widget_NFPRemoval::on_m_pInsideProfilePB_clicked() {
-    controls_->run(wc::ScopeProfile);
-}
-
-void Widget_NFPRemoval::on_m_pViewResultPB_clicked() {
-    controls_->view();
-}
-
-void Widget_NFPRemoval::on_m_pClosePB_clicked() {
-    controls_->close();
-}
+WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pRangesPB_clicked, controls_->openRanges())
+WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pRunGlobalPB_clicked, controls_->run(wc::ScopeGlobal))
+WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pScreenOnlyPB_clicked, controls_->run(wc::ScopeScreen))
+WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pInsideProfilePB_clicked, controls_->run(wc::ScopeProfile))
+WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pViewResultPB_clicked, controls_->view())
+WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pClosePB_clicked, controls_->close())
 
 // ---- the run --------------------------------------------------------------------------------
 

@@ -265,42 +265,20 @@ void Widget_SignalLayerOpt::on_parent_closed() {
 }
 
 QStringList Widget_SignalLayerOpt::getAllLayerList() const {
-    std::vector<std::string> steps;
-    std::vector<Korvo::API::layer_info> layers;
-    wc::recordedGetGraphics(shell_->job().toStdString(), steps, layers);
-    QStringList names;
-    for (const Korvo::API::layer_info& layer : layers) {
-        names.append(QString::fromStdString(layer.name));
-    }
-    return names;
+    return shell_->layerNames();
 }
 
 QStringList Widget_SignalLayerOpt::getLayerList() const {
-    std::vector<std::string> steps;
-    std::vector<Korvo::API::layer_info> layers;
-    wc::recordedGetGraphics(shell_->job().toStdString(), steps, layers);
-    QStringList names;
-    for (const Korvo::API::layer_info& layer : layers) {
-        if (layer.context == "board" && layer.type == "signal") {
-            names.append(QString::fromStdString(layer.name));
-        }
-    }
-    return names;
+    return shell_->layerNames([](const Korvo::API::layer_info& layer) {
+        return layer.context == "board" && layer.type == "signal";
+    });
 }
 
 // ---- slots ----------------------------------------------------------------------------------
 
-void Widget_SignalLayerOpt::on_unGlobally_clicked() {
-    controls_->run(wc::ScopeGlobal);
-}
-
-void Widget_SignalLayerOpt::on_RunScreen_clicked() {
-    controls_->run(wc::ScopeScreen);
-}
-
-void Widget_SignalLayerOpt::on_RunProfile_clicked() {
-    controls_->run(wc::ScopeProfile);
-}
+WC_FORWARD_SLOT(Widget_SignalLayerOpt, on_unGlobally_clicked, controls_->run(wc::ScopeGlobal))
+WC_FORWARD_SLOT(Widget_SignalLayerOpt, on_RunScreen_clicked, controls_->run(wc::ScopeScreen))
+WC_FORWARD_SLOT(Widget_SignalLayerOpt, on_RunProfile_clicked, controls_->run(wc::ScopeProfile))
 
 void Widget_SignalLayerOpt::on_Layer_clicked() {
     WC_GUARDED({
@@ -322,17 +300,9 @@ void Widget_SignalLayerOpt::get_ERF_Name(QString name) {
     WC_GUARDED({ setErfValues(name); });
 }
 
-void Widget_SignalLayerOpt::on_m_pSaveAsPB_clicked() {
-    controls_->saveAs();
-}
-
-void Widget_SignalLayerOpt::on_Range_clicked() {
-    controls_->openRanges();
-}
-
-void Widget_SignalLayerOpt::on_Check_clicked() {
-    controls_->view();
-}
+WC_FORWARD_SLOT(Widget_SignalLayerOpt, on_m_pSaveAsPB_clicked, controls_->saveAs())
+WC_FORWARD_SLOT(Widget_SignalLayerOpt, on_Range_clicked, controls_->openRanges())
+WC_FORWARD_SLOT(Widget_SignalLayerOpt, on_Check_clicked, controls_->view())
 
 // The view button creates the viewer once and shows it; a run refreshes it when it exists.
 void Widget_SignalLayerOpt::showResultsViewer(bool open) {

@@ -280,16 +280,9 @@ QStringList Widget_Teardrops::get_Teardrops_ERF() const {
 }
 
 QStringList Widget_Teardrops::getDefaultLayerList() const {
-    std::vector<std::string> steps;
-    std::vector<Korvo::API::layer_info> layers;
-    wc::recordedGetGraphics(shell_->job().toStdString(), steps, layers);
-    QStringList names;
-    for (const Korvo::API::layer_info& layer : layers) {
-        if (layer.context == "board" && layer.type == "signal") {
-            names.append(QString::fromStdString(layer.name));
-        }
-    }
-    return names;
+    return shell_->layerNames([](const Korvo::API::layer_info& layer) {
+        return layer.context == "board" && layer.type == "signal";
+    });
 }
 
 // ---- the buttons ----------------------------------------------------------------------------
@@ -298,37 +291,18 @@ void Widget_Teardrops::on_ERF_clicked() {
     WC_GUARDED({ controls_->showErfPopup(); });
 }
 
-void Widget_Teardrops::on_m_pSaveAsPB_clicked() {
-    controls_->saveAs();
-}
+WC_FORWARD_SLOT(Widget_Teardrops, on_m_pSaveAsPB_clicked, controls_->saveAs())
 
 void Widget_Teardrops::on_m_pLayerPB_clicked() {
     WC_GUARDED({ controls_->showLayerPopup(); });
 }
 
-void Widget_Teardrops::on_m_pRangesPB_clicked() {
-    controls_->openRanges();
-}
-
-void Widget_Teardrops::on_m_pRunGlobalPB_clicked() {
-    controls_->run(wc::ScopeGlobal);
-}
-
-void Widget_Teardrops::on_m_pScreenOnlyPB_clicked() {
-    controls_->run(wc::ScopeScreen);
-}
-
-void Widget_Teardrops::on_m_pInsideProfilePB_clicked() {
-    controls_->run(wc::ScopeProfile);
-}
-
-void Widget_Teardrops::on_m_pViewResultPB_clicked() {
-    controls_->view();
-}
-
-void Widget_Teardrops::on_m_pClosePB_clicked() {
-    controls_->close();
-}
+WC_FORWARD_SLOT(Widget_Teardrops, on_m_pRangesPB_clicked, controls_->openRanges())
+WC_FORWARD_SLOT(Widget_Teardrops, on_m_pRunGlobalPB_clicked, controls_->run(wc::ScopeGlobal))
+WC_FORWARD_SLOT(Widget_Teardrops, on_m_pScreenOnlyPB_clicked, controls_->run(wc::ScopeScreen))
+WC_FORWARD_SLOT(Widget_Teardrops, on_m_pInsideProfilePB_clicked, controls_->run(wc::ScopeProfile))
+WC_FORWARD_SLOT(Widget_Teardrops, on_m_pViewResultPB_clicked, controls_->view())
+WC_FORWARD_SLOT(Widget_Teardrops, on_m_pClosePB_clicked, controls_->close())
 
 // ---- the run --------------------------------------------------------------------------------
 

@@ -8,6 +8,7 @@
 #include "BackgroundRun.h"
 #include "Korvo_UIAPI.h"
 #include "ParameterSetStore.h"
+#include "RecordedCalls.h"
 
 namespace wc {
 
@@ -62,6 +63,20 @@ QStringList DialogShell::erfNames() const {
 
 bool DialogShell::busy() const {
     return BackgroundRun::activeFor(dialog_);
+}
+
+QStringList DialogShell::layerNames(
+    const std::function<bool(const Korvo::API::layer_info&)>& keep) const {
+    std::vector<std::string> steps;
+    std::vector<Korvo::API::layer_info> layers;
+    recordedGetGraphics(job_.toStdString(), steps, layers);
+    QStringList names;
+    for (const Korvo::API::layer_info& layer : layers) {
+        if (!keep || keep(layer)) {
+            names.append(QString::fromStdString(layer.name));
+        }
+    }
+    return names;
 }
 
 std::vector<std::string> DialogShell::runLayers(QStringList* missing) const {

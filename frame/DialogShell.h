@@ -13,9 +13,11 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "Korvo_API.h"
 #include "frame/ParameterSetActions.h"
 #include "frame/RunControls.h"
 #include "frame/WidgetCommonExport.h"
@@ -56,6 +58,10 @@ public:
 
     // True while this dialog's own run or save is under way: a second one is refused.
     bool busy() const;
+
+    // The names of the job's layers that `keep` admits (all when it is empty), in matrix order.
+    QStringList layerNames(
+        const std::function<bool(const Korvo::API::layer_info&)>& keep = {}) const;
 
     // The layers of the "Layer:" field; names the job lacks are logged and given in `missing`.
     std::vector<std::string> runLayers(QStringList* missing = nullptr) const;

@@ -184,3 +184,10 @@ private:
 };
 
 }  // namespace wc
+
+// A public slot the host knows by name, defined as a one-line forward to what does the work:
+//     WC_FORWARD_SLOT(Widget_Teardrops, on_m_pRunGlobalPB_clicked, controls_->run(wc::ScopeGlobal))
+#define WC_FORWARD_SLOT(Dialog, slot, call) \
+    void Dialog::slot() {                   \
+        call;                               \
+    }
