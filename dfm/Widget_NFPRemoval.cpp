@@ -96,15 +96,14 @@ NfpSeverity worstSeverity(const Korvo::API::NFP_removal_result_map& result) {
 }  // namespace wc
 
 Widget_NFPRemoval::Widget_NFPRemoval(const QString& job, const QString& step, QWidget* parent)
-    : QWidget(parent, Qt::Window), result_(std::make_shared<const NFP_removal_result_map>()) {
-    setWindowFlags(Qt::WindowFlags(0x8001003));
-    wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
-    // Pads on the outer layers carry components; non-functional pads are an inner-layer matter.
-    options.layer_text = QStringLiteral(".type=signal|mixed&side=inner&context=board");
-    shell_ = new wc::DialogShell(this, parent, job, step, wc::spacedLabels(options));
-    controls_ = &shell_->controls();
-    windows_ = std::make_unique<wc::ResultWindows>(*shell_);
+    : QWidget(parent, Qt::Window),
+      shell_(new wc::DialogShell(
+          this, parent, job, step,
+          wc::spacedLabels(wc::runOptions(
+              kRangeKey, QStringLiteral(".type=signal|mixed&side=inner&context=board"))))),
+      controls_(&shell_->controls()),
+      windows_(std::make_unique<wc::ResultWindows>(*shell_)),
+      result_(std::make_shared<const NFP_removal_result_map>()) {
     initNFPRemoval();
 }
 
@@ -114,6 +113,8 @@ Widget_ResultsViewer* Widget_NFPRemoval::resultsViewer() const {
     return windows_->viewer();
 }
 
+// Pads on the outer layers carry components; non-functional pads are an inner-layer matter:
+// the default layer filter names the inner signal and mixed layers.
 void Widget_NFPRemoval::initNFPRemoval() {
     // The default filter is long; it should be readable whole.
     controls_->layerEdit()->setMinimumWidth(320);
@@ -254,14 +255,7 @@ void Widget_NFPRemoval::run(int scope) {
                             Korvo::COMMON::progress_value<void>* progress) {
             return Korvo::API::NFP_removal_DFM_op(job, step, run_layers, params, out, progress);
         });
-    if (outcome.dialog_gone) {
-        return;  // nothing of this dialog may be touched any more
-    }
-    if (!outcome.engine_ok) {
-        LOG(ERROR) << "NFP_removal_DFM_op failed on " << layers.size() << " layers";
-    }
-    // Only a run that reached its completion (also after a stop) has a result to show.
-    if (controls_->viewState() != wc::RunControls::ViewState::Fresh) {
+    if (!outcome.resultToShow("NFP_removal_DFM_op")) {
         return;
     }
     result_ = std::make_shared<const NFP_removal_result_map>(std::move(fresh));

@@ -118,14 +118,12 @@ const std::vector<std::pair<const char*, bool>> kModifications = {
 
 Widget_SignalLayerOpt::Widget_SignalLayerOpt(const QString& job, const QString& step,
                                              QWidget* parent)
-    : QWidget(parent, Qt::Window) {
-    setWindowFlags(Qt::WindowFlags(0x8001003));
-    wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
-    options.layer_text = QStringLiteral(".type=signal&context=board");
-    shell_ = new wc::DialogShell(this, parent, job, step, options);
-    controls_ = &shell_->controls();
-    windows_ = std::make_unique<wc::ResultWindows>(*shell_);
+    : QWidget(parent, Qt::Window),
+      shell_(new wc::DialogShell(
+          this, parent, job, step,
+          wc::runOptions(kRangeKey, QStringLiteral(".type=signal&context=board")))),
+      controls_(&shell_->controls()),
+      windows_(std::make_unique<wc::ResultWindows>(*shell_)) {
     initSignalLayerOpt();
     initRanges();
 }

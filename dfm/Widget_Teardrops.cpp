@@ -117,14 +117,13 @@ QString teardropRangeProblem(const void* handle, const QString& text, double lim
 }  // namespace wc
 
 Widget_Teardrops::Widget_Teardrops(const QString& job, const QString& step, QWidget* parent)
-    : QWidget(parent, Qt::Window), result_(std::make_shared<const teardrop_result_map>()) {
-    setWindowFlags(Qt::WindowFlags(0x8001003));
-    wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
-    options.layer_text = QStringLiteral(".type=signal&context=board");
-    shell_ = new wc::DialogShell(this, parent, job, step, wc::spacedLabels(options));
-    controls_ = &shell_->controls();
-    windows_ = std::make_unique<wc::ResultWindows>(*shell_);
+    : QWidget(parent, Qt::Window),
+      shell_(new wc::DialogShell(this, parent, job, step,
+                                 wc::spacedLabels(wc::runOptions(
+                                     kRangeKey, QStringLiteral(".type=signal&context=board"))))),
+      controls_(&shell_->controls()),
+      windows_(std::make_unique<wc::ResultWindows>(*shell_)),
+      result_(std::make_shared<const teardrop_result_map>()) {
     initTeardrops();
 }
 
@@ -331,14 +330,7 @@ void Widget_Teardrops::RunonRanges(int scope) {
                             Korvo::COMMON::progress_value<void>* progress) {
             return Korvo::API::teardrop_create_DFM_op(job, step, run_layers, params, out, progress);
         });
-    if (outcome.dialog_gone) {
-        return;  // nothing of this dialog may be touched any more
-    }
-    if (!outcome.engine_ok) {
-        LOG(ERROR) << "teardrop_create_DFM_op failed on " << layers.size() << " layers";
-    }
-    // Only a run that reached its completion (also after a stop) has a result to show.
-    if (controls_->viewState() != wc::RunControls::ViewState::Fresh) {
+    if (!outcome.resultToShow("teardrop_create_DFM_op")) {
         return;
     }
     result_ = std::make_shared<const teardrop_result_map>(std::move(fresh));

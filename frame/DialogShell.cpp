@@ -21,6 +21,8 @@ DialogShell::DialogShell(QWidget* dialog, const void* handle, QString job, QStri
       step_(std::move(step)),
       controls_(new RunControls(dialog, std::move(options))) {
     setObjectName(QStringLiteral("dialogShell"));
+    // A tool window of the host with a title bar, a system menu and a close button.
+    dialog->setWindowFlags(Qt::WindowFlags(0x8001003));
     controls_->setJob(job_);
 }
 

@@ -30,7 +30,7 @@ class WIDGET_COMMON_EXPORT DialogShell : public QObject {
     Q_OBJECT
 public:
     // `handle` is the host window the dialog was opened from: the unit, the layers and the
-    // graphic view belong to it.
+    // graphic view belong to it. The dialog becomes a tool window of the host.
     DialogShell(QWidget* dialog, const void* handle, QString job, QString step,
                 RunControlsOptions options);
 

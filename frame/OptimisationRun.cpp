@@ -48,6 +48,16 @@ BackgroundRunOptions OptimisationRunner::options(int line) {
     return options;
 }
 
+bool OptimisationOutcome::resultToShow(const char* operation) const {
+    if (dialog_gone) {
+        return false;  // nothing of the dialog may be touched any more
+    }
+    if (!engine_ok) {
+        LOG(ERROR) << operation << " failed on " << layer_count << " layers";
+    }
+    return completed;
+}
+
 void OptimisationRunner::onStop() {
     if (dialogGone()) {
         return;

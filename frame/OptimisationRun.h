@@ -43,6 +43,11 @@ struct OptimisationOutcome {
     bool engine_ok = false;    // what the engine call returned
     bool completed = false;    // the worker returned and the run's end was shown
     int layer_count = 0;       // the number of layers the run was given
+
+    // Whether the dialog may take and show what the engine produced: it is still there and the
+    // run reached its completion (also after a stop). An engine call that failed is logged
+    // under `operation` first.
+    bool resultToShow(const char* operation) const;
 };
 
 // The pieces of the run that do not depend on the result type.

@@ -51,6 +51,13 @@ QPushButton* pictureButton(QWidget* dialog, const char* picture, const QString& 
 
 }  // namespace
 
+RunControlsOptions runOptions(const QString& range_key, const QString& layer_text) {
+    RunControlsOptions options;
+    options.range_key = range_key;
+    options.layer_text = layer_text;
+    return options;
+}
+
 RunControlsOptions spacedLabels(RunControlsOptions options) {
     options.layer_label = QT_TRANSLATE_NOOP("Shared", "Layer: ");
     options.erf_label = QT_TRANSLATE_NOOP("Shared", "ERF: ");

@@ -61,6 +61,9 @@ struct RunControlsOptions {
     const char* view_tip = QT_TRANSLATE_NOOP("Shared", "View results");
 };
 
+// The options of a dialog's kind: its range key and its default layer filter.
+RunControlsOptions runOptions(const QString& range_key, const QString& layer_text);
+
 // The button texts of the optimisation dialogs other than the signal layer one.
 RunControlsOptions spacedLabels(RunControlsOptions options);
 
