@@ -193,9 +193,7 @@ void Widget_SignalLayerChecks::wireUp() {
     callbacks.view = [this] { showResultsViewer(true); };
     callbacks.ranges = [this] { windows_->openRanges(this, "Signal Layer Check"); };
     callbacks.save_as = [this] { askTemplateName(); };
-    callbacks.file = __FILE__;
-    callbacks.line = __LINE__;
-    controls_->connectTo(callbacks);
+    controls_->connectTo(callbacks, __FILE__, __LINE__);
     connect(controls_, &wc::RunControls::erfChosen, this, &Widget_SignalLayerChecks::get_ERF_text);
     connect(save_db_, &QPushButton::clicked, this, &Widget_SignalLayerChecks::on_SaveToDb_clicked);
     connect(load_db_, &QPushButton::clicked, this,

@@ -179,10 +179,7 @@ void Widget_NFPRemoval::wireUp() {
     callbacks.run = [this](int scope) { run(scope); };
     callbacks.view = [this] { showResultsViewer(true); };
     callbacks.ranges = [this] { windows_->openRanges(this, kTitle); };
-    callbacks.save_as = [this] { shell_->sets()->askName(); };
-    callbacks.file = __FILE__;
-    callbacks.line = __LINE__;
-    controls_->connectTo(callbacks);
+    controls_->connectTo(callbacks, __FILE__, __LINE__);
     connect(&shell_->useParameterSets([this] { return parameterWidgets(); }),
             &wc::ParameterSetActions::saved, this, &Widget_NFPRemoval::send_Sel_Template_Name);
     // Any change of a parameter makes the shown result stale.
@@ -216,15 +213,11 @@ QStringList Widget_NFPRemoval::getInnerLayers() const {
 
 // ---- the buttons ----------------------------------------------------------------------------
 
-void Widget_NFPRemoval::on_ERF_clicked() {
-    WC_GUARDED({ controls_->showErfPopup(); });
-}
+WC_FORWARD_SLOT(Widget_NFPRemoval, on_ERF_clicked, controls_->openErfPopup())
 
 WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pSaveAsPB_clicked, controls_->saveAs())
 
-void Widget_NFPRemoval::on_m_pLayerPB_clicked() {
-    WC_GUARDED({ controls_->showLayerPopup(); });
-}
+WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pLayerPB_clicked, controls_->openLayerPopup())
 
 WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pRangesPB_clicked, controls_->openRanges())
 WC_FORWARD_SLOT(Widget_NFPRemoval, on_m_pRunGlobalPB_clicked, controls_->run(wc::ScopeGlobal))

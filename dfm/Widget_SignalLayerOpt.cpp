@@ -200,10 +200,7 @@ void Widget_SignalLayerOpt::wireUp() {
     callbacks.run = [this](int scope) { SignalLayerDFM(scope); };
     callbacks.view = [this] { showResultsViewer(true); };
     callbacks.ranges = [this] { windows_->openRanges(this, "Signal Layer Optimization"); };
-    callbacks.save_as = [this] { shell_->sets()->askName(); };
-    callbacks.file = __FILE__;
-    callbacks.line = __LINE__;
-    controls_->connectTo(callbacks);
+    controls_->connectTo(callbacks, __FILE__, __LINE__);
     // The layer popup lists every layer of the job; "ERF:" goes through the dialog's slot too.
     controls_->layerButton()->disconnect(controls_);
     controls_->erfButton()->disconnect(controls_);
@@ -290,9 +287,7 @@ void Widget_SignalLayerOpt::get_Layer_TEXT(QString text) {
     WC_GUARDED({ controls_->layerEdit()->setText(text); });
 }
 
-void Widget_SignalLayerOpt::on_ERF_clicked() {
-    WC_GUARDED({ controls_->showErfPopup(); });
-}
+WC_FORWARD_SLOT(Widget_SignalLayerOpt, on_ERF_clicked, controls_->openErfPopup())
 
 void Widget_SignalLayerOpt::get_ERF_Name(QString name) {
     WC_GUARDED({ setErfValues(name); });

@@ -205,10 +205,7 @@ void Widget_SolderMaskOpt::wireUp() {
     callbacks.run = [this](int scope) { solderMaskOpt(scope); };
     callbacks.view = [this] { showViewer(true); };
     callbacks.ranges = [this] { windows_->openRanges(this, kTitle); };
-    callbacks.save_as = [this] { shell_->sets()->askName(); };
-    callbacks.file = __FILE__;
-    callbacks.line = __LINE__;
-    controls_->connectTo(callbacks);
+    controls_->connectTo(callbacks, __FILE__, __LINE__);
     wc::ParameterSetActions& sets = shell_->useParameterSets([this] { return parameterWidgets(); });
     connect(&sets, &wc::ParameterSetActions::saved, this,
             &Widget_SolderMaskOpt::send_Sel_Template_Name);

@@ -241,10 +241,7 @@ void Widget_Teardrops::wireUp() {
     callbacks.run = [this](int scope) { RunonRanges(scope); };
     callbacks.view = [this] { showResultsViewer(true); };
     callbacks.ranges = [this] { windows_->openRanges(this, kTitle); };
-    callbacks.save_as = [this] { shell_->sets()->askName(); };
-    callbacks.file = __FILE__;
-    callbacks.line = __LINE__;
-    controls_->connectTo(callbacks);
+    controls_->connectTo(callbacks, __FILE__, __LINE__);
     wc::ParameterSetActions& sets = shell_->useParameterSets([this] { return parameterWidgets(); });
     connect(&sets, &wc::ParameterSetActions::saved, this,
             &Widget_Teardrops::send_Sel_Template_Name);
@@ -286,15 +283,11 @@ QStringList Widget_Teardrops::getDefaultLayerList() const {
 
 // ---- the buttons ----------------------------------------------------------------------------
 
-void Widget_Teardrops::on_ERF_clicked() {
-    WC_GUARDED({ controls_->showErfPopup(); });
-}
+WC_FORWARD_SLOT(Widget_Teardrops, on_ERF_clicked, controls_->openErfPopup())
 
 WC_FORWARD_SLOT(Widget_Teardrops, on_m_pSaveAsPB_clicked, controls_->saveAs())
 
-void Widget_Teardrops::on_m_pLayerPB_clicked() {
-    WC_GUARDED({ controls_->showLayerPopup(); });
-}
+WC_FORWARD_SLOT(Widget_Teardrops, on_m_pLayerPB_clicked, controls_->openLayerPopup())
 
 WC_FORWARD_SLOT(Widget_Teardrops, on_m_pRangesPB_clicked, controls_->openRanges())
 WC_FORWARD_SLOT(Widget_Teardrops, on_m_pRunGlobalPB_clicked, controls_->run(wc::ScopeGlobal))

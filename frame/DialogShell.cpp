@@ -30,6 +30,7 @@ ParameterSetActions& DialogShell::useParameterSets(ParameterSetActions::WidgetLi
     if (sets_ == nullptr) {
         sets_ = new ParameterSetActions(dialog_, controls_, controls_->options().range_key,
                                         std::move(widgets));
+        controls_->setDefaultSaveAs([sets = sets_] { sets->askName(); });
     }
     return *sets_;
 }

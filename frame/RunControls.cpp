@@ -143,12 +143,14 @@ RunControls::RunControls(QWidget* dialog, RunControlsOptions options)
     close_button_->setObjectName(QStringLiteral("pushButton_Close"));
     setSourceText(dialog, close_button_, QT_TRANSLATE_NOOP("Shared", "Close"));
 
-    connect(layer_button_, &QPushButton::clicked, this, &RunControls::showLayerPopup);
-    connect(erf_button_, &QPushButton::clicked, this, &RunControls::showErfPopup);
+    connect(layer_button_, &QPushButton::clicked, this, &RunControls::openLayerPopup);
+    connect(erf_button_, &QPushButton::clicked, this, &RunControls::openErfPopup);
 }
 
-void RunControls::connectTo(Callbacks callbacks) {
+void RunControls::connectTo(Callbacks callbacks, const char* file, int line) {
     callbacks_ = std::move(callbacks);
+    file_ = file;
+    line_ = line;
     if (!callbacks_.close) {
         callbacks_.close = [dialog = dialog_] { dialog->close(); };
     }
@@ -166,16 +168,15 @@ void RunControls::connectTo(Callbacks callbacks) {
     };
     wire(view_button_, callbacks_.view, &RunControls::view);
     wire(ranges_button_, callbacks_.ranges, &RunControls::openRanges);
-    wire(save_as_button_, callbacks_.save_as, &RunControls::saveAs);
+    connect(save_as_button_, &QPushButton::clicked, this, &RunControls::saveAs);
     wire(close_button_, callbacks_.close, &RunControls::close);
 }
 
 namespace {
 
-void call(QWidget* dialog, const RunControls::Callbacks& callbacks,
-          const std::function<void()>& callback) {
+void call(QWidget* dialog, const char* file, int line, const std::function<void()>& callback) {
     if (callback) {
-        guarded(dialog, callbacks.file, callbacks.line, callback);
+        guarded(dialog, file, line, callback);
     }
 }
 
@@ -186,26 +187,34 @@ void RunControls::run(int scope) {
     if (!callbacks_.run || BackgroundRun::activeFor(dialog_)) {
         return;
     }
-    guarded(dialog_, callbacks_.file, callbacks_.line, [&] {
+    guarded(dialog_, file_, line_, [&] {
         pressRun(scope);
         callbacks_.run(scope);
     });
 }
 
 void RunControls::view() {
-    call(dialog_, callbacks_, callbacks_.view);
+    call(dialog_, file_, line_, callbacks_.view);
 }
 
 void RunControls::openRanges() {
-    call(dialog_, callbacks_, callbacks_.ranges);
+    call(dialog_, file_, line_, callbacks_.ranges);
 }
 
 void RunControls::saveAs() {
-    call(dialog_, callbacks_, callbacks_.save_as);
+    call(dialog_, file_, line_, callbacks_.save_as ? callbacks_.save_as : default_save_as_);
 }
 
 void RunControls::close() {
-    call(dialog_, callbacks_, callbacks_.close);
+    call(dialog_, file_, line_, callbacks_.close);
+}
+
+void RunControls::openLayerPopup() {
+    call(dialog_, file_, line_, [this] { showLayerPopup(); });
+}
+
+void RunControls::openErfPopup() {
+    call(dialog_, file_, line_, [this] { showErfPopup(); });
 }
 
 void RunControls::markStaleOnChange(const QList<QObject*>& widgets) {

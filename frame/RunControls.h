@@ -92,25 +92,29 @@ public:
     QPushButton* closeButton() const { return close_button_; }
 
     // What the dialog does behind its buttons. A run gets the scope of its button, after the
-    // re-entrance check and the pressed style; a missing callback leaves its button unconnected
-    // (close defaults to closing the dialog). Every call runs guarded, logged under `file`.
+    // re-entrance check and the pressed style; a missing callback leaves its button doing
+    // nothing (close defaults to closing the dialog, "Save as" to the parameter sets the
+    // dialog's shell keeps). Every call runs guarded; an exception is logged under the
+    // dialog's `file` and `line`.
     struct Callbacks {
         std::function<void(int scope)> run;
         std::function<void()> view;
         std::function<void()> ranges;
         std::function<void()> save_as;
         std::function<void()> close;
-        // Where an exception is logged: the dialog's __FILE__ and __LINE__.
-        const char* file = "";
-        int line = 0;
     };
-    void connectTo(Callbacks callbacks);
+    void connectTo(Callbacks callbacks, const char* file, int line);
+    // "Save as" when the dialog names no callback of its own.
+    void setDefaultSaveAs(std::function<void()> save_as) { default_save_as_ = std::move(save_as); }
     // What a click does; the dialogs' public slots forward here.
     void run(int scope);
     void view();
     void openRanges();
     void saveAs();
     void close();
+    // The two popups, guarded like the buttons (the host calls them by the dialogs' names).
+    void openLayerPopup();
+    void openErfPopup();
     // Any change of these widgets (line edits, check boxes, combo boxes, button groups) marks
     // the shown result as stale.
     void markStaleOnChange(const QList<QObject*>& widgets);
@@ -182,6 +186,9 @@ private:
     QLabel* status_label_ = nullptr;
     QPushButton* close_button_ = nullptr;
     Callbacks callbacks_;
+    std::function<void()> default_save_as_;
+    const char* file_ = "";
+    int line_ = 0;
     ListPopup* layer_popup_ = nullptr;
     ListPopup* erf_popup_ = nullptr;
 };
