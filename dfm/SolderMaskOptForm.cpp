@@ -106,29 +106,20 @@ struct ChoiceSpec {
     const char* second;
 };
 
+const char* const kYes = QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes");
+const char* const kNo = QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No");
+
 // Every choice starts on its first answer.
 const ChoiceSpec kChoices[] = {
-    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Use Existing Mask"), "UseExistingMask",
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
-    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Is Round"), "IsRound",
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Use Existing Mask"), "UseExistingMask", kYes, kNo},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Is Round"), "IsRound", kYes, kNo},
     {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Apply to"), "ApplyTo",
      QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "All"),
      QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Selected")},
-    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Fan Shave:"), "FanShave",
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
-    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "PTH:"), "PTH",
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
-    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Do Resize"), "DoResize",
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
-    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Use Shaves"), "UseShaves",
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Yes"),
-     QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "No")},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Fan Shave:"), "FanShave", kYes, kNo},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "PTH:"), "PTH", kYes, kNo},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Do Resize"), "DoResize", kYes, kNo},
+    {QT_TRANSLATE_NOOP("Widget_SolderMaskOpt", "Use Shaves"), "UseShaves", kYes, kNo},
 };
 
 // Label, edit and unit of each of `rows` on lines of their own from the grid's top.
