@@ -12,18 +12,13 @@
 
 #include "Korvo_DFM_types.h"
 #include "dfm/SolderMaskOptChecks.h"
-#include "frame/FieldTable.h"
+#include "dfm/SolderMaskOptForm.h"
 #include "frame/WidgetCommonExport.h"
 
-class QButtonGroup;
-class QCheckBox;
-class QGroupBox;
 class QLabel;
-class QTabWidget;
 
 namespace wc {
 class DialogShell;
-class RangeTableBox;
 class ResultWindows;
 class RunControls;
 }  // namespace wc
@@ -89,8 +84,6 @@ protected:
 private:
     void initSolderMaskOpt();
     void wireUp();
-    QWidget* makeMainPage();
-    QWidget* makeAdvancedPage();
 
     void solderMaskOpt(int scope);
     bool Judge_Lineedit_Legality();
@@ -109,13 +102,7 @@ private:
     std::shared_ptr<const Result> result_;
     bool has_results_ = false;
 
-    std::unique_ptr<wc::FieldTable<Korvo::API::solder_mask_DFM_params>> fields_;
-    QTabWidget* pages_ = nullptr;
-    QCheckBox* advance_ = nullptr;
-    QGroupBox* advanced_group_ = nullptr;
-    QList<QButtonGroup*> choices_;
-    wc::RangeTableBox* smd_ = nullptr;
-    wc::RangeTableBox* gas_ = nullptr;
+    wc::SolderMaskOptForm form_;
     QLabel* summary_ = nullptr;
     QLabel* changes_ = nullptr;
 };

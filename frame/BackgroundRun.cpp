@@ -119,6 +119,39 @@ WorkerEnd runGuarded(const std::function<void()>& work, const char* file, int li
     return end;
 }
 
+// Runs `work` on a task of its own that wakes the GUI thread's event dispatcher when it ends.
+std::future<WorkerEnd> startWorker(std::function<void()> work, const std::string& file, int line,
+                                   const std::shared_ptr<WakeOnEnd>& wake) {
+    wake->dispatcher = QAbstractEventDispatcher::instance();
+    return std::async(std::launch::async, [work = std::move(work), file, line, wake] {
+        WorkerEnd end = runGuarded(work, file.c_str(), line);
+        wake->ended = true;
+        std::lock_guard<std::mutex> guard(wake->lock);
+        if (wake->dispatcher != nullptr) {
+            wake->dispatcher->wakeUp();
+        }
+        return end;
+    });
+}
+
+// Once the GUI thread stops waiting: the worker's end into `outcome`, or a worker still running
+// handed to the orphanage.
+void collectWorker(std::future<WorkerEnd> future, WakeOnEnd& wake, RunOutcome& outcome) {
+    {
+        std::lock_guard<std::mutex> guard(wake.lock);
+        wake.dispatcher = nullptr;
+    }
+    if (!isReady(future)) {
+        outcome.worker_returned = false;
+        Orphanage::instance().adopt(std::move(future));
+        LOG(INFO) << "Left a stopped worker running";
+        return;
+    }
+    const WorkerEnd end = future.get();
+    outcome.worker_threw = end.threw;
+    outcome.error = end.error;
+}
+
 }  // namespace
 
 namespace {
@@ -206,15 +239,51 @@ void BackgroundRun::noteStop(bool call_back) {
     }
 }
 
+bool BackgroundRun::stoppedBeforeStart(RunOutcome& outcome) {
+    if (!stop_seen_ && !ownerDestroyed() && (window_.isNull() || !window_->isDialogStop())) {
+        return false;
+    }
+    // The user stopped between two steps: nothing more is started.
+    outcome.end = RunEnd::Stopped;
+    outcome.owner_destroyed = ownerDestroyed();
+    if (!stop_seen_) {
+        noteStop(!outcome.owner_destroyed);
+    }
+    return true;
+}
+
+bool BackgroundRun::leaveOnStop(const BlockAccess& access, RunOutcome& outcome) {
+    if (ownerDestroyed()) {
+        // The dialog is gone: no callback may run any more, whatever the stop behaviour.
+        if (!stop_seen_) {
+            access.request_stop();
+            noteStop(false);
+        }
+        outcome.end = RunEnd::Stopped;
+        outcome.owner_destroyed = true;
+        return true;
+    }
+    // A window deleted by someone else counts as a stop: nobody can ask it any more.
+    if (!stop_seen_ && (window_.isNull() || window_->isDialogStop())) {
+        access.request_stop();
+        outcome.end = RunEnd::Stopped;
+        noteStop(true);
+        return options_.stop == StopBehaviour::LeaveAtOnce;
+    }
+    return false;
+}
+
+void BackgroundRun::poll(const BlockAccess& access, RunOutcome& outcome) {
+    ++outcome.polls;
+    const double value = access.get_value();
+    if (options_.on_poll) {
+        options_.on_poll(value);
+    }
+}
+
 RunOutcome BackgroundRun::runWorker(BlockAccess access, std::function<void()> work) {
     RunOutcome outcome;
-    if (stop_seen_ || ownerDestroyed() || (!window_.isNull() && window_->isDialogStop())) {
-        // The user stopped between two steps: nothing more is started.
-        outcome.end = RunEnd::Stopped;
-        outcome.owner_destroyed = ownerDestroyed();
-        if (!stop_seen_) {
-            noteStop(!outcome.owner_destroyed);
-        }
+    if (stoppedBeforeStart(outcome)) {
         return outcome;
     }
     openWindow();
@@ -223,17 +292,7 @@ RunOutcome BackgroundRun::runWorker(BlockAccess access, std::function<void()> wo
     const std::string file = options_.source_file != nullptr ? options_.source_file : __FILE__;
     const int line = options_.source_file != nullptr ? options_.source_line : __LINE__;
     auto wake = std::make_shared<WakeOnEnd>();
-    wake->dispatcher = QAbstractEventDispatcher::instance();
-    std::future<WorkerEnd> future =
-        std::async(std::launch::async, [work = std::move(work), file, line, wake] {
-            WorkerEnd end = runGuarded(work, file.c_str(), line);
-            wake->ended = true;
-            std::lock_guard<std::mutex> guard(wake->lock);
-            if (wake->dispatcher != nullptr) {
-                wake->dispatcher->wakeUp();
-            }
-            return end;
-        });
+    std::future<WorkerEnd> future = startWorker(std::move(work), file, line, wake);
 
     const std::chrono::milliseconds period(std::max(1, options_.poll_ms));
     // The GUI thread sleeps in the event dispatcher, so timers, input and repaints are served as
@@ -249,50 +308,17 @@ RunOutcome BackgroundRun::runWorker(BlockAccess access, std::function<void()> wo
             break;
         }
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        if (ownerDestroyed()) {
-            // The dialog is gone: no callback may run any more, whatever the stop behaviour.
-            if (!stop_seen_) {
-                access.request_stop();
-                noteStop(false);
-            }
-            outcome.end = RunEnd::Stopped;
-            outcome.owner_destroyed = true;
+        if (leaveOnStop(access, outcome)) {
             break;
-        }
-        // A window deleted by someone else counts as a stop: nobody can ask it any more.
-        if (!stop_seen_ && (window_.isNull() || window_->isDialogStop())) {
-            access.request_stop();
-            outcome.end = RunEnd::Stopped;
-            noteStop(true);
-            if (options_.stop == StopBehaviour::LeaveAtOnce) {
-                break;
-            }
         }
         const Clock::time_point now = Clock::now();
         if (now >= next_poll && !ownerDestroyed()) {
             next_poll = now + period;
-            ++outcome.polls;
-            const double value = access.get_value();
-            if (options_.on_poll) {
-                options_.on_poll(value);
-            }
+            poll(access, outcome);
         }
     }
     heartbeat.stop();
-    {
-        std::lock_guard<std::mutex> guard(wake->lock);
-        wake->dispatcher = nullptr;
-    }
-    if (!isReady(future)) {
-        outcome.worker_returned = false;
-        Orphanage::instance().adopt(std::move(future));
-        LOG(INFO) << "Left a stopped worker running";
-        return outcome;
-    }
-
-    const WorkerEnd end = future.get();
-    outcome.worker_threw = end.threw;
-    outcome.error = end.error;
+    collectWorker(std::move(future), *wake, outcome);
     return outcome;
 }
 

@@ -140,6 +140,11 @@ private:
     };
 
     RunOutcome runWorker(BlockAccess access, std::function<void()> work);
+    // True, with the outcome of a stopped step, when a stop was seen before the worker started.
+    bool stoppedBeforeStart(RunOutcome& outcome);
+    // Looks at the owner and the window after the event loop woke: true when the run leaves now.
+    bool leaveOnStop(const BlockAccess& access, RunOutcome& outcome);
+    void poll(const BlockAccess& access, RunOutcome& outcome);
     void openWindow();
     bool ownerDestroyed() const;
     void noteStop(bool call_back);

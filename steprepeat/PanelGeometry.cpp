@@ -572,20 +572,11 @@ Outcome packToCentre(const Rows& rows, Axis axis, const PanelFrame& frame,
 
 // ---- space evenly -----------------------------------------------------------------------------
 
-Outcome arrange_selected_steps(const Rows& rows, Axis axis, const PanelFrame& frame) {
-    if (!knowsAllSteps(rows, frame.child_boxes)) {
-        return refused(rows, Refusal::UnknownStep);
-    }
-    Scene scene = sceneOf(rows, frame.child_boxes);
-    const bool h = axis == Axis::Horizontal;
-    const PackEdge along = h ? PackEdge::Left : PackEdge::Bottom;
-    const size_t n = scene.selected_boxes.size();
-    std::vector<Lane> lanes(n);
-    for (size_t k = 0; k < n; ++k) {
-        lanes[k] = toLane(scene.selected_boxes[k], along);
-    }
-    // Groups: chains of boxes overlapping across the axis.
-    std::vector<int> order(n);
+namespace {
+
+// Groups of boxes that overlap across the axis, chained, as indices into `lanes`.
+std::vector<std::vector<int>> crossAxisGroups(const std::vector<Lane>& lanes) {
+    std::vector<int> order(lanes.size());
     std::iota(order.begin(), order.end(), 0);
     std::sort(order.begin(), order.end(),
               [&](int a, int b) { return lanes[a].vlo < lanes[b].vlo; });
@@ -599,51 +590,75 @@ Outcome arrange_selected_steps(const Rows& rows, Axis axis, const PanelFrame& fr
         groups.back().push_back(k);
         reach = std::max(reach, lanes[k].vhi);
     }
+    return groups;
+}
+
+Tree unselectedTree(const Scene& scene) {
     std::vector<Entry> entries;
     entries.reserve(scene.other_boxes.size());
     for (size_t k = 0; k < scene.other_boxes.size(); ++k) {
         entries.emplace_back(toBBox(scene.other_boxes[k]), static_cast<int>(k));
     }
-    const Tree unselected(entries);
-    for (std::vector<int>& group : groups) {
+    return Tree(entries);
+}
+
+// The shift along the axis of each box of `group` (sorted by lower edge) that spaces it evenly;
+// empty when the group stays: no room beyond the boxes' extents, or a box would come to overlap
+// an unselected instance.
+std::vector<long long> evenShifts(const std::vector<int>& group, const std::vector<Lane>& lanes,
+                                  const Scene& scene, bool h, const Tree& unselected) {
+    double lowest = std::numeric_limits<double>::max();
+    double highest = std::numeric_limits<double>::lowest();
+    double extents = 0.0;
+    for (int k : group) {
+        lowest = std::min(lowest, lanes[k].ulo);
+        highest = std::max(highest, lanes[k].uhi);
+        extents += lanes[k].uhi - lanes[k].ulo;
+    }
+    const double span = highest - lowest;
+    if (!(span > extents)) {
+        return {};
+    }
+    const long long gap = truncated((span - extents) / double(group.size() - 1));
+    std::vector<long long> shifts(group.size(), 0);
+    double previous_high = lanes[group.front()].uhi;
+    for (size_t g = 1; g < group.size(); ++g) {
+        const Lane& l = lanes[group[g]];
+        shifts[g] = static_cast<long long>(std::ceil(previous_high + gap - l.ulo));
+        previous_high = l.uhi + shifts[g];
+        reply_box moved = scene.selected_boxes[group[g]];
+        (h ? moved.xmin : moved.ymin) += shifts[g];
+        (h ? moved.xmax : moved.ymax) += shifts[g];
+        if (shifts[g] != 0 &&
+            unselected.qbegin(bgi::intersects(shrunk(moved))) != unselected.qend()) {
+            return {};
+        }
+    }
+    return shifts;
+}
+
+}  // namespace
+
+Outcome arrange_selected_steps(const Rows& rows, Axis axis, const PanelFrame& frame) {
+    if (!knowsAllSteps(rows, frame.child_boxes)) {
+        return refused(rows, Refusal::UnknownStep);
+    }
+    Scene scene = sceneOf(rows, frame.child_boxes);
+    const bool h = axis == Axis::Horizontal;
+    const PackEdge along = h ? PackEdge::Left : PackEdge::Bottom;
+    std::vector<Lane> lanes(scene.selected_boxes.size());
+    for (size_t k = 0; k < lanes.size(); ++k) {
+        lanes[k] = toLane(scene.selected_boxes[k], along);
+    }
+    const Tree unselected = unselectedTree(scene);
+    for (std::vector<int>& group : crossAxisGroups(lanes)) {
         if (group.size() < 2) {
             continue;
         }
         std::sort(group.begin(), group.end(),
                   [&](int a, int b) { return lanes[a].ulo < lanes[b].ulo; });
-        double lowest = std::numeric_limits<double>::max();
-        double highest = std::numeric_limits<double>::lowest();
-        double extents = 0.0;
-        for (int k : group) {
-            lowest = std::min(lowest, lanes[k].ulo);
-            highest = std::max(highest, lanes[k].uhi);
-            extents += lanes[k].uhi - lanes[k].ulo;
-        }
-        const double span = highest - lowest;
-        if (!(span > extents)) {
-            continue;
-        }
-        const long long gap = truncated((span - extents) / double(group.size() - 1));
-        std::vector<long long> shifts(group.size(), 0);
-        double previous_high = lanes[group.front()].uhi;
-        bool blocked = false;
-        for (size_t g = 1; g < group.size(); ++g) {
-            const Lane& l = lanes[group[g]];
-            shifts[g] = static_cast<long long>(std::ceil(previous_high + gap - l.ulo));
-            previous_high = l.uhi + shifts[g];
-            reply_box moved = scene.selected_boxes[group[g]];
-            (h ? moved.xmin : moved.ymin) += shifts[g];
-            (h ? moved.xmax : moved.ymax) += shifts[g];
-            if (shifts[g] != 0 &&
-                unselected.qbegin(bgi::intersects(shrunk(moved))) != unselected.qend()) {
-                blocked = true;
-                break;
-            }
-        }
-        if (blocked) {
-            continue;
-        }
-        for (size_t g = 1; g < group.size(); ++g) {
+        const std::vector<long long> shifts = evenShifts(group, lanes, scene, h, unselected);
+        for (size_t g = 1; g < shifts.size(); ++g) {
             step_repeat_op& row = scene.expansion.rows[scene.expansion.selected[group[g]]];
             if (h) {
                 row.x = clampInt(double(row.x) + shifts[g]);

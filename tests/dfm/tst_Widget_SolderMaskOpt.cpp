@@ -3,12 +3,14 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabWidget>
 #include <QTableWidget>
 #include <QtTest>
 
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "DfmDialogKit.h"
+#include "MarkingTranslator.h"
 #include "UnitScope.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "dfm/SolderMaskOptChecks.h"
@@ -332,6 +334,24 @@ private slots:
         QCOMPARE(field(dialog, "CutSurplusClearance")->text(), "0.0127");
         QCOMPARE(dialog.gasRows(), (wc::RangeRows{{"0.2032", ""}}));
         QCOMPARE(labelText(dialog, "label_BridgeSizeUnit"), "mm");
+    }
+
+    // The form's texts follow the language in the dialog's own translation context.
+    void changeLanguage_data() {
+        wctest::columns<QString, QString>("name", "text");
+        row("choice", "label_ApplyTo", "[Apply to]");
+        row("answer", "radioButton_IsRound_Yes", "[Yes]");
+        row("page header", "label_OptHeader", "[Opt :]");
+        row("advance", "checkBox_Advance", "[Advance]");
+    }
+    void changeLanguage() {
+        QFETCH(QString, name);
+        QFETCH(QString, text);
+        Widget_SolderMaskOpt dialog(kJob, "pcb", scene_.host());
+        wctest::MarkingTranslator marking("Widget_SolderMaskOpt");
+        dialog.change_language();
+        QCOMPARE(child<QObject>(dialog, name)->property("text").toString(), text);
+        QCOMPARE(child<QTabWidget>(dialog, "tabWidget_Pages")->tabText(1), "[Advanced]");
     }
 
 private:
