@@ -39,14 +39,14 @@ const char* const kTerminated =
 }  // namespace
 
 Widget_SolderMaskOpt::Widget_SolderMaskOpt(const QString& job, const QString& step, QWidget* parent)
-    : QWidget(parent, Qt::Window), result_(std::make_shared<const Result>()) {
-    setWindowFlags(Qt::WindowFlags(0x8001003));
-    wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
-    options.layer_text = QStringLiteral(".type=solder_mask&context=board");
-    shell_ = new wc::DialogShell(this, parent, job, step, wc::spacedLabels(options));
-    controls_ = &shell_->controls();
-    windows_ = std::make_unique<wc::ResultWindows>(*shell_);
+    : QWidget(parent, Qt::Window),
+      shell_(
+          new wc::DialogShell(this, parent, job, step,
+                              wc::spacedLabels(wc::runOptions(
+                                  kRangeKey, QStringLiteral(".type=solder_mask&context=board"))))),
+      controls_(&shell_->controls()),
+      windows_(std::make_unique<wc::ResultWindows>(*shell_)),
+      result_(std::make_shared<const Result>()) {
     initSolderMaskOpt();
 }
 
@@ -155,17 +155,9 @@ void Widget_SolderMaskOpt::UpdateJobStep(const QString& job, const QString& step
     WC_GUARDED({ shell_->updateJobStep(job, step); });
 }
 
-void Widget_SolderMaskOpt::on_m_pLayerPB_clicked() {
-    WC_GUARDED({ controls_->showLayerPopup(); });
-}
-
-void Widget_SolderMaskOpt::on_ERF_clicked() {
-    WC_GUARDED({ controls_->showErfPopup(); });
-}
-
-void Widget_SolderMaskOpt::on_m_pSaveAsPB_clicked() {
-    controls_->saveAs();
-}
+WC_FORWARD_SLOT(Widget_SolderMaskOpt, on_m_pLayerPB_clicked, controls_->openLayerPopup())
+WC_FORWARD_SLOT(Widget_SolderMaskOpt, on_ERF_clicked, controls_->openErfPopup())
+WC_FORWARD_SLOT(Widget_SolderMaskOpt, on_m_pSaveAsPB_clicked, controls_->saveAs())
 
 void Widget_SolderMaskOpt::on_m_pAdvancedSurplusCB_stateChanged(int state) {
     WC_GUARDED({ form_.advanced_group->setEnabled(state == Qt::Checked); });
@@ -187,29 +179,13 @@ void Widget_SolderMaskOpt::on_deletegastablerowpb_clicked() {
     WC_GUARDED({ form_.gas->deleteRow(); });
 }
 
-void Widget_SolderMaskOpt::on_m_pRangesPB_clicked() {
-    controls_->openRanges();
-}
-
-void Widget_SolderMaskOpt::on_m_pRunGlobalPB_clicked() {
-    controls_->run(wc::ScopeGlobal);
-}
-
-void Widget_SolderMaskOpt::on_m_pScreenOnlyPB_clicked() {
-    controls_->run(wc::ScopeScreen);
-}
-
-void Widget_SolderMaskOpt::on_m_pInsideProfilePB_clicked() {
-    controls_->run(wc::ScopeProfile);
-}
-
-void Widget_SolderMaskOpt::on_m_pViewResultPB_clicked() {
-    controls_->view();
-}
-
-void Widget_SolderMaskOpt::on_m_pClosePB_clicked() {
-    controls_->close();
-}
+WC_FORWARD_SLOT(Widget_SolderMaskOpt, on_m_pRangesPB_clicked, controls_->openRanges())
+WC_FORWARD_SLOT(Widget_SolderMaskOpt, on_m_pRunGlobalPB_clicked, controls_->run(wc::ScopeGlobal))
+WC_FORWARD_SLOT(Widget_SolderMaskOpt, on_m_pScreenOnlyPB_clicked, controls_->run(wc::ScopeScreen))
+WC_FORWARD_SLOT(Widget_SolderMaskOpt, on_m_pInsideProfilePB_clicked,
+                controls_->run(wc::ScopeProfile))
+WC_FORWARD_SLOT(Widget_SolderMaskOpt, on_m_pViewResultPB_clicked, controls_->view())
+WC_FORWARD_SLOT(Widget_SolderMaskOpt, on_m_pClosePB_clicked, controls_->close())
 
 void Widget_SolderMaskOpt::change_viewbtn_stylesheet() {
     controls_->markStale();
