@@ -12,6 +12,9 @@
 
 namespace wc {
 
+// The range editor's key of the check, also the folder of its templates.
+constexpr const char kSignalRangeKey[] = "SignalLayerRanges";
+
 // Distances in the order of the form's rows.
 enum SignalDistance : int {
     DistSpacing = 0,

@@ -9,7 +9,6 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -17,32 +16,23 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "CheckListService.h"
-#include "CheckResultBrowser.h"
-#include "Common.h"
-#include "Korvo_API.h"
 #include "ZeLineEdit.h"
 #include "analysis/ResultWindows.h"
+#include "analysis/SignalCheckDatabase.h"
+#include "analysis/SignalCheckRun.h"
+#include "analysis/SignalCheckTemplates.h"
 #include "common_cache.h"
-#include "frame/BackgroundRun.h"
 #include "frame/DialogShell.h"
 #include "frame/DialogTexts.h"
 #include "frame/ExceptionGuard.h"
-#include "frame/ParameterSetForm.h"
-#include "frame/ParameterSetStore.h"
-#include "frame/RangeMap.h"
 #include "frame/RunControls.h"
 
 namespace {
 
 using Korvo::API::signal_check_params;
-using Korvo::API::signal_check_range;
-using Korvo::API::signal_check_result;
 using Korvo::API::signal_check_result_map;
-using Korvo::API::signal_layers_checks_items;
 using Korvo::API::signal_layers_checks_list;
 
-const QString kRangeKey = QStringLiteral("SignalLayerRanges");
 const char* const kGroupStyle = "QGroupBox::title{font-weight:bold;}";
 
 // The distance rows in on-screen order; limits in mil.
@@ -58,45 +48,20 @@ const std::vector<wc::FieldRow<signal_check_params>>& distanceRows() {
     return rows;
 }
 
-// The progress block of one layer: the engine's block plus the layer's answer.
-struct LayerBlock : Korvo::COMMON::progress_value<signal_check_result_map> {
-    std::map<signal_layers_checks_items, signal_check_result> layer_result;
-    bool ok = false;
-};
-
-struct ServiceBlock : Korvo::COMMON::progress_value<void> {
-    signal_check_result_map result;
-    Korvo::CheckList::service_answer answer = Korvo::CheckList::service_answer::failed;
-};
-
-struct SaveBlock : Korvo::COMMON::progress_value<void> {
-    Quorin::DBS_API::CreateSesult answer;
-};
-
-wc::BackgroundRunOptions runOptions(QWidget* owner, const QString& label, const QString& title,
-                                    int line) {
-    wc::BackgroundRunOptions options;
-    options.parent = owner;
-    options.label = label;
-    options.title = title;
-    options.source_file = "Widget_SignalLayerChecks.cpp";
-    options.source_line = line;
-    return options;
-}
-
 }  // namespace
 
 Widget_SignalLayerChecks::Widget_SignalLayerChecks(const QString& job, const QString& step,
                                                    QWidget* parent, Korvo::UIAPI::Check_Type type)
     : QWidget(parent, Qt::Window), type_(type) {
-    setWindowFlags(Qt::WindowFlags(0x8001003));
     wc::RunControlsOptions options;
-    options.range_key = kRangeKey;
+    options.range_key = QLatin1String(wc::kSignalRangeKey);
     options.layer_text = QStringLiteral(".type=signal|mixed&side=top|bottom&context=board");
     options.erf_text = QStringLiteral("Outer(Mils)");
     shell_ = new wc::DialogShell(this, parent, job, step, options);
     controls_ = &shell_->controls();
     windows_ = std::make_unique<wc::ResultWindows>(*shell_);
+    templates_ = new wc::SignalCheckTemplates(this, *controls_);
+    database_ = new wc::SignalCheckDatabase(this, *shell_);
     initSignalLayerChecks();
 }
 
@@ -192,7 +157,7 @@ void Widget_SignalLayerChecks::wireUp() {
     callbacks.run = [this](int scope) { signalLayerChecks(scope); };
     callbacks.view = [this] { showResultsViewer(true); };
     callbacks.ranges = [this] { windows_->openRanges(this, "Signal Layer Check"); };
-    callbacks.save_as = [this] { askTemplateName(); };
+    callbacks.save_as = [this] { templates_->askName(); };
     controls_->connectTo(callbacks, __FILE__, __LINE__);
     connect(controls_, &wc::RunControls::erfChosen, this, &Widget_SignalLayerChecks::get_ERF_text);
     connect(save_db_, &QPushButton::clicked, this, &Widget_SignalLayerChecks::on_SaveToDb_clicked);
@@ -200,6 +165,8 @@ void Widget_SignalLayerChecks::wireUp() {
             &Widget_SignalLayerChecks::on_LoadFromDb_clicked);
     connect(this, &Widget_SignalLayerChecks::send_Sel_Template_Name, this,
             &Widget_SignalLayerChecks::get_ERF_Name);
+    connect(database_, &wc::SignalCheckDatabase::resultLoaded, this,
+            &Widget_SignalLayerChecks::showLoadedResult);
 
     // Any change of a parameter makes the shown result stale.
     QList<QObject*> parameters = distances_->editObjects();
@@ -297,116 +264,22 @@ int Widget_SignalLayerChecks::getTestListCnt() const {
 
 // ---- the buttons ----------------------------------------------------------------------------
 
-void Widget_SignalLayerChecks::on_Layer_clicked() {
-    WC_GUARDED({ controls_->showLayerPopup(); });
-}
-
-void Widget_SignalLayerChecks::on_m_pERFPB_clicked() {
-    WC_GUARDED({ controls_->showErfPopup(); });
-}
-
-void Widget_SignalLayerChecks::on_Ranges_clicked() {
-    controls_->openRanges();
-}
-
-void Widget_SignalLayerChecks::on_RunGlobally_clicked() {
-    controls_->run(wc::ScopeGlobal);
-}
-
-void Widget_SignalLayerChecks::on_RunScreen_clicked() {
-    controls_->run(wc::ScopeScreen);
-}
-
-void Widget_SignalLayerChecks::on_RunProfile_clicked() {
-    controls_->run(wc::ScopeProfile);
-}
-
-void Widget_SignalLayerChecks::on_ViewResult_clicked() {
-    controls_->view();
-}
-
-void Widget_SignalLayerChecks::on_Close_clicked() {
-    controls_->close();
-}
-
-void Widget_SignalLayerChecks::on_m_pSaveAsPB_clicked() {
-    controls_->saveAs();
-}
-
-void Widget_SignalLayerChecks::askTemplateName() {
-    if (name_dialog_ == nullptr) {
-        name_dialog_ = new QInputDialog(this);
-        name_dialog_->setObjectName(QStringLiteral("templateNameDialog"));
-        name_dialog_->setWindowTitle(tr("Save as"));
-        name_dialog_->setLabelText(tr("Template name:"));
-        connect(name_dialog_, &QInputDialog::textValueSelected, this,
-                &Widget_SignalLayerChecks::send_Sel_Template_Name);
-    }
-    name_dialog_->setTextValue(controls_->erfEdit()->text());
-    name_dialog_->open();
-}
+WC_FORWARD_SLOT(Widget_SignalLayerChecks, on_Layer_clicked, controls_->openLayerPopup())
+WC_FORWARD_SLOT(Widget_SignalLayerChecks, on_m_pERFPB_clicked, controls_->openErfPopup())
+WC_FORWARD_SLOT(Widget_SignalLayerChecks, on_Ranges_clicked, controls_->openRanges())
+WC_FORWARD_SLOT(Widget_SignalLayerChecks, on_RunGlobally_clicked, controls_->run(wc::ScopeGlobal))
+WC_FORWARD_SLOT(Widget_SignalLayerChecks, on_RunScreen_clicked, controls_->run(wc::ScopeScreen))
+WC_FORWARD_SLOT(Widget_SignalLayerChecks, on_RunProfile_clicked, controls_->run(wc::ScopeProfile))
+WC_FORWARD_SLOT(Widget_SignalLayerChecks, on_ViewResult_clicked, controls_->view())
+WC_FORWARD_SLOT(Widget_SignalLayerChecks, on_Close_clicked, controls_->close())
+WC_FORWARD_SLOT(Widget_SignalLayerChecks, on_m_pSaveAsPB_clicked, controls_->saveAs())
 
 void Widget_SignalLayerChecks::get_ERF_Name(QString name) {
-    WC_GUARDED({
-        const QString problem = wc::ParameterSetStore::nameProblem(name);
-        if (!problem.isEmpty()) {
-            QMessageBox::warning(this, tr("Warning"), tr(problem.toUtf8().constData()));
-            return;
-        }
-        wc::ParameterSetStore store(kRangeKey);
-        if (store.exists(name)) {
-            const auto answer = QMessageBox::warning(
-                this, tr("Warning"), name + tr(" have a same name file! Do you want to overwrite?"),
-                QMessageBox::Yes | QMessageBox::No);
-            if (answer != QMessageBox::Yes) {
-                return;
-            }
-            store.remove(name);
-        }
-        if (writeConfigJson(name)) {
-            controls_->erfEdit()->setText(name);
-        }
-    });
-}
-
-bool Widget_SignalLayerChecks::writeConfigJson(const QString& name) {
-    QString error;
-    const QJsonObject root = wc::withRanges(kRangeKey, wc::signalCheckTemplate(form()));
-    if (wc::ParameterSetStore(kRangeKey).save(name, root, &error) !=
-        wc::ParameterSetStore::SaveResult::Saved) {
-        LOG(ERROR) << "template " << name.toStdString() << " not saved: " << error.toStdString();
-        QMessageBox::warning(this, tr("Warning"), error);
-        return false;
-    }
-    return true;
+    WC_GUARDED({ templates_->save(name); });
 }
 
 void Widget_SignalLayerChecks::get_ERF_text(QString name) {
-    WC_GUARDED({
-        controls_->erfEdit()->setText(name);
-        QJsonObject root;
-        QString error;
-        if (wc::ParameterSetStore(kRangeKey).load(name, root, &error) !=
-            wc::ParameterSetStore::LoadResult::Loaded) {
-            LOG(ERROR) << "template " << name.toStdString()
-                       << " not loaded: " << error.toStdString();
-            information(error);
-            return;
-        }
-        wc::SignalCheckForm loaded = form();
-        if (error = wc::rangesShapeProblem(root); error.isEmpty()) {
-            wc::readSignalCheckTemplate(root, loaded, &error);
-        }
-        if (!error.isEmpty()) {
-            LOG(ERROR) << "template " << name.toStdString()
-                       << " not loaded: " << error.toStdString();
-            information(name + QStringLiteral(": ") + error);
-            return;
-        }
-        setForm(loaded);
-        wc::applyRangesList(kRangeKey, root);
-        change_viewbtn_stylesheet();
-    });
+    WC_GUARDED({ templates_->load(name); });
 }
 
 bool Widget_SignalLayerChecks::isErfFileExist(const QString& name) const {
@@ -438,12 +311,14 @@ void Widget_SignalLayerChecks::signalLayerChecks(int scope) {
     const std::vector<signal_layers_checks_list> tests = wc::checkedSignalTests(form());
     const int run_scope = wc::runScope(scope, apply_to_.group->checkedId() == 1);
     controls_->rememberScope(run_scope);
-    last_params_ = params;
-    last_tests_ = tests;
+    database_->rememberRun(params, tests);
+    Korvo::CheckList::signal_check_request request =
+        wc::signalCheckRequest(shell_->job(), shell_->step(), params, tests, run_scope);
     if (type_ == Korvo::UIAPI::Check_Engine) {
-        runPerLayer(layers, params, tests, run_scope);
+        runPerLayer(request, layers);
     } else {
-        runOnService(params, tests, run_scope);
+        request.parameters = getSignalLayerParams().toStdString();
+        runOnService(request);
     }
 }
 
@@ -463,119 +338,57 @@ void Widget_SignalLayerChecks::setSignalCheckParams(signal_check_params& params)
     params = wc::signalCheckParams(form(), shell_->handle());
 }
 
-void Widget_SignalLayerChecks::runPerLayer(const std::vector<std::string>& layers,
-                                           const signal_check_params& params,
-                                           const std::vector<signal_layers_checks_list>& tests,
-                                           int scope) {
-    const auto ranges = wc::buildRangeMap<signal_layers_checks_items, signal_check_range>(
-        kRangeKey.toStdString(), wc::toCheckRange);
+void Widget_SignalLayerChecks::runPerLayer(const Korvo::CheckList::signal_check_request& request,
+                                           const std::vector<std::string>& layers) {
     const QDateTime start = QDateTime::currentDateTime();
     QElapsedTimer timer;
     timer.start();
-    result_.clear();
-    processed_layers_ = 0;
-
-    wc::BackgroundRunOptions options =
-        runOptions(this, tr("Please wait"), tr("Processing"), __LINE__);
-    // Each layer's answer is complete before the next starts, so a stop keeps whole layers.
-    options.stop = wc::StopBehaviour::WaitForWorker;
-    wc::BackgroundRun run(options);
-    const std::string job = shell_->job().toStdString();
-    const std::string step = shell_->step().toStdString();
-    bool stopped = false;
-    for (const std::string& layer : layers) {
-        if (run.stopRequested()) {
-            stopped = true;
-            break;
-        }
-        auto block = std::make_shared<LayerBlock>();
-        const wc::RunOutcome outcome =
-            run.step(block, [job, step, layer, params, tests, ranges, scope](LayerBlock& b) {
-                Korvo::UIAPI::getContourAccuracy();
-                b.ok = Korvo::API::signal_layers_checks(job, step, layer, params, tests, ranges,
-                                                        b.layer_result, &b, scope);
-            });
-        if (outcome.owner_destroyed) {
-            return;  // the dialog is gone: nothing of it may be touched
-        }
-        if (outcome.worker_returned && !outcome.worker_threw) {
-            if (!block->ok) {
-                LOG(ERROR) << "signal_layers_checks failed on layer " << layer;
-            }
-            result_[layer] = std::move(block->layer_result);
-            ++processed_layers_;
-        }
-        if (!outcome.finished() || run.stopRequested()) {
-            stopped = true;
-            break;
-        }
-    }
-    run.finish();
-
-    if (stopped) {
-        controls_->setStatus(tr("SignalLayer check terminated"));
-        controls_->setViewState(wc::RunControls::ViewState::Stopped);
+    const wc::SignalRunEnd end =
+        wc::runSignalChecksPerLayer(this, request, layers, result_, processed_layers_);
+    if (!showRunEnd(end, start, timer.elapsed())) {
         return;
     }
-    publishResult();
-    setLayerWithinCheckInfo();
-    controls_->showTime(start, timer.elapsed());
-    setColor();
     controls_->setStatus(wc::layersProcessedText(this, processed_layers_));
     showResultsViewer(false);
 }
 
-void Widget_SignalLayerChecks::runOnService(const signal_check_params& params,
-                                            const std::vector<signal_layers_checks_list>& tests,
-                                            int scope) {
-    Korvo::CheckList::signal_check_request request;
-    request.job = shell_->job().toStdString();
-    request.step = shell_->step().toStdString();
-    request.job_folder =
-        (Common::getPath_database() + QStringLiteral("/job/") + shell_->job()).toStdString();
-    request.parameters = getSignalLayerParams().toStdString();
-    request.params = params;
-    request.tests = tests;
-    request.ranges = wc::buildRangeMap<signal_layers_checks_items, signal_check_range>(
-        kRangeKey.toStdString(), wc::toCheckRange);
-    request.scope = scope;
-
+void Widget_SignalLayerChecks::runOnService(const Korvo::CheckList::signal_check_request& request) {
     const QDateTime start = QDateTime::currentDateTime();
     QElapsedTimer timer;
     timer.start();
-    auto block = std::make_shared<ServiceBlock>();
-    const wc::RunOutcome outcome = wc::BackgroundRun::once(
-        runOptions(this, tr("Please wait"), tr("Processing"), __LINE__), block,
-        [request](ServiceBlock& b) {
-            b.answer = Korvo::CheckList::runSignalLayerCheckList(request, b.result, &b);
-        });
-    if (outcome.owner_destroyed) {
+    const wc::SignalRunEnd end =
+        wc::runSignalChecksOnService(this, request, result_, processed_layers_);
+    if (!showRunEnd(end, start, timer.elapsed())) {
         return;
     }
-    if (!outcome.worker_returned || outcome.worker_threw) {
-        controls_->setStatus(tr("SignalLayer check terminated"));
-        controls_->setViewState(wc::RunControls::ViewState::Stopped);
-        return;
-    }
-    switch (block->answer) {
-        case Korvo::CheckList::service_answer::busy:
-            controls_->setStatus(tr("the service is busy"));
-            return;
-        case Korvo::CheckList::service_answer::failed:
-            LOG(ERROR) << "the check-list service failed on " << request.parameters;
-            controls_->setStatus(tr("The check-list service failed"));
-            return;
-        case Korvo::CheckList::service_answer::done:
-            break;
-    }
-    result_ = std::move(block->result);
-    processed_layers_ = static_cast<int>(result_.size());
-    publishResult();
-    setLayerWithinCheckInfo();
-    controls_->showTime(start, timer.elapsed());
-    setColor();
     showResultsViewer(false);
     controls_->setStatus(tr("%n layers were processed", nullptr, processed_layers_));
+}
+
+// What every end of a run shows; true when the run is done and its result shown.
+bool Widget_SignalLayerChecks::showRunEnd(wc::SignalRunEnd end, const QDateTime& start,
+                                          qint64 elapsed_ms) {
+    switch (end) {
+        case wc::SignalRunEnd::DialogGone:
+            return false;  // nothing of the dialog may be touched
+        case wc::SignalRunEnd::Stopped:
+            controls_->setStatus(tr("SignalLayer check terminated"));
+            controls_->setViewState(wc::RunControls::ViewState::Stopped);
+            return false;
+        case wc::SignalRunEnd::ServiceBusy:
+            controls_->setStatus(tr("the service is busy"));
+            return false;
+        case wc::SignalRunEnd::ServiceFailed:
+            controls_->setStatus(tr("The check-list service failed"));
+            return false;
+        case wc::SignalRunEnd::Done:
+            break;
+    }
+    publishResult();
+    setLayerWithinCheckInfo();
+    controls_->showTime(start, elapsed_ms);
+    setColor();
+    return true;
 }
 
 void Widget_SignalLayerChecks::setLayerWithinCheckInfo() {
@@ -616,123 +429,32 @@ void Widget_SignalLayerChecks::change_viewbtn_stylesheet(int) {
 // ---- the result database --------------------------------------------------------------------
 
 void Widget_SignalLayerChecks::on_db_connected(bool connected) {
-    db_connected_ = connected;
+    database_->setConnected(connected);
 }
 
-// Like the run buttons, "Save" does nothing while this dialog's run or save is under way.
 void Widget_SignalLayerChecks::on_SaveToDb_clicked() {
-    if (shell_->busy()) {
-        return;
-    }
-    WC_GUARDED({ signalLayerCheckResult2DB(); });
-}
-
-void Widget_SignalLayerChecks::signalLayerCheckResult2DB() {
-    if (!db_connected_ || processed_layers_ == 0) {
-        LOG(ERROR) << "nothing saved: " << (db_connected_ ? "no result" : "no database");
-        information(tr("Save 2 db failed"));
-        return;
-    }
-    Korvo::API::dms_signal_check_params record;
-    record.job = shell_->job().toStdString();
-    record.step = shell_->step().toStdString();
-    record.params = last_params_;
-    record.tests = last_tests_;
-    record.scope = controls_->rememberedScope();
-    const signal_check_result_map result = result_;
-    auto block = std::make_shared<SaveBlock>();
-    const wc::RunOutcome outcome = wc::BackgroundRun::once(
-        runOptions(this, tr("Processing"), tr("Please wait"), __LINE__), block,
-        [record, result](SaveBlock& b) {
-            b.answer = Korvo::API::insertSignalLayerAnalysisResult(record, result);
-        });
-    if (outcome.owner_destroyed) {
-        return;
-    }
-    if (!outcome.worker_returned || outcome.worker_threw) {
-        information(tr("Save 2 db failed"));
-        return;
-    }
-    on_check_result_2_db_end(block->answer);
+    WC_GUARDED({ database_->save(result_, processed_layers_); });
 }
 
 void Widget_SignalLayerChecks::on_check_result_2_db_end(
     const Quorin::DBS_API::CreateSesult& answer) {
-    WC_GUARDED({
-        information(
-            QStringLiteral("%1: %2").arg(answer.success ? tr("Save success") : tr("Save failed"),
-                                         QString::fromStdString(answer.message)));
-    });
+    WC_GUARDED({ database_->showSaveAnswer(answer); });
 }
 
 void Widget_SignalLayerChecks::on_LoadFromDb_clicked() {
-    WC_GUARDED({
-        if (!db_connected_) {
-            information(tr("DB connection failed"));
-            return;
-        }
-        if (browser_ == nullptr) {
-            using Quorin::DBS_API::CheckResultBrowser;
-            browser_ = Quorin::DBS_API::createCheckResultBrowser(this);
-            connect(browser_, &CheckResultBrowser::send_check_id_text, this,
-                    &Widget_SignalLayerChecks::get_analysis_result_from_db);
-            connect(browser_, &CheckResultBrowser::send_tq_check_id_text, this,
-                    &Widget_SignalLayerChecks::get_tq_analysis_result_from_db);
-            connect(browser_, &CheckResultBrowser::send_load_index, this,
-                    &Widget_SignalLayerChecks::refresh_load_result);
-        }
-        browser_->show();
-        browser_->raise();
-    });
+    WC_GUARDED({ database_->openBrowser(); });
 }
 
 void Widget_SignalLayerChecks::get_analysis_result_from_db(QString& id) {
-    WC_GUARDED({
-        bool number = false;
-        const int check_id = id.toInt(&number);
-        Korvo::API::dms_signal_check_params record;
-        signal_check_result_map result;
-        if (!number || !Korvo::API::getSignalLayerAnalysisResult(check_id, record, result)) {
-            LOG(ERROR) << "no stored signal layer check " << id.toStdString();
-            information(tr("No stored check with id ") + id);
-            return;
-        }
-        params2ui(record.params, record.tests);
-        last_params_ = record.params;
-        last_tests_ = record.tests;
-        showLoadedResult(result);
-    });
+    WC_GUARDED({ database_->loadCheck(id); });
 }
 
 void Widget_SignalLayerChecks::get_tq_analysis_result_from_db(QString& id) {
-    WC_GUARDED({
-        signal_check_result_map result;
-        if (!Korvo::API::getTqSignalLayerAnalysisResult(id.toStdString(), result)) {
-            LOG(ERROR) << "no stored signal layer result " << id.toStdString();
-            information(tr("No stored check with id ") + id);
-            return;
-        }
-        showLoadedResult(result);
-    });
+    WC_GUARDED({ database_->loadTqCheck(id); });
 }
 
 void Widget_SignalLayerChecks::refresh_load_result(int index) {
-    WC_GUARDED({
-        const auto master = Korvo::API::getCheckResultMaster();
-        if (index < 0 || index >= static_cast<int>(master.size())) {
-            LOG(ERROR) << "no stored check at position " << index;
-            return;
-        }
-        QString id = QString::number(std::next(master.begin(), index)->first);
-        get_analysis_result_from_db(id);
-    });
-}
-
-void Widget_SignalLayerChecks::params2ui(const signal_check_params& params,
-                                         const std::vector<signal_layers_checks_list>& tests) {
-    wc::SignalCheckForm shown = form();
-    wc::showSignalCheckParams(params, tests, shown);
-    setForm(shown);
+    WC_GUARDED({ database_->loadAt(index); });
 }
 
 void Widget_SignalLayerChecks::showLoadedResult(const signal_check_result_map& result) {
@@ -760,8 +482,7 @@ void Widget_SignalLayerChecks::viewSetShowResult() {
 
 // ---- viewer and range editor ----------------------------------------------------------------
 
-// Opens the results viewer on result_ (open true), or refreshes it with
-// RefreshSignalLayerChecksData when it is already shown.
+// result_ as one immutable copy for the shared cache and the viewer.
 void Widget_SignalLayerChecks::publishResult() {
     published_ = std::make_shared<const signal_check_result_map>(result_);
     Korvo::Cache::common_cache::instance()->setSignalResult(published_);

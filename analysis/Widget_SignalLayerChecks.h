@@ -9,7 +9,6 @@
 #include <array>
 #include <memory>
 
-#include "CheckResultBrowser.h"
 #include "DBS_API.h"
 #include "Korvo_Analysis_types.h"
 #include "Korvo_UIAPI.h"
@@ -18,18 +17,25 @@
 #include "frame/FieldTable.h"
 #include "frame/WidgetCommonExport.h"
 
-class QButtonGroup;
 class QCheckBox;
+class QDateTime;
 class QGroupBox;
-class QInputDialog;
 class QLabel;
 class QPushButton;
-class QRadioButton;
+
+namespace Korvo {
+namespace CheckList {
+struct signal_check_request;
+}  // namespace CheckList
+}  // namespace Korvo
 
 namespace wc {
 class DialogShell;
 class ResultWindows;
 class RunControls;
+class SignalCheckDatabase;
+class SignalCheckTemplates;
+enum class SignalRunEnd;
 }  // namespace wc
 
 class WIDGET_COMMON_EXPORT Widget_SignalLayerChecks : public QWidget {
@@ -99,23 +105,17 @@ private:
     void layOut();
     void wireUp();
     std::array<const wc::ChoiceGroup*, 4> choiceGroups() const;
-    void askTemplateName();
     void signalLayerChecks(int scope);
-    void runPerLayer(const std::vector<std::string>& layers,
-                     const Korvo::API::signal_check_params& params,
-                     const std::vector<Korvo::API::signal_layers_checks_list>& tests, int scope);
-    void runOnService(const Korvo::API::signal_check_params& params,
-                      const std::vector<Korvo::API::signal_layers_checks_list>& tests, int scope);
+    void runPerLayer(const Korvo::CheckList::signal_check_request& request,
+                     const std::vector<std::string>& layers);
+    void runOnService(const Korvo::CheckList::signal_check_request& request);
+    bool showRunEnd(wc::SignalRunEnd end, const QDateTime& start, qint64 elapsed_ms);
     std::vector<std::string> checkLayer();
     bool islineEditsValid() const;
     void setSignalCheckParams(Korvo::API::signal_check_params& params) const;
     void setLayerWithinCheckInfo();
     void setColor();
-    void params2ui(const Korvo::API::signal_check_params& params,
-                   const std::vector<Korvo::API::signal_layers_checks_list>& tests);
-    bool writeConfigJson(const QString& name);
     void readConfigJson();
-    void signalLayerCheckResult2DB();
     void showLoadedResult(const Korvo::API::signal_check_result_map& result);
     void showResultsViewer(bool open);
     void publishResult();
@@ -124,13 +124,13 @@ private:
     wc::DialogShell* shell_;
     wc::RunControls* controls_;
     std::unique_ptr<wc::ResultWindows> windows_;
+    // "Save as" and the "ERF:" pick; "Save" and "Load".
+    wc::SignalCheckTemplates* templates_ = nullptr;
+    wc::SignalCheckDatabase* database_ = nullptr;
     Korvo::UIAPI::Check_Type type_;
-    bool db_connected_ = false;
     Korvo::API::signal_check_result_map result_;
     // The last result as the cache and the viewer share it: one immutable copy per run.
     std::shared_ptr<const Korvo::API::signal_check_result_map> published_;
-    Korvo::API::signal_check_params last_params_;
-    std::vector<Korvo::API::signal_layers_checks_list> last_tests_;
     int processed_layers_ = 0;
     QStringList layers_within_check_;
 
@@ -144,6 +144,4 @@ private:
     QLabel* summary_ = nullptr;
     QPushButton* save_db_ = nullptr;
     QPushButton* load_db_ = nullptr;
-    QInputDialog* name_dialog_ = nullptr;
-    Quorin::DBS_API::CheckResultBrowser* browser_ = nullptr;
 };

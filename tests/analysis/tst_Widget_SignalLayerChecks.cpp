@@ -16,6 +16,7 @@
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "FindChild.h"
+#include "MarkingTranslator.h"
 #include "MessageBoxAnswerer.h"
 #include "ProgressWindows.h"
 #include "ReferenceEngine.h"
@@ -333,12 +334,25 @@ private slots:
     void overwriteQuestion_data() {
         QTest::addColumn<int>("answer");
         QTest::addColumn<QString>("spacing_in_file");
-        row("yes rewrites", int(QMessageBox::Yes), "3");
-        row("no keeps", int(QMessageBox::No), "10.00");
+        QTest::addColumn<QString>("language");
+        row("yes rewrites", int(QMessageBox::Yes), "3", "");
+        row("no keeps", int(QMessageBox::No), "10.00", "");
+        // The question is the dialog's own text.
+        row("asked in the dialog's language", int(QMessageBox::No), "10.00",
+            "Widget_SignalLayerChecks");
     }
     void overwriteQuestion() {
         QFETCH(int, answer);
         QFETCH(QString, spacing_in_file);
+        QFETCH(QString, language);
+        const QByteArray context = language.toLatin1();
+        std::unique_ptr<wctest::MarkingTranslator> marking;
+        if (!language.isEmpty()) {
+            marking = std::make_unique<wctest::MarkingTranslator>(context.constData());
+        }
+        const auto tr = [&language](const QString& text) {
+            return language.isEmpty() ? text : "[" + text + "]";
+        };
         wctest::UnitScope scope(scene_.host(), 0);
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.get_ERF_Name("set");
@@ -346,8 +360,9 @@ private slots:
         wctest::MessageBoxAnswerer answerer{QMessageBox::StandardButton(answer)};
         dialog.get_ERF_Name("set");
         QCOMPARE(answerer.count(), 1);
-        QCOMPARE(answerer.last().title, "Warning");
-        QCOMPARE(answerer.last().text, "set have a same name file! Do you want to overwrite?");
+        QCOMPARE(answerer.last().title, tr("Warning"));
+        QCOMPARE(answerer.last().text,
+                 "set" + tr(" have a same name file! Do you want to overwrite?"));
         const QJsonArray entries =
             QJsonDocument::fromJson(savedSet("set")).object().value("signalLayerChecks").toArray();
         QCOMPARE(entries.at(0).toObject().value("Spacing").toString(), spacing_in_file);
@@ -439,15 +454,38 @@ private slots:
         delete viewer;
     }
 
+    // The texts of the result database are the dialog's own: a language of the dialog reaches
+    // them.
+    void databaseMessages_data() {
+        QTest::addColumn<bool>("marked");
+        row("English", false);
+        row("the dialog's language", true);
+    }
     void databaseMessages() {
+        QFETCH(bool, marked);
+        std::unique_ptr<wctest::MarkingTranslator> language;
+        if (marked) {
+            language = std::make_unique<wctest::MarkingTranslator>("Widget_SignalLayerChecks");
+        }
+        const auto tr = [marked](const QString& text) { return marked ? "[" + text + "]" : text; };
         wctest::MessageBoxAnswerer answerer;
         Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
         dialog.on_LoadFromDb_clicked();
         dialog.on_SaveToDb_clicked();
         dialog.on_check_result_2_db_end({false, -1, "disk full"});
-        QCOMPARE(answerer.texts(), QStringList({"DB connection failed", "Save 2 db failed",
-                                                "Save failed: disk full"}));
-        QCOMPARE(answerer.last().title, "Information");
+        // Ids the database does not hold are named; a position it lacks is only logged.
+        dialog.on_db_connected(true);
+        QString id = "x";
+        dialog.get_analysis_result_from_db(id);
+        QString tq_id = "tq";
+        dialog.get_tq_analysis_result_from_db(tq_id);
+        dialog.refresh_load_result(-1);
+        QCOMPARE(answerer.texts(), QStringList({tr("DB connection failed"), tr("Save 2 db failed"),
+                                                tr("Save failed") + ": disk full",
+                                                tr("No stored check with id ") + "x",
+                                                tr("No stored check with id ") + "tq"}));
+        QCOMPARE(answerer.last().title, tr("Information"));
+        QVERIFY(dialog.result().empty());
     }
 
     // The count in the viewer's wording, two blanks for one layer (the wording itself is
