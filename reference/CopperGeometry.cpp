@@ -133,9 +133,7 @@ GeoBox arcBox(const ArcBand& arc) {
             bg::expand(box, GeoPoint(p.x, p.y));
         }
     }
-    const double w = arc.half_width;
-    return GeoBox(GeoPoint(box.min_corner().x() - w, box.min_corner().y() - w),
-                  GeoPoint(box.max_corner().x() + w, box.max_corner().y() + w));
+    return grown(box, arc.half_width);
 }
 
 // Distance from `p` to the middle arc and the arc point that realises it: the radial
@@ -510,6 +508,13 @@ CopperShape CopperGeometry::copperOf(const featureInfo& f) {
             expand(shape.box, first, GeoBox(v, v));
         }
     }
+    return shape;
+}
+
+CopperShape CopperGeometry::pointShape(const point& p) {
+    CopperShape shape;
+    shape.capsules.push_back({p, p, 0.0});
+    shape.box = GeoBox(GeoPoint(p.x, p.y), GeoPoint(p.x, p.y));
     return shape;
 }
 

@@ -24,6 +24,8 @@
 #include <boost/geometry/geometries/box.hpp>
 #include <boost/geometry/geometries/point_xy.hpp>
 #include <boost/geometry/geometries/polygon.hpp>
+#include <cstddef>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -43,6 +45,9 @@ constexpr double kMaxChordError = 500.0;
 
 // Nanometres per mil.
 constexpr double kNmPerMil = 25400.0;
+
+// Copper closer than this touches (one island, no gap): engine lengths are whole nanometres.
+constexpr double kTouch = 0.5;
 
 struct SymbolSize {
     enum Kind { none, round, square, rectangle, oval };
@@ -77,6 +82,34 @@ struct CopperShape {
     bool empty() const { return capsules.empty() && arcs.empty() && polygons.empty(); }
 };
 
+// `box` with each side moved outwards by `by`: the candidates of a search within `by` of it.
+inline GeoBox grown(const GeoBox& box, double by) {
+    return GeoBox(GeoPoint(box.min_corner().x() - by, box.min_corner().y() - by),
+                  GeoPoint(box.max_corner().x() + by, box.max_corner().y() + by));
+}
+
+// Disjoint sets over 0..n-1 with path halving: the islands of copper and the nets they join.
+class UnionFind {
+public:
+    explicit UnionFind(size_t n = 0) : parent_(n) { std::iota(parent_.begin(), parent_.end(), 0); }
+    size_t add() {
+        parent_.push_back(parent_.size());
+        return parent_.size() - 1;
+    }
+    size_t size() const { return parent_.size(); }
+    size_t find(size_t x) {
+        while (parent_[x] != x) {
+            parent_[x] = parent_[parent_[x]];
+            x = parent_[x];
+        }
+        return x;
+    }
+    void join(size_t a, size_t b) { parent_[find(a)] = find(b); }
+
+private:
+    std::vector<size_t> parent_;
+};
+
 class CopperGeometry {
 public:
     // The size a symbol name stands for; kind none when it is not a standard symbol.
@@ -95,6 +128,8 @@ public:
                                                     double radius_extra = 0.0);
 
     static CopperShape copperOf(const Korvo::API::featureInfo& feature);
+    // A single point as a shape: what covers it, touches it.
+    static CopperShape pointShape(const Korvo::API::point& p);
 
     // The arc from `start` to `end` about `centre` (a full circle when they coincide) widened
     // by `half_width`; radius and start angle from `start`, end angle from `end`.

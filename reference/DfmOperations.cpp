@@ -16,7 +16,6 @@
 #include "EngineStore.h"
 #include "SignalChecks.h"
 #include "StepRepeatGeometry.h"
-#include "UnionFind.h"
 
 namespace wcref {
 
@@ -25,17 +24,9 @@ using namespace Korvo::API;
 
 namespace {
 
-// Features closer than this touch: engine lengths are whole nanometres.
-constexpr double kTouch = 0.5;
-
 using Entry = std::pair<GeoBox, unsigned>;
 using Tree = bgi::rtree<Entry, bgi::quadratic<16>>;
 using Clock = std::chrono::steady_clock;
-
-GeoBox grown(const GeoBox& box, double by) {
-    return GeoBox(GeoPoint(box.min_corner().x() - by, box.min_corner().y() - by),
-                  GeoPoint(box.max_corner().x() + by, box.max_corner().y() + by));
-}
 
 point centreOf(const GeoBox& box) {
     return {(box.min_corner().x() + box.max_corner().x()) / 2,
@@ -271,17 +262,10 @@ bool buildCopper(const std::vector<featureInfo>& features, Run& run, double from
     return true;
 }
 
-CopperShape dot(const point& p) {
-    CopperShape shape;
-    shape.capsules.push_back({p, p, 0.0});
-    shape.box = GeoBox(GeoPoint(p.x, p.y), GeoPoint(p.x, p.y));
-    return shape;
-}
-
 bool covers(const CopperShape& shape, const point& p) {
     point a;
     point b;
-    return CopperGeometry::distance(dot(p), shape, a, b) <= kTouch;
+    return CopperGeometry::distance(CopperGeometry::pointShape(p), shape, a, b) <= kTouch;
 }
 
 // A hole of a drill layer.
@@ -833,7 +817,7 @@ void teardropsOne(const JobInput& input, const LayerInput& layer,
             const point e = end == 0 ? axis.front() : axis.back();
             const point next = end == 0 ? axis[1] : axis[axis.size() - 2];
             const point far = end == 0 ? axis.back() : axis.front();
-            for (unsigned p : copper.near(dot(e).box)) {
+            for (unsigned p : copper.near(CopperGeometry::pointShape(e).box)) {
                 const featureInfo& pad = features[copper.pieces[p].feature];
                 SymbolSize size;
                 double hx = 0;
