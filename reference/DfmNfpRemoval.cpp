@@ -1,0 +1,252 @@
+// NFP removal (DfmOperations.h): pads of inner copper layers that are duplicates, covered by
+// another pad, drilled over or isolated, removed or marked.
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include "DfmCopper.h"
+#include "DfmDriver.h"
+#include "DfmOperations.h"
+
+namespace wcref {
+
+using namespace Korvo::API;
+using namespace dfm;
+
+namespace {
+
+// The four corners of a box.
+std::vector<point> cornersOf(const GeoBox& box) {
+    return {{box.min_corner().x(), box.min_corner().y()},
+            {box.max_corner().x(), box.min_corner().y()},
+            {box.max_corner().x(), box.max_corner().y()},
+            {box.min_corner().x(), box.max_corner().y()}};
+}
+
+// Whether pad `inner` lies wholly within pad `outer`; a non-round inner pad by its box.
+bool coveredBy(const featureInfo& inner, const CopperShape& inner_shape, const featureInfo& outer,
+               const CopperShape& outer_shape) {
+    SymbolSize si;
+    SymbolSize so;
+    double ix = 0;
+    double iy = 0;
+    double ox = 0;
+    double oy = 0;
+    if (!halfSizes(inner, si, ix, iy) || !halfSizes(outer, so, ox, oy)) {
+        return false;
+    }
+    const GeoBox& box = inner_shape.box;
+    if (so.kind == SymbolSize::round) {
+        if (si.kind == SymbolSize::round) {
+            return length(inner.start, outer.start) + ix <= ox + kTouch;
+        }
+        const std::vector<point> corners = cornersOf(box);
+        return std::all_of(corners.begin(), corners.end(), [&](const point& corner) {
+            return length(corner, outer.start) <= ox + kTouch;
+        });
+    }
+    if (!outer_shape.polygons.empty()) {
+        GeoPolygon inner_box;
+        bg::convert(box, inner_box);
+        return bg::covered_by(inner_box, outer_shape.polygons.front());
+    }
+    // An oval outer pad: the inner box within the oval's straight part and its round ends.
+    const Capsule& c = outer_shape.capsules.front();
+    const std::vector<point> corners = cornersOf(box);
+    return std::all_of(corners.begin(), corners.end(), [&](const point& corner) {
+        point on_axis;
+        point same;
+        return CopperGeometry::segmentDistance(c.a, c.b, corner, corner, on_axis, same) <=
+               c.radius + kTouch;
+    });
+}
+
+const char* nfpKindName(NFP_removal_DFM_op_items item) {
+    switch (item) {
+        case nfp_duplicate_removed:
+            return "duplicate";
+        case nfp_covered_removed:
+            return "covered";
+        case nfp_drilled_over_removed:
+            return "drilled_over";
+        case nfp_undrilled_removed:
+            return "undrilled";
+        default:
+            return "isolated";
+    }
+}
+
+bool isInnerCopper(const layer_info& info) {
+    return info.side == "inner" && (info.type == "signal" || info.type == "mixed");
+}
+
+// One inner layer: hits go to `result`, removals and marks to `edits`.
+class NfpPass {
+public:
+    NfpPass(const JobInput& input, const LayerInput& layer, const NFP_removal_DFM_op_params& params,
+            NFP_removal_result_map& result, std::vector<Edit>& edits, Run& run, double from,
+            double to)
+        : input_(input),
+          layer_(layer),
+          params_(params),
+          result_(result),
+          edits_(edits),
+          run_(run),
+          from_(from),
+          to_(to),
+          features_(layer.copper.features),
+          holes_(layer.drills),
+          kinds_(params.pad_kinds.begin(), params.pad_kinds.end()),
+          scope_(params.apply_to == 1 ? 3 : params.scope) {}
+
+    void work() {
+        if (!buildCopper(features_, run_, from_, at(0.4), copper_)) {
+            return;
+        }
+        gone_.assign(copper_.pieces.size(), false);
+        for (unsigned k = 0; k < copper_.pieces.size(); ++k) {
+            if (run_.stop(at(0.4 + 0.6 * k / copper_.pieces.size()))) {
+                return;
+            }
+            judge(k);
+        }
+    }
+
+private:
+    double at(double within) const { return from_ + (to_ - from_) * within; }
+    const featureInfo& feature(unsigned k) const { return features_[copper_.pieces[k].feature]; }
+    const CopperShape& shape(unsigned k) const { return copper_.pieces[k].shape; }
+    feature_ref ref(unsigned k) const { return {layer_.copper.row, feature(k).id}; }
+    bool wanted(int32_t kind) const { return kinds_.count(kind) != 0; }
+
+    // Pad `k` judged once, removed or marked when it is of a kind asked for.
+    void judge(unsigned k) {
+        const featureInfo& f = feature(k);
+        SymbolSize size;
+        double hx = 0;
+        double hy = 0;
+        if (!halfSizes(f, size, hx, hy) ||
+            !inScope(f, shape(k).box, layer_.copper, input_, scope_)) {
+            return;
+        }
+        const Hole* hole = holes_.of(shape(k));
+        if (hole != nullptr ? !(hole->kind == "non_plated" ? params_.npth
+                                : hole->kind == "via"      ? params_.via
+                                                           : params_.pth)
+                            : !params_.remove_undrilled_pads) {
+            return;
+        }
+        std::vector<feature_ref> refs{ref(k)};
+        NFP_removal_DFM_op_items item = nfp_isolated_removed;
+        if (!kindOf(k, hole, std::min(hx, hy), item, refs)) {
+            return;
+        }
+        if (params_.action == 0) {
+            gone_[k] = true;
+            edits_.push_back(editOf(Edit::remove, f));
+        } else {
+            Edit edit = editOf(Edit::mark, f);
+            edit.attribute = {".nfp", nfpKindName(item)};
+            edits_.push_back(edit);
+            item = nfp_marked;
+        }
+        grade(item, boxHit(2 * std::min(hx, hy), shape(k).box, std::move(refs)), params_.ranges,
+              result_);
+    }
+
+    // The first kind pad `k` is of (duplicate or covered, drilled over, isolated), adding the
+    // features that make it so to `refs`; false when it is of none asked for.
+    bool kindOf(unsigned k, const Hole* hole, double half, NFP_removal_DFM_op_items& item,
+                std::vector<feature_ref>& refs) const {
+        if (againstOtherPads(k, item, refs)) {
+            return true;
+        }
+        if (hole != nullptr && wanted(3) && hole->diameter >= 2 * half) {
+            item = nfp_drilled_over_removed;
+            refs.push_back(hole->ref);
+            return true;
+        }
+        if (!wanted(1) || touched(k)) {
+            return false;
+        }
+        item = hole != nullptr ? nfp_isolated_removed : nfp_undrilled_removed;
+        if (hole != nullptr) {
+            refs.push_back(hole->ref);
+        }
+        return true;
+    }
+
+    // A duplicate of an earlier pad, or a pad covered by another one still there.
+    bool againstOtherPads(unsigned k, NFP_removal_DFM_op_items& item,
+                          std::vector<feature_ref>& refs) const {
+        const featureInfo& f = feature(k);
+        for (unsigned j : copper_.near(shape(k).box)) {
+            const featureInfo& other = feature(j);
+            if (j == k || gone_[j] || other.type != feature_pad) {
+                continue;
+            }
+            const bool same = other.symbol == f.symbol && length(other.start, f.start) <= kTouch &&
+                              std::abs(other.angle - f.angle) < 1e-6;
+            if (same && j < k && wanted(2)) {
+                item = nfp_duplicate_removed;
+            } else if (!same && wanted(4) && coveredBy(f, shape(k), other, shape(j))) {
+                item = nfp_covered_removed;
+            } else {
+                continue;
+            }
+            refs.push_back(ref(j));
+            return true;
+        }
+        return false;
+    }
+
+    // Whether a line, arc or surface of the layer touches pad `k`.
+    bool touched(unsigned k) const {
+        point pa;
+        point pb;
+        for (unsigned j : copper_.near(grown(shape(k).box, kTouch))) {
+            if (feature(j).type != feature_pad &&
+                CopperGeometry::distance(shape(k), shape(j), pa, pb) <= kTouch) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    const JobInput& input_;
+    const LayerInput& layer_;
+    const NFP_removal_DFM_op_params& params_;
+    NFP_removal_result_map& result_;
+    std::vector<Edit>& edits_;
+    Run& run_;
+    const double from_;
+    const double to_;
+    const std::vector<featureInfo>& features_;
+    const Holes holes_;
+    const std::set<int32_t> kinds_;
+    const int scope_;
+    Copper copper_;
+    std::vector<bool> gone_;  // pads removed by this run
+};
+
+}  // namespace
+
+bool DfmOperations::nfpRemoval(const std::string& job, const std::string& step,
+                               const std::vector<std::string>& layers,
+                               const NFP_removal_DFM_op_params& params,
+                               NFP_removal_result_map& results,
+                               Korvo::COMMON::progress_state* progress) {
+    results.clear();
+    JobInput input;
+    return forEachLayer(
+        job, step, layers, progress, input,
+        [](const LayerInput& layer) { return isInnerCopper(layer.info); },
+        [&](const LayerInput& layer, Run& run, double from, double to) {
+            std::vector<Edit> edits;
+            NfpPass(input, layer, params, results, edits, run, from, to).work();
+            return edits;
+        });
+}
+
+}  // namespace wcref
