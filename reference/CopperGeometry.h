@@ -29,7 +29,7 @@
 #include <string>
 #include <vector>
 
-#include "Korvo_API_types.h"
+#include "Korvo_Analysis_types.h"
 
 namespace wcref {
 
@@ -109,6 +109,14 @@ public:
 private:
     std::vector<size_t> parent_;
 };
+
+// The hits the checks and the optimisations report: a distance as the line between its two
+// closest points, a size or a count as the feature's box.
+Korvo::API::check_info distanceHit(double value, const Korvo::API::point& a,
+                                   const Korvo::API::point& b,
+                                   std::vector<Korvo::API::feature_ref> features);
+Korvo::API::check_info boxHit(double value, const GeoBox& box,
+                              std::vector<Korvo::API::feature_ref> features);
 
 class CopperGeometry {
 public:

@@ -7,8 +7,10 @@ namespace wcref::dfm {
 namespace bgi = boost::geometry::index;
 using namespace Korvo::API;
 
-bool buildCopper(const std::vector<featureInfo>& features, Run& run, double from, double to,
-                 Copper& copper, const std::set<size_t>& skip) {
+bool buildCopper(const CheckLayer& layer, Run& run, double from, double to, Copper& copper,
+                 const std::set<size_t>& skip) {
+    const std::vector<featureInfo>& features = layer.features;
+    copper.layer = &layer;
     for (size_t k = 0; k < features.size(); ++k) {
         if (run.stop(from + (to - from) / 2 * k / features.size())) {
             return false;

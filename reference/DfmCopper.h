@@ -26,9 +26,16 @@ struct Piece {
 
 // The positive copper of a layer, its R-tree and its islands.
 struct Copper {
+    const CheckLayer* layer = nullptr;  // the layer it was read from
     std::vector<Piece> pieces;
     Tree tree;
     std::vector<size_t> island;  // per piece
+
+    const Korvo::API::featureInfo& feature(unsigned k) const {
+        return layer->features[pieces[k].feature];
+    }
+    const CopperShape& shape(unsigned k) const { return pieces[k].shape; }
+    Korvo::API::feature_ref ref(unsigned k) const { return {layer->row, feature(k).id}; }
 
     // The pieces whose boxes meet `box`.
     std::vector<unsigned> near(const GeoBox& box) const {
@@ -43,10 +50,10 @@ struct Copper {
     }
 };
 
-// Fills `copper` from `features`, reporting progress from `from` to `to`; false when stopped.
+// Fills `copper` from `layer`, reporting progress from `from` to `to`; false when stopped.
 // `skip` names feature indices left out (features about to be deleted).
-bool buildCopper(const std::vector<Korvo::API::featureInfo>& features, Run& run, double from,
-                 double to, Copper& copper, const std::set<size_t>& skip = {});
+bool buildCopper(const CheckLayer& layer, Run& run, double from, double to, Copper& copper,
+                 const std::set<size_t>& skip = {});
 
 // Whether `shape` covers the point `p`.
 bool covers(const CopperShape& shape, const Korvo::API::point& p);

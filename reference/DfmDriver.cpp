@@ -144,26 +144,6 @@ bool inScope(const featureInfo& f, const GeoBox& box, const CheckLayer& layer,
     return true;
 }
 
-check_info distanceHit(double value, const point& a, const point& b,
-                       std::vector<feature_ref> features) {
-    check_info hit;
-    hit.value = value;
-    hit.shape.kind = check_points::line;
-    hit.shape.points = {a, b};
-    hit.features = std::move(features);
-    return hit;
-}
-
-check_info boxHit(double value, const GeoBox& box, std::vector<feature_ref> features) {
-    check_info hit;
-    hit.value = value;
-    hit.shape.kind = check_points::box;
-    hit.shape.points = {{box.min_corner().x(), box.min_corner().y()},
-                        {box.max_corner().x(), box.max_corner().y()}};
-    hit.features = std::move(features);
-    return hit;
-}
-
 Edit editOf(Edit::Kind kind, const featureInfo& f) {
     Edit edit;
     edit.kind = kind;
@@ -242,8 +222,9 @@ void apply(const std::string& job, const std::string& step, const std::string& l
 
 bool forEachLayer(const std::string& job, const std::string& step,
                   const std::vector<std::string>& layers, Korvo::COMMON::progress_state* progress,
-                  JobInput& input, const std::function<bool(const LayerInput&)>& wanted,
-                  const LayerWork& one) {
+                  const std::function<bool(const LayerInput&)>& wanted,
+                  const std::function<void(LayerPass&)>& one) {
+    JobInput input;
     if (!snapshot(job, step, layers, input)) {
         return false;
     }
@@ -254,8 +235,9 @@ bool forEachLayer(const std::string& job, const std::string& step,
         if (!wanted(layer)) {
             continue;
         }
-        std::vector<Edit> edits = one(layer, run, share(k, n, 0), share(k, n, 1));
-        apply(job, step, layer.info.name, edits);
+        LayerPass pass{input, layer, run, share(k, n, 0), share(k, n, 1), {}};
+        one(pass);
+        apply(job, step, layer.info.name, pass.edits);
         if (run.stopped()) {
             return true;
         }

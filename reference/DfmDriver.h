@@ -81,13 +81,7 @@ struct JobInput {
 bool inScope(const Korvo::API::featureInfo& f, const GeoBox& box, const CheckLayer& layer,
              const JobInput& input, int scope);
 
-// ---- hits and grading -------------------------------------------------------------------------
-
-Korvo::API::check_info distanceHit(double value, const Korvo::API::point& a,
-                                   const Korvo::API::point& b,
-                                   std::vector<Korvo::API::feature_ref> features);
-Korvo::API::check_info boxHit(double value, const GeoBox& box,
-                              std::vector<Korvo::API::feature_ref> features);
+// ---- grading (the hits come from CopperGeometry.h) -----------------------------------------
 
 // Puts the hit into the list of `item`'s record that its value earns under the item's range.
 template <typename Item, typename Record>
@@ -142,18 +136,28 @@ void apply(const std::string& job, const std::string& step, const std::string& l
 
 // ---- the run over the layers ------------------------------------------------------------------
 
-// Works on one layer between two progress shares and returns its edits, after putting its
-// hits in the operation's result.
-using LayerWork =
-    std::function<std::vector<Edit>(const LayerInput& layer, Run& run, double from, double to)>;
+// One layer's share of a run: what was read, the run, the layer's progress share and the edits
+// written back once the operation is done with the layer.
+struct LayerPass {
+    const JobInput& input;
+    const LayerInput& layer;
+    Run& run;
+    double from;
+    double to;
+    std::vector<Edit> edits;
+
+    // The progress `within` (0..1) the layer's share.
+    double at(double within) const { return from + (to - from) * within; }
+};
 
 // What every operation does around its per-layer work: the snapshot (false for an unknown job,
-// step or layer, or no layer), the run's progress and stop, and the edits written back layer by
-// layer. Layers `wanted` refuses are skipped; a stopped run keeps the layers done.
+// step or layer, or no layer), the run's progress and stop, and each layer's edits written back
+// after `one` (which puts its hits in the operation's result). Layers `wanted` refuses are
+// skipped; a stopped run keeps the layers done.
 bool forEachLayer(const std::string& job, const std::string& step,
                   const std::vector<std::string>& layers, Korvo::COMMON::progress_state* progress,
-                  JobInput& input, const std::function<bool(const LayerInput&)>& wanted,
-                  const LayerWork& one);
+                  const std::function<bool(const LayerInput&)>& wanted,
+                  const std::function<void(LayerPass&)>& one);
 
 bool everyLayer(const LayerInput&);
 

@@ -77,36 +77,25 @@ const char* nfpKindName(NFP_removal_DFM_op_items item) {
     }
 }
 
-bool isInnerCopper(const layer_info& info) {
-    return info.side == "inner" && (info.type == "signal" || info.type == "mixed");
-}
-
-// One inner layer: hits go to `result`, removals and marks to `edits`.
+// One inner layer: hits go to `result`, removals and marks to the pass's edits.
 class NfpPass {
 public:
-    NfpPass(const JobInput& input, const LayerInput& layer, const NFP_removal_DFM_op_params& params,
-            NFP_removal_result_map& result, std::vector<Edit>& edits, Run& run, double from,
-            double to)
-        : input_(input),
-          layer_(layer),
+    NfpPass(LayerPass& pass, const NFP_removal_DFM_op_params& params,
+            NFP_removal_result_map& result)
+        : pass_(pass),
           params_(params),
           result_(result),
-          edits_(edits),
-          run_(run),
-          from_(from),
-          to_(to),
-          features_(layer.copper.features),
-          holes_(layer.drills),
+          holes_(pass.layer.drills),
           kinds_(params.pad_kinds.begin(), params.pad_kinds.end()),
           scope_(params.apply_to == 1 ? 3 : params.scope) {}
 
     void work() {
-        if (!buildCopper(features_, run_, from_, at(0.4), copper_)) {
+        if (!buildCopper(pass_.layer.copper, pass_.run, pass_.from, pass_.at(0.4), copper_)) {
             return;
         }
         gone_.assign(copper_.pieces.size(), false);
         for (unsigned k = 0; k < copper_.pieces.size(); ++k) {
-            if (run_.stop(at(0.4 + 0.6 * k / copper_.pieces.size()))) {
+            if (pass_.run.stop(pass_.at(0.4 + 0.6 * k / copper_.pieces.size()))) {
                 return;
             }
             judge(k);
@@ -114,44 +103,41 @@ public:
     }
 
 private:
-    double at(double within) const { return from_ + (to_ - from_) * within; }
-    const featureInfo& feature(unsigned k) const { return features_[copper_.pieces[k].feature]; }
-    const CopperShape& shape(unsigned k) const { return copper_.pieces[k].shape; }
-    feature_ref ref(unsigned k) const { return {layer_.copper.row, feature(k).id}; }
     bool wanted(int32_t kind) const { return kinds_.count(kind) != 0; }
 
     // Pad `k` judged once, removed or marked when it is of a kind asked for.
     void judge(unsigned k) {
-        const featureInfo& f = feature(k);
+        const featureInfo& f = copper_.feature(k);
+        const CopperShape& shape = copper_.shape(k);
         SymbolSize size;
         double hx = 0;
         double hy = 0;
         if (!halfSizes(f, size, hx, hy) ||
-            !inScope(f, shape(k).box, layer_.copper, input_, scope_)) {
+            !inScope(f, shape.box, pass_.layer.copper, pass_.input, scope_)) {
             return;
         }
-        const Hole* hole = holes_.of(shape(k));
+        const Hole* hole = holes_.of(shape);
         if (hole != nullptr ? !(hole->kind == "non_plated" ? params_.npth
                                 : hole->kind == "via"      ? params_.via
                                                            : params_.pth)
                             : !params_.remove_undrilled_pads) {
             return;
         }
-        std::vector<feature_ref> refs{ref(k)};
+        std::vector<feature_ref> refs{copper_.ref(k)};
         NFP_removal_DFM_op_items item = nfp_isolated_removed;
         if (!kindOf(k, hole, std::min(hx, hy), item, refs)) {
             return;
         }
         if (params_.action == 0) {
             gone_[k] = true;
-            edits_.push_back(editOf(Edit::remove, f));
+            pass_.edits.push_back(editOf(Edit::remove, f));
         } else {
             Edit edit = editOf(Edit::mark, f);
             edit.attribute = {".nfp", nfpKindName(item)};
-            edits_.push_back(edit);
+            pass_.edits.push_back(edit);
             item = nfp_marked;
         }
-        grade(item, boxHit(2 * std::min(hx, hy), shape(k).box, std::move(refs)), params_.ranges,
+        grade(item, boxHit(2 * std::min(hx, hy), shape.box, std::move(refs)), params_.ranges,
               result_);
     }
 
@@ -180,9 +166,9 @@ private:
     // A duplicate of an earlier pad, or a pad covered by another one still there.
     bool againstOtherPads(unsigned k, NFP_removal_DFM_op_items& item,
                           std::vector<feature_ref>& refs) const {
-        const featureInfo& f = feature(k);
-        for (unsigned j : copper_.near(shape(k).box)) {
-            const featureInfo& other = feature(j);
+        const featureInfo& f = copper_.feature(k);
+        for (unsigned j : copper_.near(copper_.shape(k).box)) {
+            const featureInfo& other = copper_.feature(j);
             if (j == k || gone_[j] || other.type != feature_pad) {
                 continue;
             }
@@ -190,12 +176,13 @@ private:
                               std::abs(other.angle - f.angle) < 1e-6;
             if (same && j < k && wanted(2)) {
                 item = nfp_duplicate_removed;
-            } else if (!same && wanted(4) && coveredBy(f, shape(k), other, shape(j))) {
+            } else if (!same && wanted(4) &&
+                       coveredBy(f, copper_.shape(k), other, copper_.shape(j))) {
                 item = nfp_covered_removed;
             } else {
                 continue;
             }
-            refs.push_back(ref(j));
+            refs.push_back(copper_.ref(j));
             return true;
         }
         return false;
@@ -205,24 +192,18 @@ private:
     bool touched(unsigned k) const {
         point pa;
         point pb;
-        for (unsigned j : copper_.near(grown(shape(k).box, kTouch))) {
-            if (feature(j).type != feature_pad &&
-                CopperGeometry::distance(shape(k), shape(j), pa, pb) <= kTouch) {
+        for (unsigned j : copper_.near(grown(copper_.shape(k).box, kTouch))) {
+            if (copper_.feature(j).type != feature_pad &&
+                CopperGeometry::distance(copper_.shape(k), copper_.shape(j), pa, pb) <= kTouch) {
                 return true;
             }
         }
         return false;
     }
 
-    const JobInput& input_;
-    const LayerInput& layer_;
+    LayerPass& pass_;
     const NFP_removal_DFM_op_params& params_;
     NFP_removal_result_map& result_;
-    std::vector<Edit>& edits_;
-    Run& run_;
-    const double from_;
-    const double to_;
-    const std::vector<featureInfo>& features_;
     const Holes holes_;
     const std::set<int32_t> kinds_;
     const int scope_;
@@ -238,15 +219,12 @@ bool DfmOperations::nfpRemoval(const std::string& job, const std::string& step,
                                NFP_removal_result_map& results,
                                Korvo::COMMON::progress_state* progress) {
     results.clear();
-    JobInput input;
-    return forEachLayer(
-        job, step, layers, progress, input,
-        [](const LayerInput& layer) { return isInnerCopper(layer.info); },
-        [&](const LayerInput& layer, Run& run, double from, double to) {
-            std::vector<Edit> edits;
-            NfpPass(input, layer, params, results, edits, run, from, to).work();
-            return edits;
-        });
+    const auto innerCopper = [](const LayerInput& layer) {
+        return layer.info.side == "inner" &&
+               (layer.info.type == "signal" || layer.info.type == "mixed");
+    };
+    return forEachLayer(job, step, layers, progress, innerCopper,
+                        [&](LayerPass& pass) { NfpPass(pass, params, results).work(); });
 }
 
 }  // namespace wcref

@@ -41,32 +41,21 @@ bool ringRule(const std::string& kind, const signal_layer_DFM_op_params& p, Ring
     return rule.min > 0;
 }
 
-// One layer of the optimisation: its hits go to `result`, its changes to `edits`.
+// One layer of the optimisation: its hits go to `result`, its changes to the pass's edits.
 class SignalLayerPass {
 public:
-    SignalLayerPass(const JobInput& input, const LayerInput& layer,
-                    const signal_layer_DFM_op_params& params, SignalLayerResult& result,
-                    std::vector<Edit>& edits, Run& run, double from, double to)
-        : input_(input),
-          layer_(layer),
-          params_(params),
-          result_(result),
-          edits_(edits),
-          run_(run),
-          from_(from),
-          to_(to),
-          features_(layer.copper.features),
-          holes_(layer.drills) {}
+    SignalLayerPass(LayerPass& pass, const signal_layer_DFM_op_params& params,
+                    SignalLayerResult& result)
+        : pass_(pass), params_(params), result_(result), holes_(pass.layer.drills) {}
 
     void work() {
-        if (!buildCopper(features_, run_, from_, at(0.3), copper_)) {
+        if (!buildCopper(pass_.layer.copper, pass_.run, pass_.from, pass_.at(0.3), copper_)) {
             return;
         }
         in_scope_.resize(copper_.pieces.size());
-        for (size_t k = 0; k < copper_.pieces.size(); ++k) {
-            in_scope_[k] =
-                inScope(features_[copper_.pieces[k].feature], copper_.pieces[k].shape.box,
-                        layer_.copper, input_, params_.scope);
+        for (unsigned k = 0; k < copper_.pieces.size(); ++k) {
+            in_scope_[k] = inScope(copper_.feature(k), copper_.shape(k).box, pass_.layer.copper,
+                                   pass_.input, params_.scope);
         }
         if (enlargeRings()) {
             reportSpacing();
@@ -74,14 +63,10 @@ public:
     }
 
 private:
-    double at(double within) const { return from_ + (to_ - from_) * within; }
-    const featureInfo& feature(unsigned k) const { return features_[copper_.pieces[k].feature]; }
-    feature_ref ref(unsigned k) const { return {layer_.copper.row, feature(k).id}; }
-
     // Annular rings, enlarged in place while nothing else comes too close; false when stopped.
     bool enlargeRings() {
         for (unsigned k = 0; k < copper_.pieces.size(); ++k) {
-            if (run_.stop(at(0.3 + 0.4 * k / copper_.pieces.size()))) {
+            if (pass_.run.stop(pass_.at(0.3 + 0.4 * k / copper_.pieces.size()))) {
                 return false;
             }
             if (in_scope_[k]) {
@@ -92,14 +77,14 @@ private:
     }
 
     void ringOf(unsigned k) {
-        const featureInfo& f = feature(k);
+        const featureInfo& f = copper_.feature(k);
         SymbolSize size;
         double hx = 0;
         double hy = 0;
         if (!halfSizes(f, size, hx, hy)) {
             return;
         }
-        const Hole* hole = holes_.of(copper_.pieces[k].shape);
+        const Hole* hole = holes_.of(copper_.shape(k));
         RingRule rule{};
         if (hole == nullptr || !ringRule(hole->kind, params_, rule)) {
             return;
@@ -108,11 +93,11 @@ private:
         if (ring >= rule.min - params_.minimum_tolerance) {
             return;
         }
-        const std::vector<feature_ref> refs{ref(k), hole->ref};
+        const std::vector<feature_ref> refs{copper_.ref(k), hole->ref};
         if (params_.pad_up && rule.opt > ring && padUp(k, size, ring, rule.opt, refs)) {
             return;
         }
-        grade(rule.item, boxHit(ring, copper_.pieces[k].shape.box, refs), params_.ranges, result_);
+        grade(rule.item, boxHit(ring, copper_.shape(k).box, refs), params_.ranges, result_);
     }
 
     // Enlarges pad `k` so that its ring reaches `opt`, unless the larger pad would come closer
@@ -120,7 +105,7 @@ private:
     bool padUp(unsigned k, const SymbolSize& size, double ring, double opt,
                const std::vector<feature_ref>& refs) {
         const double delta = 2 * std::ceil(opt - ring);
-        featureInfo bigger = feature(k);
+        featureInfo bigger = copper_.feature(k);
         bigger.symbol =
             CopperGeometry::symbolName(size.kind, size.width + delta, size.height + delta);
         const CopperShape shape = CopperGeometry::copperOf(bigger);
@@ -132,16 +117,16 @@ private:
         point pb;
         for (unsigned j : copper_.near(grown(shape.box, reach))) {
             if (j != k && copper_.island[j] != copper_.island[k]) {
-                const double d = CopperGeometry::distance(shape, copper_.pieces[j].shape, pa, pb);
+                const double d = CopperGeometry::distance(shape, copper_.shape(j), pa, pb);
                 blocked = blocked || d <= kTouch || d < params_.spacing_min;
             }
         }
         if (blocked) {
             return false;
         }
-        Edit edit = editOf(Edit::resize, feature(k));
+        Edit edit = editOf(Edit::resize, copper_.feature(k));
         edit.symbol = bigger.symbol;
-        edits_.push_back(edit);
+        pass_.edits.push_back(edit);
         grade(sdi_pad_up, boxHit(ring, shape.box, refs), params_.ranges, result_);
         copper_.pieces[k].shape = shape;
         growth_ = std::max(growth_, delta / 2);
@@ -158,39 +143,35 @@ private:
         point pa;
         point pb;
         for (unsigned i = 0; i < copper_.pieces.size(); ++i) {
-            if (run_.stop(at(0.7 + 0.3 * i / copper_.pieces.size()))) {
+            if (pass_.run.stop(pass_.at(0.7 + 0.3 * i / copper_.pieces.size()))) {
                 return;
             }
-            for (unsigned j : copper_.near(grown(copper_.pieces[i].shape.box, reach))) {
+            for (unsigned j : copper_.near(grown(copper_.shape(i).box, reach))) {
                 if (j <= i || copper_.island[i] == copper_.island[j] ||
                     (!in_scope_[i] && !in_scope_[j])) {
                     continue;
                 }
-                const double d = CopperGeometry::distance(copper_.pieces[i].shape,
-                                                          copper_.pieces[j].shape, pa, pb);
-                const bool pads = feature(i).type == feature_pad && feature(j).type == feature_pad;
+                const double d =
+                    CopperGeometry::distance(copper_.shape(i), copper_.shape(j), pa, pb);
+                const bool pads = copper_.feature(i).type == feature_pad &&
+                                  copper_.feature(j).type == feature_pad;
                 if (pads && params_.pad_to_pad_spacing_min > 0) {
                     if (d < params_.pad_to_pad_spacing_min) {
-                        grade(sdi_pad_to_pad_spacing, distanceHit(d, pa, pb, {ref(i), ref(j)}),
+                        grade(sdi_pad_to_pad_spacing,
+                              distanceHit(d, pa, pb, {copper_.ref(i), copper_.ref(j)}),
                               params_.ranges, result_);
                     }
                 } else if (d < params_.spacing_min) {
-                    grade(sdi_spacing, distanceHit(d, pa, pb, {ref(i), ref(j)}), params_.ranges,
-                          result_);
+                    grade(sdi_spacing, distanceHit(d, pa, pb, {copper_.ref(i), copper_.ref(j)}),
+                          params_.ranges, result_);
                 }
             }
         }
     }
 
-    const JobInput& input_;
-    const LayerInput& layer_;
+    LayerPass& pass_;
     const signal_layer_DFM_op_params& params_;
     SignalLayerResult& result_;
-    std::vector<Edit>& edits_;
-    Run& run_;
-    const double from_;
-    const double to_;
-    const std::vector<featureInfo>& features_;
     const Holes holes_;
     Copper copper_;
     std::vector<bool> in_scope_;
@@ -205,18 +186,13 @@ bool DfmOperations::signalLayer(const std::string& job, const std::string& step,
                                 signal_layer_DFM_result_map& results,
                                 Korvo::COMMON::progress_state* progress) {
     results.clear();
-    JobInput input;
-    return forEachLayer(
-        job, step, layers, progress, input, everyLayer,
-        [&](const LayerInput& layer, Run& run, double from, double to) {
-            SignalLayerResult result;
-            std::vector<Edit> edits;
-            SignalLayerPass(input, layer, params, result, edits, run, from, to).work();
-            if (!result.empty()) {
-                results[layer.info.name] = std::move(result);
-            }
-            return edits;
-        });
+    return forEachLayer(job, step, layers, progress, everyLayer, [&](LayerPass& pass) {
+        SignalLayerResult result;
+        SignalLayerPass(pass, params, result).work();
+        if (!result.empty()) {
+            results[pass.layer.info.name] = std::move(result);
+        }
+    });
 }
 
 }  // namespace wcref

@@ -36,38 +36,27 @@ double clearanceOf(const featureInfo& opening, const featureInfo& pad) {
                     oy - py - std::abs(opening.start.y - pad.start.y));
 }
 
-// One mask layer over its copper: its hits go to `result`, its changes to `edits`.
+// One mask layer over its copper: its hits go to `result`, its changes to the pass's edits.
 class SolderMaskPass {
 public:
-    SolderMaskPass(const JobInput& input, const LayerInput& layer,
-                   const solder_mask_DFM_params& params, SolderMaskResult& result,
-                   std::vector<Edit>& edits, Run& run, double from, double to)
-        : input_(input),
-          layer_(layer),
-          params_(params),
-          result_(result),
-          edits_(edits),
-          run_(run),
-          from_(from),
-          to_(to),
-          masks_(layer.copper.features),
-          cu_(layer.beneath.features) {}
+    SolderMaskPass(LayerPass& pass, const solder_mask_DFM_params& params, SolderMaskResult& result)
+        : pass_(pass), params_(params), result_(result) {}
 
     void work() {
-        if (!buildCopper(masks_, run_, from_, at(0.2), openings_) ||
-            !buildCopper(cu_, run_, at(0.2), at(0.4), copper_)) {
+        if (!buildCopper(pass_.layer.copper, pass_.run, pass_.from, pass_.at(0.2), openings_) ||
+            !buildCopper(pass_.layer.beneath, pass_.run, pass_.at(0.2), pass_.at(0.4), copper_)) {
             return;
         }
         in_scope_.resize(openings_.pieces.size());
         pad_of_.assign(openings_.pieces.size(), -1);
         for (unsigned k = 0; k < openings_.pieces.size(); ++k) {
-            if (run_.stop(at(0.4 + 0.2 * k / openings_.pieces.size()))) {
+            if (pass_.run.stop(pass_.at(0.4 + 0.2 * k / openings_.pieces.size()))) {
                 return;
             }
             clearance(k);
         }
         for (unsigned k = 0; k < openings_.pieces.size(); ++k) {
-            if (run_.stop(at(0.6 + 0.4 * k / openings_.pieces.size()))) {
+            if (pass_.run.stop(pass_.at(0.6 + 0.4 * k / openings_.pieces.size()))) {
                 return;
             }
             if (in_scope_[k] && pad_of_[k] >= 0 && params_.coverage_min > 0) {
@@ -80,23 +69,17 @@ public:
     }
 
 private:
-    double at(double within) const { return from_ + (to_ - from_) * within; }
-    const featureInfo& opening(unsigned k) const { return masks_[openings_.pieces[k].feature]; }
-    const featureInfo& pad(unsigned j) const { return cu_[copper_.pieces[j].feature]; }
-    feature_ref maskRef(unsigned k) const { return {layer_.copper.row, opening(k).id}; }
-    feature_ref cuRef(unsigned j) const { return {layer_.beneath.row, pad(j).id}; }
-
     // The copper pad under opening `k` (the nearest whose centre the opening covers), or -1.
     int padUnder(unsigned k) const {
-        const featureInfo& o = opening(k);
+        const featureInfo& o = openings_.feature(k);
         int found = -1;
         double nearest = 0;
-        for (unsigned j : copper_.near(openings_.pieces[k].shape.box)) {
-            const featureInfo& p = pad(j);
+        for (unsigned j : copper_.near(openings_.shape(k).box)) {
+            const featureInfo& p = copper_.feature(j);
             SymbolSize ps;
             double px = 0;
             double py = 0;
-            if (halfSizes(p, ps, px, py) && covers(openings_.pieces[k].shape, p.start) &&
+            if (halfSizes(p, ps, px, py) && covers(openings_.shape(k), p.start) &&
                 (found < 0 || length(p.start, o.start) < nearest)) {
                 found = static_cast<int>(j);
                 nearest = length(p.start, o.start);
@@ -107,9 +90,9 @@ private:
 
     // Scope, pad and clearance of opening `k`, the opening resized when asked.
     void clearance(unsigned k) {
-        const featureInfo& o = opening(k);
+        const featureInfo& o = openings_.feature(k);
         in_scope_[k] =
-            inScope(o, openings_.pieces[k].shape.box, layer_.copper, input_, params_.scope);
+            inScope(o, openings_.shape(k).box, pass_.layer.copper, pass_.input, params_.scope);
         SymbolSize size;
         double ox = 0;
         double oy = 0;
@@ -121,12 +104,12 @@ private:
             return;
         }
         const unsigned p = static_cast<unsigned>(pad_of_[k]);
-        const double clearance = clearanceOf(o, pad(p));
+        const double clearance = clearanceOf(o, copper_.feature(p));
         if (clearance >= params_.clearance_min) {
             return;
         }
         const check_info hit =
-            boxHit(clearance, copper_.pieces[p].shape.box, {maskRef(k), cuRef(p)});
+            boxHit(clearance, copper_.shape(p).box, {openings_.ref(k), copper_.ref(p)});
         if (!params_.do_resize || params_.clearance_opt <= clearance) {
             grade(smo_clearance_below_min, hit, params_.ranges, result_);
             return;
@@ -137,7 +120,7 @@ private:
             CopperGeometry::symbolName(size.kind, size.width + delta, size.height + delta);
         Edit edit = editOf(Edit::resize, o);
         edit.symbol = bigger.symbol;
-        edits_.push_back(edit);
+        pass_.edits.push_back(edit);
         openings_.pieces[k].shape = CopperGeometry::copperOf(bigger);
         growth_ = std::max(growth_, delta / 2);
         grade(smo_clearance_resized, hit, params_.ranges, result_);
@@ -145,24 +128,25 @@ private:
 
     // The mask between opening `k` and copper it must keep covered.
     void coverage(unsigned k) {
-        const CopperShape& shape = openings_.pieces[k].shape;
+        const CopperShape& shape = openings_.shape(k);
         point pa;
         point pb;
         for (unsigned j : copper_.near(grown(shape.box, params_.coverage_min + kTouch))) {
             if (copper_.island[j] == copper_.island[pad_of_[k]]) {
                 continue;
             }
-            const double d = CopperGeometry::distance(shape, copper_.pieces[j].shape, pa, pb);
+            const double d = CopperGeometry::distance(shape, copper_.shape(j), pa, pb);
             if (d < params_.coverage_min) {
-                grade(smo_coverage_below_min, distanceHit(d, pa, pb, {maskRef(k), cuRef(j)}),
-                      params_.ranges, result_);
+                grade(smo_coverage_below_min,
+                      distanceHit(d, pa, pb, {openings_.ref(k), copper_.ref(j)}), params_.ranges,
+                      result_);
             }
         }
     }
 
     // The mask slivers between opening `k` and the openings after it.
     void bridges(unsigned k) {
-        const CopperShape& shape = openings_.pieces[k].shape;
+        const CopperShape& shape = openings_.shape(k);
         point pa;
         point pb;
         for (unsigned j :
@@ -170,26 +154,20 @@ private:
             if (j <= k || (!in_scope_[k] && !in_scope_[j])) {
                 continue;
             }
-            const double d = CopperGeometry::distance(shape, openings_.pieces[j].shape, pa, pb);
+            const double d = CopperGeometry::distance(shape, openings_.shape(j), pa, pb);
             if (d > kTouch && d < params_.bridge_size) {
-                grade(smo_bridge_below_min, distanceHit(d, pa, pb, {maskRef(k), maskRef(j)}),
-                      params_.ranges, result_);
+                grade(smo_bridge_below_min,
+                      distanceHit(d, pa, pb, {openings_.ref(k), openings_.ref(j)}), params_.ranges,
+                      result_);
             }
         }
     }
 
-    const JobInput& input_;
-    const LayerInput& layer_;
+    LayerPass& pass_;
     const solder_mask_DFM_params& params_;
     SolderMaskResult& result_;
-    std::vector<Edit>& edits_;
-    Run& run_;
-    const double from_;
-    const double to_;
-    const std::vector<featureInfo>& masks_;
-    const std::vector<featureInfo>& cu_;
-    Copper openings_;
-    Copper copper_;
+    Copper openings_;  // the mask layer's pads
+    Copper copper_;    // the copper beneath
     std::vector<bool> in_scope_;
     std::vector<int> pad_of_;  // copper piece under each opening
     double growth_ = 0.0;      // the most any opening grew
@@ -203,21 +181,16 @@ bool DfmOperations::solderMask(const std::string& job, const std::string& step,
                                solder_mask_DFM_result_map& results,
                                Korvo::COMMON::progress_state* progress) {
     results.clear();
-    JobInput input;
-    return forEachLayer(
-        job, step, layers, progress, input,
-        [](const LayerInput& layer) {
-            return layer.info.type == "solder_mask" && !layer.beneath_info.name.empty();
-        },
-        [&](const LayerInput& layer, Run& run, double from, double to) {
-            SolderMaskResult result;
-            std::vector<Edit> edits;
-            SolderMaskPass(input, layer, params, result, edits, run, from, to).work();
-            for (auto& entry : result) {
-                results[entry.first].push_back(std::move(entry.second));
-            }
-            return edits;
-        });
+    const auto overCopper = [](const LayerInput& layer) {
+        return layer.info.type == "solder_mask" && !layer.beneath_info.name.empty();
+    };
+    return forEachLayer(job, step, layers, progress, overCopper, [&](LayerPass& pass) {
+        SolderMaskResult result;
+        SolderMaskPass(pass, params, result).work();
+        for (auto& entry : result) {
+            results[entry.first].push_back(std::move(entry.second));
+        }
+    });
 }
 
 }  // namespace wcref

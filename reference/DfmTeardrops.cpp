@@ -46,31 +46,21 @@ point direction(const point& a, const point& b) {
     return d > 0 ? point{(b.x - a.x) / d, (b.y - a.y) / d} : point{0, 0};
 }
 
-// One layer: hits go to `result`, deletions to `edits` and the fillets to add to `made` (their
-// hits follow once they have ids).
+// One layer: hits go to `result`, deletions to the pass's edits and the fillets to add to what
+// work() returns (their hits follow once they have ids).
 class TeardropPass {
 public:
-    TeardropPass(const JobInput& input, const LayerInput& layer,
-                 const teardrop_create_DFM_op_params& params, TeardropResult& result,
-                 std::vector<Edit>& edits, Run& run, double from, double to)
-        : input_(input),
-          layer_(layer),
-          params_(params),
-          result_(result),
-          edits_(edits),
-          run_(run),
-          from_(from),
-          to_(to),
-          features_(layer.copper.features),
-          holes_(layer.drills) {}
+    TeardropPass(LayerPass& pass, const teardrop_create_DFM_op_params& params,
+                 TeardropResult& result)
+        : pass_(pass), params_(params), result_(result), holes_(pass.layer.drills) {}
 
     std::deque<Fillet> work() {
         const std::set<size_t> old = deleteOld();
-        if (!buildCopper(features_, run_, from_, at(0.3), copper_, old)) {
+        if (!buildCopper(pass_.layer.copper, pass_.run, pass_.from, pass_.at(0.3), copper_, old)) {
             return {};
         }
         for (unsigned t = 0; t < copper_.pieces.size(); ++t) {
-            if (run_.stop(at(0.3 + 0.7 * t / copper_.pieces.size()))) {
+            if (pass_.run.stop(pass_.at(0.3 + 0.7 * t / copper_.pieces.size()))) {
                 break;
             }
             fromTrace(t);
@@ -79,11 +69,9 @@ public:
     }
 
 private:
-    double at(double within) const { return from_ + (to_ - from_) * within; }
-    const featureInfo& feature(unsigned k) const { return features_[copper_.pieces[k].feature]; }
-    const CopperShape& shape(unsigned k) const { return copper_.pieces[k].shape; }
-    feature_ref ref(unsigned k) const { return {layer_.copper.row, feature(k).id}; }
-    bool isTeardrop(unsigned k) const { return feature(k).attributes.count(".tear_drop") != 0; }
+    bool isTeardrop(unsigned k) const {
+        return copper_.feature(k).attributes.count(".tear_drop") != 0;
+    }
 
     // Deletes the teardrop surfaces in scope when asked; the indices of those features.
     std::set<size_t> deleteOld() {
@@ -91,14 +79,15 @@ private:
         if (params_.report_only || params_.delete_old_teardrops != 0) {
             return old;
         }
-        for (size_t k = 0; k < features_.size(); ++k) {
-            const featureInfo& f = features_[k];
+        const CheckLayer& layer = pass_.layer.copper;
+        for (size_t k = 0; k < layer.features.size(); ++k) {
+            const featureInfo& f = layer.features[k];
             if (f.type == feature_surface && f.attributes.count(".tear_drop") != 0) {
                 const CopperShape surface = CopperGeometry::copperOf(f);
-                if (inScope(f, surface.box, layer_.copper, input_, params_.scope)) {
+                if (inScope(f, surface.box, layer, pass_.input, params_.scope)) {
                     old.insert(k);
-                    edits_.push_back(editOf(Edit::remove, f));
-                    grade(tdi_deleted_old, boxHit(0.0, surface.box, {{layer_.copper.row, f.id}}),
+                    pass_.edits.push_back(editOf(Edit::remove, f));
+                    grade(tdi_deleted_old, boxHit(0.0, surface.box, {{layer.row, f.id}}),
                           params_.ranges, result_);
                 }
             }
@@ -108,12 +97,12 @@ private:
 
     // Both ends of piece `t` when it is a round trace within the width limits.
     void fromTrace(unsigned t) {
-        const featureInfo& trace = feature(t);
+        const featureInfo& trace = copper_.feature(t);
         const SymbolSize width = CopperGeometry::parseSymbol(trace.symbol);
         if ((trace.type != feature_line && trace.type != feature_arc) ||
             width.kind != SymbolSize::round || isTeardrop(t) ||
             width.width < params_.trace_width_min || width.width > params_.trace_width_max ||
-            !inScope(trace, shape(t).box, layer_.copper, input_, params_.scope)) {
+            !inScope(trace, copper_.shape(t).box, pass_.layer.copper, pass_.input, params_.scope)) {
             return;
         }
         std::vector<point> axis{trace.start, trace.end};
@@ -142,11 +131,12 @@ private:
         SymbolSize size;
         double hx = 0;
         double hy = 0;
-        if (p == end.trace || !halfSizes(feature(p), size, hx, hy) || !covers(shape(p), end.at) ||
-            covers(shape(p), end.far)) {
+        const CopperShape& pad = copper_.shape(p);
+        if (p == end.trace || !halfSizes(copper_.feature(p), size, hx, hy) ||
+            !covers(pad, end.at) || covers(pad, end.far)) {
             return;
         }
-        const Hole* hole = holes_.of(shape(p));
+        const Hole* hole = holes_.of(pad);
         const bool wanted = hole != nullptr ? params_.drilled_pads &&
                                                   hole->diameter >= params_.drill_size_min &&
                                                   hole->diameter <= params_.drill_size_max
@@ -157,14 +147,15 @@ private:
             !filletOf(end, p, r, fillet)) {
             return;
         }
-        const point c = feature(p).start;
-        fillet.value =
-            hole != nullptr ? r - length(hole->centre, c) - hole->diameter / 2 : r - end.half_width;
+        fillet.value = hole != nullptr
+                           ? r - length(hole->centre, copper_.feature(p).start) - hole->diameter / 2
+                           : r - end.half_width;
         point ca;
         point cb;
         const double closest = closestObstacle(fillet, hole, ca, cb);
         if (closest < std::numeric_limits<double>::infinity()) {
-            grade(tdi_skipped_spacing, distanceHit(closest, ca, cb, {ref(end.trace), ref(p)}),
+            grade(tdi_skipped_spacing,
+                  distanceHit(closest, ca, cb, {copper_.ref(end.trace), copper_.ref(p)}),
                   params_.ranges, result_);
             return;
         }
@@ -184,10 +175,10 @@ private:
     bool hasTeardrop(unsigned t, unsigned p) const {
         point pa;
         point pb;
-        for (unsigned o : copper_.near(grown(shape(p).box, kTouch))) {
+        for (unsigned o : copper_.near(grown(copper_.shape(p).box, kTouch))) {
             if (o != t && isTeardrop(o) &&
-                CopperGeometry::distance(shape(o), shape(p), pa, pb) <= kTouch &&
-                CopperGeometry::distance(shape(o), shape(t), pa, pb) <= kTouch) {
+                CopperGeometry::distance(copper_.shape(o), copper_.shape(p), pa, pb) <= kTouch &&
+                CopperGeometry::distance(copper_.shape(o), copper_.shape(t), pa, pb) <= kTouch) {
                 return true;
             }
         }
@@ -197,7 +188,7 @@ private:
     // The straight fillet from the width of pad `p` (half-size `r`) across its centre to the
     // trace's width along the trace; false when there is no room for one.
     bool filletOf(const TraceEnd& end, unsigned p, double r, Fillet& fillet) const {
-        const point c = feature(p).start;
+        const point c = copper_.feature(p).start;
         const point u = direction(end.at, end.next);
         const point n{-u.y, u.x};
         const double h = end.half_width;
@@ -214,8 +205,8 @@ private:
         fillet.surface.attributes[".tear_drop"] = "";
         fillet.shape = CopperGeometry::copperOf(fillet.surface);
         fillet.island = copper_.island[end.trace];
-        fillet.trace = ref(end.trace);
-        fillet.pad = ref(p);
+        fillet.trace = copper_.ref(end.trace);
+        fillet.pad = copper_.ref(p);
         return true;
     }
 
@@ -239,7 +230,7 @@ private:
         const GeoBox around = grown(fillet.shape.box, margin);
         for (unsigned j : copper_.near(around)) {
             if (copper_.island[j] != fillet.island) {
-                consider(CopperGeometry::distance(fillet.shape, shape(j), pa, pb),
+                consider(CopperGeometry::distance(fillet.shape, copper_.shape(j), pa, pb),
                          params_.copper_spacing);
             }
         }
@@ -264,26 +255,21 @@ private:
         return closest;
     }
 
-    const JobInput& input_;
-    const LayerInput& layer_;
+    LayerPass& pass_;
     const teardrop_create_DFM_op_params& params_;
     TeardropResult& result_;
-    std::vector<Edit>& edits_;
-    Run& run_;
-    const double from_;
-    const double to_;
-    const std::vector<featureInfo>& features_;
     const Holes holes_;
     Copper copper_;
     std::deque<Fillet> fillets_;
     Tree made_tree_;  // the fillets' boxes
 };
 
-// Adds the fillets of one layer to it after `edits`; the new surfaces get their ids when
-// written, and their hits name them.
-void addFillets(const std::string& job, const std::string& step, const LayerInput& layer,
-                std::vector<Edit>& edits, std::deque<Fillet>& fillets,
-                const teardrop_create_DFM_op_params& params, teardrop_result_map& results) {
+// Writes the pass's edits and then its fillets to the layer: the new surfaces get their ids
+// when written, and their hits name them.
+void writeWithFillets(const std::string& job, const std::string& step, LayerPass& pass,
+                      std::deque<Fillet>& fillets, const teardrop_create_DFM_op_params& params,
+                      teardrop_result_map& results) {
+    std::vector<Edit>& edits = pass.edits;
     const size_t first = edits.size();
     for (Fillet& fillet : fillets) {
         Edit edit;
@@ -291,14 +277,16 @@ void addFillets(const std::string& job, const std::string& step, const LayerInpu
         edit.feature = std::move(fillet.surface);
         edits.push_back(std::move(edit));
     }
-    apply(job, step, layer.info.name, edits);
+    apply(job, step, pass.layer.info.name, edits);
+    const int row = pass.layer.copper.row;
     for (size_t f = 0; f < fillets.size(); ++f) {
         const Fillet& fillet = fillets[f];
         grade(fillet.item,
               boxHit(fillet.value, fillet.shape.box,
-                     {fillet.trace, fillet.pad, {layer.copper.row, edits[first + f].new_id}}),
+                     {fillet.trace, fillet.pad, {row, edits[first + f].new_id}}),
               params.ranges, results);
     }
+    edits.clear();  // written
 }
 
 }  // namespace
@@ -309,17 +297,10 @@ bool DfmOperations::teardrops(const std::string& job, const std::string& step,
                               teardrop_result_map& results,
                               Korvo::COMMON::progress_state* progress) {
     results.clear();
-    JobInput input;
-    return forEachLayer(
-        job, step, layers, progress, input, everyLayer,
-        [&](const LayerInput& layer, Run& run, double from, double to) {
-            std::vector<Edit> edits;
-            std::deque<Fillet> fillets =
-                TeardropPass(input, layer, params, results, edits, run, from, to).work();
-            addFillets(job, step, layer, edits, fillets, params, results);
-            // Written above, where the new ids are needed.
-            return std::vector<Edit>();
-        });
+    return forEachLayer(job, step, layers, progress, everyLayer, [&](LayerPass& pass) {
+        std::deque<Fillet> fillets = TeardropPass(pass, params, results).work();
+        writeWithFillets(job, step, pass, fillets, params, results);
+    });
 }
 
 }  // namespace wcref

@@ -87,26 +87,6 @@ private:
     std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
 };
 
-check_info distanceHit(double value, const point& a, const point& b,
-                       std::vector<feature_ref> features) {
-    check_info hit;
-    hit.value = value;
-    hit.shape.kind = check_points::line;
-    hit.shape.points = {a, b};
-    hit.features = std::move(features);
-    return hit;
-}
-
-check_info boxHit(double value, const GeoBox& box, std::vector<feature_ref> features) {
-    check_info hit;
-    hit.value = value;
-    hit.shape.kind = check_points::box;
-    hit.shape.points = {{box.min_corner().x(), box.min_corner().y()},
-                        {box.max_corner().x(), box.max_corner().y()}};
-    hit.features = std::move(features);
-    return hit;
-}
-
 signal_layers_checks_items spacingItem(const Piece& a, const Piece& b, bool smd_items) {
     if (smd_items && (a.smd || b.smd)) {
         const Piece& other = a.smd ? b : a;
