@@ -72,6 +72,7 @@ struct Holes {
     std::vector<Hole> holes;
     Tree tree;
 
+    Holes() = default;
     explicit Holes(const std::vector<CheckLayer>& layers);
     // The largest hole whose centre lies on `pad`, or nullptr.
     const Hole* of(const CopperShape& pad) const;

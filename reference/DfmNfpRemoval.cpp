@@ -85,7 +85,6 @@ public:
         : pass_(pass),
           params_(params),
           result_(result),
-          holes_(pass.layer.drills),
           kinds_(params.pad_kinds.begin(), params.pad_kinds.end()),
           scope_(params.apply_to == 1 ? 3 : params.scope) {}
 
@@ -93,6 +92,7 @@ public:
         if (!buildCopper(pass_.layer.copper, pass_.run, pass_.from, pass_.at(0.4), copper_)) {
             return;
         }
+        holes_ = Holes(pass_.layer.drills);
         gone_.assign(copper_.pieces.size(), false);
         for (unsigned k = 0; k < copper_.pieces.size(); ++k) {
             if (pass_.run.stop(pass_.at(0.4 + 0.6 * k / copper_.pieces.size()))) {
@@ -204,7 +204,7 @@ private:
     LayerPass& pass_;
     const NFP_removal_DFM_op_params& params_;
     NFP_removal_result_map& result_;
-    const Holes holes_;
+    Holes holes_;  // built after the copper, which keeps the peak memory lower
     const std::set<int32_t> kinds_;
     const int scope_;
     Copper copper_;

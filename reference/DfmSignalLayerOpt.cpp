@@ -46,12 +46,13 @@ class SignalLayerPass {
 public:
     SignalLayerPass(LayerPass& pass, const signal_layer_DFM_op_params& params,
                     SignalLayerResult& result)
-        : pass_(pass), params_(params), result_(result), holes_(pass.layer.drills) {}
+        : pass_(pass), params_(params), result_(result) {}
 
     void work() {
         if (!buildCopper(pass_.layer.copper, pass_.run, pass_.from, pass_.at(0.3), copper_)) {
             return;
         }
+        holes_ = Holes(pass_.layer.drills);
         in_scope_.resize(copper_.pieces.size());
         for (unsigned k = 0; k < copper_.pieces.size(); ++k) {
             in_scope_[k] = inScope(copper_.feature(k), copper_.shape(k).box, pass_.layer.copper,
@@ -172,7 +173,7 @@ private:
     LayerPass& pass_;
     const signal_layer_DFM_op_params& params_;
     SignalLayerResult& result_;
-    const Holes holes_;
+    Holes holes_;  // built after the copper, which keeps the peak memory lower
     Copper copper_;
     std::vector<bool> in_scope_;
     double growth_ = 0.0;  // the most any pad grew

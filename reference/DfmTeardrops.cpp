@@ -52,13 +52,14 @@ class TeardropPass {
 public:
     TeardropPass(LayerPass& pass, const teardrop_create_DFM_op_params& params,
                  TeardropResult& result)
-        : pass_(pass), params_(params), result_(result), holes_(pass.layer.drills) {}
+        : pass_(pass), params_(params), result_(result) {}
 
     std::deque<Fillet> work() {
         const std::set<size_t> old = deleteOld();
         if (!buildCopper(pass_.layer.copper, pass_.run, pass_.from, pass_.at(0.3), copper_, old)) {
             return {};
         }
+        holes_ = Holes(pass_.layer.drills);
         for (unsigned t = 0; t < copper_.pieces.size(); ++t) {
             if (pass_.run.stop(pass_.at(0.3 + 0.7 * t / copper_.pieces.size()))) {
                 break;
@@ -258,7 +259,7 @@ private:
     LayerPass& pass_;
     const teardrop_create_DFM_op_params& params_;
     TeardropResult& result_;
-    const Holes holes_;
+    Holes holes_;  // built after the copper, which keeps the peak memory lower
     Copper copper_;
     std::deque<Fillet> fillets_;
     Tree made_tree_;  // the fillets' boxes
