@@ -146,7 +146,7 @@ struct LayerPass {
     double to;
     std::vector<Edit> edits;
 
-    // The progress `within` (0..1) the layer's share.
+    // The progress at `within` (0..1) of the layer's share.
     double at(double within) const { return from + (to - from) * within; }
 };
 
