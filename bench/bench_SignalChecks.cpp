@@ -27,7 +27,6 @@
 #include "CopperGeometry.h"
 #include "SignalChecks.h"
 #include "SyntheticJob.h"
-#include "UnionFind.h"
 
 #ifdef WIDGET_COMMON_BENCH_GEOS
 #define GEOS_USE_ONLY_R_API

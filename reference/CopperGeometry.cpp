@@ -133,9 +133,7 @@ GeoBox arcBox(const ArcBand& arc) {
             bg::expand(box, GeoPoint(p.x, p.y));
         }
     }
-    const double w = arc.half_width;
-    return GeoBox(GeoPoint(box.min_corner().x() - w, box.min_corner().y() - w),
-                  GeoPoint(box.max_corner().x() + w, box.max_corner().y() + w));
+    return grown(box, arc.half_width);
 }
 
 // Distance from `p` to the middle arc and the arc point that realises it: the radial
@@ -342,6 +340,27 @@ void polygonPolygon(const GeoPolygon& x, const GeoPolygon& y, Best& best) {
 
 }  // namespace
 
+Korvo::API::check_info distanceHit(double value, const point& a, const point& b,
+                                   std::vector<Korvo::API::feature_ref> features) {
+    Korvo::API::check_info hit;
+    hit.value = value;
+    hit.shape.kind = Korvo::API::check_points::line;
+    hit.shape.points = {a, b};
+    hit.features = std::move(features);
+    return hit;
+}
+
+Korvo::API::check_info boxHit(double value, const GeoBox& box,
+                              std::vector<Korvo::API::feature_ref> features) {
+    Korvo::API::check_info hit;
+    hit.value = value;
+    hit.shape.kind = Korvo::API::check_points::box;
+    hit.shape.points = {{box.min_corner().x(), box.min_corner().y()},
+                        {box.max_corner().x(), box.max_corner().y()}};
+    hit.features = std::move(features);
+    return hit;
+}
+
 SymbolSize CopperGeometry::parseSymbol(const std::string& name) {
     SymbolSize size;
     const auto number = [](const char* text, double& value, const char** rest) {
@@ -510,6 +529,13 @@ CopperShape CopperGeometry::copperOf(const featureInfo& f) {
             expand(shape.box, first, GeoBox(v, v));
         }
     }
+    return shape;
+}
+
+CopperShape CopperGeometry::pointShape(const point& p) {
+    CopperShape shape;
+    shape.capsules.push_back({p, p, 0.0});
+    shape.box = GeoBox(GeoPoint(p.x, p.y), GeoPoint(p.x, p.y));
     return shape;
 }
 

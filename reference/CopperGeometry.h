@@ -24,10 +24,12 @@
 #include <boost/geometry/geometries/box.hpp>
 #include <boost/geometry/geometries/point_xy.hpp>
 #include <boost/geometry/geometries/polygon.hpp>
+#include <cstddef>
+#include <numeric>
 #include <string>
 #include <vector>
 
-#include "Korvo_API_types.h"
+#include "Korvo_Analysis_types.h"
 
 namespace wcref {
 
@@ -43,6 +45,9 @@ constexpr double kMaxChordError = 500.0;
 
 // Nanometres per mil.
 constexpr double kNmPerMil = 25400.0;
+
+// Copper closer than this touches (one island, no gap): engine lengths are whole nanometres.
+constexpr double kTouch = 0.5;
 
 struct SymbolSize {
     enum Kind { none, round, square, rectangle, oval };
@@ -77,6 +82,42 @@ struct CopperShape {
     bool empty() const { return capsules.empty() && arcs.empty() && polygons.empty(); }
 };
 
+// `box` with each side moved outwards by `by`: the candidates of a search within `by` of it.
+inline GeoBox grown(const GeoBox& box, double by) {
+    return GeoBox(GeoPoint(box.min_corner().x() - by, box.min_corner().y() - by),
+                  GeoPoint(box.max_corner().x() + by, box.max_corner().y() + by));
+}
+
+// Disjoint sets over 0..n-1 with path halving: the islands of copper and the nets they join.
+class UnionFind {
+public:
+    explicit UnionFind(size_t n = 0) : parent_(n) { std::iota(parent_.begin(), parent_.end(), 0); }
+    size_t add() {
+        parent_.push_back(parent_.size());
+        return parent_.size() - 1;
+    }
+    size_t size() const { return parent_.size(); }
+    size_t find(size_t x) {
+        while (parent_[x] != x) {
+            parent_[x] = parent_[parent_[x]];
+            x = parent_[x];
+        }
+        return x;
+    }
+    void join(size_t a, size_t b) { parent_[find(a)] = find(b); }
+
+private:
+    std::vector<size_t> parent_;
+};
+
+// The hits the checks and the optimisations report: a distance as the line between its two
+// closest points, a size or a count as the feature's box.
+Korvo::API::check_info distanceHit(double value, const Korvo::API::point& a,
+                                   const Korvo::API::point& b,
+                                   std::vector<Korvo::API::feature_ref> features);
+Korvo::API::check_info boxHit(double value, const GeoBox& box,
+                              std::vector<Korvo::API::feature_ref> features);
+
 class CopperGeometry {
 public:
     // The size a symbol name stands for; kind none when it is not a standard symbol.
@@ -95,6 +136,8 @@ public:
                                                     double radius_extra = 0.0);
 
     static CopperShape copperOf(const Korvo::API::featureInfo& feature);
+    // A single point as a shape: what covers it, touches it.
+    static CopperShape pointShape(const Korvo::API::point& p);
 
     // The arc from `start` to `end` about `centre` (a full circle when they coincide) widened
     // by `half_width`; radius and start angle from `start`, end angle from `end`.

@@ -1,5 +1,8 @@
 #pragma once
-// The four DFM optimisations of the reference engine, on the layers' own geometry.
+// The four DFM optimisations of the reference engine, on the layers' own geometry. Each is a
+// file of its own (DfmSignalLayerOpt.cpp, DfmSolderMaskOpt.cpp, DfmTeardrops.cpp,
+// DfmNfpRemoval.cpp); the run around their work on a layer is DfmDriver.h, the copper, holes and
+// pad sizes they measure DfmCopper.h.
 //
 // Each run copies what it reads out of the store under the store's lock (the layer, the drill
 // layers whose span covers it, the profile, the selection and the screen box), works without

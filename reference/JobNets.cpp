@@ -7,7 +7,6 @@
 #include <set>
 
 #include "CopperGeometry.h"
-#include "UnionFind.h"
 
 namespace wcref {
 
@@ -19,28 +18,14 @@ using Korvo::API::point;
 
 namespace {
 
-// Closer than this, copper touches: engine lengths are whole nanometres.
-constexpr double kTouch = 0.5;
 constexpr size_t kNone = static_cast<size_t>(-1);
 
 using Entry = std::pair<GeoBox, size_t>;
 using Tree = bgi::rtree<Entry, bgi::quadratic<16>>;
 
-GeoBox grown(const GeoBox& box, double by) {
-    return GeoBox(GeoPoint(box.min_corner().x() - by, box.min_corner().y() - by),
-                  GeoPoint(box.max_corner().x() + by, box.max_corner().y() + by));
-}
-
 bool isCopper(const layer_info& l) {
     return l.context == "board" &&
            (l.type == "signal" || l.type == "power_ground" || l.type == "mixed");
-}
-
-CopperShape dot(const point& p) {
-    CopperShape shape;
-    shape.capsules.push_back({p, p, 0.0});
-    shape.box = GeoBox(GeoPoint(p.x, p.y), GeoPoint(p.x, p.y));
-    return shape;
 }
 
 // The copper of one layer: its pieces (positive features), its cuts (clear features, or a
@@ -64,7 +49,8 @@ struct CopperLayer {
         point b;
         for (const Entry& e : found) {
             if ((after == kNone || e.second > after) &&
-                CopperGeometry::distance(dot(p), shapes[e.second], a, b) <= kTouch) {
+                CopperGeometry::distance(CopperGeometry::pointShape(p), shapes[e.second], a, b) <=
+                    kTouch) {
                 return true;
             }
         }
@@ -289,7 +275,7 @@ StepNets JobNets::derive(const EngineJob& job, const EngineStep& step,
                     (tp.side == TestPoint::both && !outer_top && !outer_bottom)) {
                     continue;
                 }
-                for (size_t n : layers[li].touching(dot(tp.at), tp.at)) {
+                for (size_t n : layers[li].touching(CopperGeometry::pointShape(tp.at), tp.at)) {
                     found_node = n;
                 }
             }
@@ -397,7 +383,8 @@ StepNets JobNets::derive(const EngineJob& job, const EngineStep& step,
                 point a;
                 point b;
                 const auto hit = std::find_if(found.begin(), found.end(), [&](const Entry& e) {
-                    return CopperGeometry::distance(dot(p), layer.shapes[e.second], a, b) <= kTouch;
+                    return CopperGeometry::distance(CopperGeometry::pointShape(p),
+                                                    layer.shapes[e.second], a, b) <= kTouch;
                 });
                 if (hit != found.end()) {
                     d.features.push_back({layer.info->row, (*layer.features)[hit->second].id});

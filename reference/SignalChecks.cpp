@@ -11,7 +11,6 @@
 
 #include "CopperGeometry.h"
 #include "StepRepeatGeometry.h"
-#include "UnionFind.h"
 
 namespace wcref {
 
@@ -19,9 +18,6 @@ namespace bgi = boost::geometry::index;
 using namespace Korvo::API;
 
 namespace {
-
-// Features closer than this touch: engine lengths are whole nanometres.
-constexpr double kTouch = 0.5;
 
 // A measured distance counts as below a limit only when it is below by more than this: a
 // layout at exactly the limit, read from inches or millimetres, lands a few femtometres either
@@ -61,11 +57,6 @@ struct Piece {
 using Entry = std::pair<GeoBox, unsigned>;
 using Tree = bgi::rtree<Entry, bgi::quadratic<16>>;
 
-GeoBox grown(const GeoBox& box, double by) {
-    return GeoBox(GeoPoint(box.min_corner().x() - by, box.min_corner().y() - by),
-                  GeoPoint(box.max_corner().x() + by, box.max_corner().y() + by));
-}
-
 // Reports progress and polls the stop flag at most every 20 ms of work.
 class Poller {
 public:
@@ -95,26 +86,6 @@ private:
     bool stopped_ = false;
     std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
 };
-
-check_info distanceHit(double value, const point& a, const point& b,
-                       std::vector<feature_ref> features) {
-    check_info hit;
-    hit.value = value;
-    hit.shape.kind = check_points::line;
-    hit.shape.points = {a, b};
-    hit.features = std::move(features);
-    return hit;
-}
-
-check_info boxHit(double value, const GeoBox& box, std::vector<feature_ref> features) {
-    check_info hit;
-    hit.value = value;
-    hit.shape.kind = check_points::box;
-    hit.shape.points = {{box.min_corner().x(), box.min_corner().y()},
-                        {box.max_corner().x(), box.max_corner().y()}};
-    hit.features = std::move(features);
-    return hit;
-}
 
 signal_layers_checks_items spacingItem(const Piece& a, const Piece& b, bool smd_items) {
     if (smd_items && (a.smd || b.smd)) {
@@ -313,12 +284,9 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
     const auto gapFilled = [&](unsigned a, unsigned b, const point& pa, const point& pb) {
         const double half = std::hypot(pb.x - pa.x, pb.y - pa.y) / 2;
         const point middle{(pa.x + pb.x) / 2, (pa.y + pb.y) / 2};
-        CopperShape dot;
-        dot.capsules.push_back({middle, middle, 0.0});
+        const CopperShape dot = CopperGeometry::pointShape(middle);
         std::vector<Entry> in_disc;
-        tree.query(bgi::intersects(GeoBox(GeoPoint(middle.x - half, middle.y - half),
-                                          GeoPoint(middle.x + half, middle.y + half))),
-                   std::back_inserter(in_disc));
+        tree.query(bgi::intersects(grown(dot.box, half)), std::back_inserter(in_disc));
         point qa;
         point qb;
         for (const Entry& e : in_disc) {
@@ -335,11 +303,9 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
     // Whether the point `end` of line or arc `k` lies in other copper than pads and copies of
     // the line itself: the end of a pour's stroke, or a vertex where a trace goes on.
     const auto endCovered = [&](unsigned k, const point& end) {
-        CopperShape dot;
-        dot.capsules.push_back({end, end, 0.0});
+        const CopperShape dot = CopperGeometry::pointShape(end);
         std::vector<Entry> at_end;
-        tree.query(bgi::intersects(GeoBox(GeoPoint(end.x, end.y), GeoPoint(end.x, end.y))),
-                   std::back_inserter(at_end));
+        tree.query(bgi::intersects(dot.box), std::back_inserter(at_end));
         const featureInfo& f = features[pieces[k].feature];
         point qa;
         point qb;
@@ -486,10 +452,9 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
                 if (d <= kTouch) {
                     touched.insert(islands.find(e.second));
                     if (pieces[e.second].kind == kPad || pieces[e.second].kind == kSurface) {
-                        CopperShape centre;
-                        centre.capsules.push_back({f.start, f.start, 0.0});
-                        padded = padded || CopperGeometry::distance(centre, pieces[e.second].shape,
-                                                                    pa, pb) <= kTouch;
+                        padded = padded ||
+                                 CopperGeometry::distance(CopperGeometry::pointShape(f.start),
+                                                          pieces[e.second].shape, pa, pb) <= kTouch;
                     }
                 } else if (below(d, limit)) {
                     close.push_back({e.second, 0, d, pa, pb});

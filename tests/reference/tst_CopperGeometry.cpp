@@ -1,7 +1,8 @@
 // The exact arc primitive of the reference engine's copper geometry, against brute force: the
 // middle arc sampled densely and each sample measured exactly to the other shape. Random
 // shapes from a fixed seed; each row is one kind of pair. Also the arc's box, which the R-tree
-// candidate search relies on, and the join of an arc to a file end point off its circle.
+// candidate search relies on, and the join of an arc to a file end point off its circle. Last,
+// the grown box and the union-find that the checks, the nets and the optimisations share.
 
 #include <QtTest>
 #include <random>
@@ -220,7 +221,84 @@ private slots:
         QCOMPARE(CopperGeometry::distance(dot, arc, a, b), 0.0);
     }
 
+    // A search box: every side moved out by the same amount.
+    void grownBox_data() {
+        QTest::addColumn<QRectF>("box");  // x, y, width, height
+        QTest::addColumn<double>("by");
+        QTest::addColumn<QRectF>("expected");
+        QTest::newRow("by the touch tolerance")
+            << QRectF(0, 0, 10, 20) << wcref::kTouch << QRectF(-0.5, -0.5, 11, 21);
+        QTest::newRow("a point grows into a square")
+            << QRectF(3, 4, 0, 0) << 2.0 << QRectF(1, 2, 4, 4);
+    }
+    void grownBox() {
+        QFETCH(QRectF, box);
+        QFETCH(double, by);
+        QFETCH(QRectF, expected);
+        const wcref::GeoBox g =
+            wcref::grown(wcref::GeoBox({box.left(), box.top()}, {box.right(), box.bottom()}), by);
+        QCOMPARE(QRectF(QPointF(g.min_corner().x(), g.min_corner().y()),
+                        QPointF(g.max_corner().x(), g.max_corner().y())),
+                 expected);
+    }
+
+    // Disjoint sets: "a-b" joins, "+" adds an element, "copy" keeps a copy that later joins must
+    // not reach. Sets are written "0 1|2", in order.
+    void unionFind_data() {
+        QTest::addColumn<int>("n");
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QString>("sets");
+        QTest::addColumn<QString>("copied");
+        // clang-format off
+        QTest::newRow("nothing joined") << 3 << "" << "0|1|2" << "";
+        QTest::newRow("a chain") << 5 << "0-1 1-2 2-3" << "0 1 2 3|4" << "";
+        QTest::newRow("a star") << 4 << "0-1 0-2 0-3" << "0 1 2 3" << "";
+        QTest::newRow("added after joins") << 2 << "0-1 + + 3-2" << "0 1|2 3" << "";
+        QTest::newRow("a copy keeps its sets") << 4 << "0-1 copy 2-3 1-2" << "0 1 2 3" << "0 1|2|3";
+        // clang-format on
+    }
+    void unionFind() {
+        QFETCH(int, n);
+        QFETCH(QString, steps);
+        QFETCH(QString, sets);
+        QFETCH(QString, copied);
+        wcref::UnionFind uf(static_cast<size_t>(n));
+        wcref::UnionFind copy;
+        for (const QString& step : steps.split(' ', Qt::SkipEmptyParts)) {
+            if (step == "+") {
+                const size_t next = uf.size();
+                QCOMPARE(uf.add(), next);
+            } else if (step == "copy") {
+                copy = uf;
+            } else {
+                uf.join(step.section('-', 0, 0).toUInt(), step.section('-', 1, 1).toUInt());
+            }
+        }
+        QCOMPARE(setsOf(uf), sets);
+        if (!copied.isEmpty()) {
+            QCOMPARE(setsOf(copy), copied);
+        }
+    }
+
 private:
+    // The sets of `uf`, each in order, ordered by their first element.
+    static QString setsOf(wcref::UnionFind& uf) {
+        std::map<size_t, QStringList> by_root;
+        std::vector<size_t> order;
+        for (size_t k = 0; k < uf.size(); ++k) {
+            const size_t root = uf.find(k);
+            if (by_root.count(root) == 0) {
+                order.push_back(root);
+            }
+            by_root[root] << QString::number(k);
+        }
+        QStringList out;
+        for (size_t root : order) {
+            out << by_root[root].join(' ');
+        }
+        return out.join('|');
+    }
+
     // A convex polygon about the segment p-q (the hull of four points near its ends), as a
     // polygon and as copper.
     struct GeoPolygonHolder {
