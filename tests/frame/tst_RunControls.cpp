@@ -13,6 +13,7 @@
 
 #include "DataColumns.h"
 #include "DataRows.h"
+#include "MarkingTranslator.h"
 #include "MessageBoxAnswerer.h"
 #include "ReferenceEngine.h"
 #include "TemporaryWorkingDirectory.h"
@@ -47,16 +48,6 @@ class CountCatalogue : public QTranslator {
 public:
     QString translate(const char*, const char* source, const char*, int) const override {
         return QByteArray(source).contains("%n") ? QStringLiteral("已处理 %n 个层") : QString();
-    }
-    bool isEmpty() const override { return false; }
-};
-
-// Prefixes every text of the context "QWidget", as a catalogue of that class would.
-class PrefixCatalogue : public QTranslator {
-public:
-    QString translate(const char* context, const char* source, const char*, int) const override {
-        return qstrcmp(context, "QWidget") == 0 ? QStringLiteral("zh:") + QString::fromUtf8(source)
-                                                : QString();
     }
     bool isEmpty() const override { return false; }
 };
@@ -194,13 +185,13 @@ private slots:
         const QStringList english{"Label", "Title", "Action", "Status", "Placeholder",
                                   "Tip",   "Two",   "Value",  "Main",   "Window"};
         QCOMPARE(shown(), english);
-        PrefixCatalogue catalogue;
-        QCoreApplication::installTranslator(&catalogue);
-        wc::retranslate(&dialog);
-        QCoreApplication::removeTranslator(&catalogue);
+        {
+            wctest::MarkingTranslator marked("QWidget");
+            wc::retranslate(&dialog);
+        }
         QStringList translated;
         for (const QString& text : english) {
-            translated << QStringLiteral("zh:") + text;
+            translated << QLatin1Char('[') + text + QLatin1Char(']');
         }
         QCOMPARE(shown(), translated);
         QCOMPARE(combo->count(), 2);

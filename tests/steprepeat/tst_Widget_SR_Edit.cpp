@@ -21,6 +21,7 @@
 #include "FindChild.h"
 #include "HostSettings.h"
 #include "Korvo_API.h"
+#include "MarkingTranslator.h"
 #include "MessageBoxAnswerer.h"
 #include "PluginSpy.h"
 #include "ReferenceEngine.h"
@@ -70,19 +71,6 @@ std::vector<Korvo::API::reply_box> engineBoxes() {
     }
     return boxes;
 }
-
-// Puts every text of the editor's context in brackets, so that a text that does not follow the
-// language stands out.
-class BracketTranslator : public QTranslator {
-public:
-    bool isEmpty() const override { return false; }
-    QString translate(const char* context, const char* source, const char*, int) const override {
-        if (qstrcmp(context, "Widget_SR_Edit") != 0) {
-            return QString();
-        }
-        return QLatin1Char('[') + QString::fromUtf8(source) + QLatin1Char(']');
-    }
-};
 
 QString shownText(const QObject* object) {
     if (auto* box = qobject_cast<const QGroupBox*>(object)) {
@@ -474,11 +462,11 @@ private slots:
         QObject* object = name.isEmpty() ? &dialog : wctest::child<QObject>(dialog, name);
         const QString shown = english.contains("%1") ? english.arg(1) : english;
         QCOMPARE(shownText(object), shown);
-        BracketTranslator brackets;
-        QCoreApplication::installTranslator(&brackets);
-        dialog.change_language();
-        QCOMPARE(shownText(object), QLatin1Char('[') + shown + QLatin1Char(']'));
-        QCoreApplication::removeTranslator(&brackets);
+        {
+            wctest::MarkingTranslator brackets("Widget_SR_Edit");
+            dialog.change_language();
+            QCOMPARE(shownText(object), QLatin1Char('[') + shown + QLatin1Char(']'));
+        }
         dialog.change_language();
         QCOMPARE(shownText(object), shown);
     }
