@@ -345,7 +345,8 @@ void Widget_SignalLayerChecks::runPerLayer(const Korvo::CheckList::signal_check_
     timer.start();
     const wc::SignalRunEnd end =
         wc::runSignalChecksPerLayer(this, request, layers, result_, processed_layers_);
-    if (!showRunEnd(end, start, timer.elapsed())) {
+    // A dialog destroyed during the run is not touched again, not even to ask it.
+    if (end == wc::SignalRunEnd::DialogGone || !showRunEnd(end, start, timer.elapsed())) {
         return;
     }
     controls_->setStatus(wc::layersProcessedText(this, processed_layers_));
@@ -358,7 +359,7 @@ void Widget_SignalLayerChecks::runOnService(const Korvo::CheckList::signal_check
     timer.start();
     const wc::SignalRunEnd end =
         wc::runSignalChecksOnService(this, request, result_, processed_layers_);
-    if (!showRunEnd(end, start, timer.elapsed())) {
+    if (end == wc::SignalRunEnd::DialogGone || !showRunEnd(end, start, timer.elapsed())) {
         return;
     }
     showResultsViewer(false);
@@ -370,7 +371,7 @@ bool Widget_SignalLayerChecks::showRunEnd(wc::SignalRunEnd end, const QDateTime&
                                           qint64 elapsed_ms) {
     switch (end) {
         case wc::SignalRunEnd::DialogGone:
-            return false;  // nothing of the dialog may be touched
+            return false;  // the callers leave before: the dialog is no more
         case wc::SignalRunEnd::Stopped:
             controls_->setStatus(tr("SignalLayer check terminated"));
             controls_->setViewState(wc::RunControls::ViewState::Stopped);
