@@ -34,8 +34,9 @@ bool commitField(QWidget* dialog, const void* handle, NumericField& field) {
     const int lower = Korvo::UIAPI::getUnitJudgeData(handle, field.lower_mil);
     const QString message = illegalFloatMessage(field.engine_name, text, lower, upper);
     LOG(INFO) << "field " << field.engine_name.toStdString() << " rejected " << text.toStdString();
-    QMessageBox::information(dialog, translateFor(dialog, QStringLiteral("Information")),
-                             translateFor(dialog, message), QMessageBox::Ok);
+    QMessageBox::information(
+        dialog, translateFor(dialog, QString::fromUtf8(QT_TRANSLATE_NOOP("Shared", "Information"))),
+        translateFor(dialog, message), QMessageBox::Ok);
     // The literal reset text, not converted to the display unit: kept on purpose.
     field.edit->setText(field.reset_text);
     return false;
@@ -44,9 +45,12 @@ bool commitField(QWidget* dialog, const void* handle, NumericField& field) {
 bool judgeFields(QWidget* dialog, const void* handle, const NumericFields& fields) {
     for (const NumericField* field : fields) {
         if (field->edit->text().isEmpty()) {
-            QMessageBox::information(dialog, translateFor(dialog, QStringLiteral("Information")),
-                                     translateFor(dialog, QStringLiteral("Illegal field value")),
-                                     QMessageBox::Ok);
+            QMessageBox::information(
+                dialog,
+                translateFor(dialog, QString::fromUtf8(QT_TRANSLATE_NOOP("Shared", "Information"))),
+                translateFor(dialog,
+                             QString::fromUtf8(QT_TRANSLATE_NOOP("Shared", "Illegal field value"))),
+                QMessageBox::Ok);
             return false;
         }
     }

@@ -24,8 +24,10 @@ void ParameterSetActions::askName() {
     if (name_dialog_ == nullptr) {
         name_dialog_ = new QInputDialog(dialog_);
         name_dialog_->setObjectName(QStringLiteral("templateNameDialog"));
-        name_dialog_->setWindowTitle(translateFor(dialog_, QStringLiteral("Save As")));
-        name_dialog_->setLabelText(translateFor(dialog_, QStringLiteral("Template name:")));
+        name_dialog_->setWindowTitle(
+            translateFor(dialog_, QString::fromUtf8(QT_TRANSLATE_NOOP("Shared", "Save As"))));
+        name_dialog_->setLabelText(translateFor(
+            dialog_, QString::fromUtf8(QT_TRANSLATE_NOOP("Shared", "Template name:"))));
         connect(name_dialog_, &QInputDialog::textValueSelected, this,
                 [this](const QString& name) { save(name); });
     }
@@ -46,8 +48,10 @@ bool ParameterSetActions::load(const QString& name) {
     QList<QObject*> widgets = widgets_();
     QString error;
     if (!loadParameterSet(dialog_, key_, name, widgets, &error)) {
-        QMessageBox::information(dialog_, translateFor(dialog_, QStringLiteral("Information")),
-                                 name + QStringLiteral(": ") + error);
+        QMessageBox::information(
+            dialog_,
+            translateFor(dialog_, QString::fromUtf8(QT_TRANSLATE_NOOP("Shared", "Information"))),
+            name + QStringLiteral(": ") + error);
         return false;
     }
     controls_->erfEdit()->setText(name);

@@ -17,7 +17,9 @@ const QString kRangesList = QStringLiteral("rangesList");
 const char* const kLevels[] = {"RedLv", "YellowLv", "GreenLv"};
 
 void warn(QWidget* dialog, const QString& text) {
-    QMessageBox::warning(dialog, translateFor(dialog, QStringLiteral("Warning")), text);
+    QMessageBox::warning(
+        dialog, translateFor(dialog, QString::fromUtf8(QT_TRANSLATE_NOOP("Shared", "Warning"))),
+        text);
 }
 
 }  // namespace
@@ -88,7 +90,8 @@ bool saveParameterSet(QWidget* dialog, const QString& key, const QString& name,
     }
     ParameterSetStore store(key);
     if (store.exists(name)) {
-        warn(dialog, name + translateFor(dialog, QStringLiteral(" have a same name file!")));
+        warn(dialog, name + translateFor(dialog, QString::fromUtf8(QT_TRANSLATE_NOOP(
+                                                     "Shared", " have a same name file!"))));
         return false;
     }
     QJsonObject object;

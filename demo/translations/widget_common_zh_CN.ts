@@ -15,6 +15,30 @@
         <translation>请稍候</translation>
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -33,10 +57,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -226,6 +246,30 @@
         <translation type="unfinished" />
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -244,10 +288,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -301,6 +341,26 @@
         <translation>提示</translation>
     </message>
 <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -319,10 +379,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -444,6 +500,30 @@
         <translation>模式 :</translation>
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -462,10 +542,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -559,6 +635,30 @@
         <translation type="unfinished" />
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -577,10 +677,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -648,6 +744,30 @@
         </translation>
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -666,10 +786,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -829,6 +945,26 @@
         </translation>
     </message>
 <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -847,10 +983,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -920,6 +1052,26 @@
         <translation type="unfinished" />
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -938,10 +1090,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -999,6 +1147,30 @@
         <translation>无结果</translation>
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -1017,10 +1189,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -1242,6 +1410,26 @@
         <translation type="unfinished" />
     </message>
 <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -1260,10 +1448,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -1338,7 +1522,7 @@
     </message>
     <message>
         <source>Illegal field value</source>
-        <translation type="unfinished" />
+        <translation>字段值非法</translation>
     </message>
     <message>
         <source>Information</source>
@@ -1637,6 +1821,22 @@
         <translation type="unfinished" />
     </message>
 <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -1655,10 +1855,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -1842,6 +2038,18 @@
         </translation>
     </message>
 <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -1860,10 +2068,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -1951,6 +2155,26 @@
         </translation>
     </message>
 <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -1969,10 +2193,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -2148,6 +2368,26 @@
         </translation>
     </message>
 <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -2166,10 +2406,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -2293,6 +2529,26 @@
         </translation>
     </message>
 <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -2311,10 +2567,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -2416,6 +2668,30 @@
         <translation type="unfinished" />
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -2434,10 +2710,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -2507,6 +2779,30 @@
         <translation type="unfinished" />
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -2525,10 +2821,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -2594,6 +2886,30 @@
         <translation type="unfinished" />
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -2612,10 +2928,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
@@ -2685,6 +2997,30 @@
         <translation>参数集</translation>
     </message>
 <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
         <source>Run globally</source>
         <translation>全局运行</translation>
     </message>
@@ -2703,10 +3039,6 @@
     <message>
         <source>ERF: </source>
         <translation>参数集 :</translation>
-    </message>
-    <message>
-        <source>Save As</source>
-        <translation>另存为</translation>
     </message>
     <message>
         <source>View Results</source>
