@@ -306,35 +306,25 @@ void BM_SpacingCheckGeos(benchmark::State& state) {
 
 #endif  // WIDGET_COMMON_BENCH_GEOS
 
+// The three board sizes every spacing benchmark runs, five times each, fitted to n log n.
+void boardSizes(benchmark::internal::Benchmark* spacing) {
+    spacing->Arg(10000)
+        ->Arg(30000)
+        ->Arg(100000)
+        ->Unit(benchmark::kMillisecond)
+        ->Repetitions(5)
+        ->ReportAggregatesOnly(true)
+        ->Complexity(benchmark::oNLogN);
+}
+
 }  // namespace
 
-BENCHMARK(BM_SpacingCheck)
-    ->Arg(10000)
-    ->Arg(30000)
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->Repetitions(5)
-    ->ReportAggregatesOnly(true)
-    ->Complexity(benchmark::oNLogN);
+BENCHMARK(BM_SpacingCheck)->Apply(boardSizes);
 
-BENCHMARK(BM_SpacingCheckWithNets)
-    ->Arg(10000)
-    ->Arg(30000)
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->Repetitions(5)
-    ->ReportAggregatesOnly(true)
-    ->Complexity(benchmark::oNLogN);
+BENCHMARK(BM_SpacingCheckWithNets)->Apply(boardSizes);
 
 #ifdef WIDGET_COMMON_BENCH_GEOS
-BENCHMARK(BM_SpacingCheckGeos)
-    ->Arg(10000)
-    ->Arg(30000)
-    ->Arg(100000)
-    ->Unit(benchmark::kMillisecond)
-    ->Repetitions(5)
-    ->ReportAggregatesOnly(true)
-    ->Complexity(benchmark::oNLogN);
+BENCHMARK(BM_SpacingCheckGeos)->Apply(boardSizes);
 #endif
 
 BENCHMARK_MAIN();
