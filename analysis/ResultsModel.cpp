@@ -36,7 +36,8 @@ HitRef HitSequence::at(std::size_t position) const {
     auto part = std::upper_bound(parts_.begin(), parts_.end(), position,
                                  [](std::size_t p, const Part& x) { return p < x.start; });
     --part;
-    return {&part->list[position - part->start], part->layer, part->level};
+    const std::size_t offset = position - part->start;
+    return {&part->list[offset], part->layer, part->level, part->first + offset};
 }
 
 std::vector<int> HitSequence::layers() const {
@@ -50,14 +51,17 @@ std::vector<int> HitSequence::layers() const {
 }
 
 ResultsModel::ResultsModel(std::shared_ptr<const void> owner, std::vector<ResultLayer> layers)
-    : owner_(std::move(owner)), layers_(std::move(layers)) {}
-
-std::size_t ResultsModel::total() const {
-    std::size_t sum = 0;
-    for (const ResultLayer& layer : layers_) {
-        sum += layer.count(SevAll);
+    : owner_(std::move(owner)), layers_(std::move(layers)) {
+    for (ResultLayer& layer : layers_) {
+        for (ResultCategory& category : layer.categories) {
+            for (ResultRecord& record : category.records) {
+                for (int level = 0; level < kSeverityCount; ++level) {
+                    record.first[level] = total_;
+                    total_ += record.lists[level].size();
+                }
+            }
+        }
     }
-    return sum;
 }
 
 std::vector<CategoryEntry> ResultsModel::categories(const std::vector<int>& layers,
@@ -103,7 +107,8 @@ HitSequence ResultsModel::hits(const std::vector<int>& layers, int item, int sev
                     if (record.lists[level].size() == 0) {
                         continue;
                     }
-                    sequence.parts_.push_back({record.lists[level], index, level, sequence.size_});
+                    sequence.parts_.push_back(
+                        {record.lists[level], index, level, sequence.size_, record.first[level]});
                     sequence.size_ += record.lists[level].size();
                 }
             }

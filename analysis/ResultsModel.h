@@ -48,6 +48,8 @@ private:
 
 struct WIDGET_COMMON_EXPORT ResultRecord {
     std::array<HitList, kSeverityCount> lists;
+    // The model's number of each list's first hit (set by ResultsModel).
+    std::array<std::size_t, kSeverityCount> first{};
     // Hits admitted by the severity entry: lists 0..severity.
     std::size_t count(int severity) const;
 };
@@ -78,6 +80,9 @@ struct WIDGET_COMMON_EXPORT HitRef {
     const Korvo::API::check_info* hit = nullptr;
     int layer = -1;  // index into ResultsModel::layers()
     int level = 0;   // the list it comes from
+    // The hit's number in its model: hits are numbered 0.. in the order layer, category,
+    // record, level, position, so per-hit marks (waived, new, visited) are plain vectors.
+    std::size_t number = 0;
 };
 
 // The admitted hits of one item over the chosen layers, in order: layer, record, then level.
@@ -96,6 +101,7 @@ private:
         int layer = 0;
         int level = 0;
         std::size_t start = 0;
+        std::size_t first = 0;  // the model's number of the list's first hit
     };
     std::vector<Part> parts_;
     std::size_t size_ = 0;
@@ -108,8 +114,8 @@ public:
 
     const std::vector<ResultLayer>& layers() const { return layers_; }
     bool empty() const { return layers_.empty(); }
-    // Every hit of the result under "All".
-    std::size_t total() const;
+    // Every hit of the result under "All"; hit numbers run from 0 to total() - 1.
+    std::size_t total() const { return total_; }
 
     // The items that carry any hit on the chosen layers, in item order.
     std::vector<CategoryEntry> categories(const std::vector<int>& layers, int severity) const;
@@ -118,6 +124,7 @@ public:
 private:
     std::shared_ptr<const void> owner_;  // keeps the engine's result alive
     std::vector<ResultLayer> layers_;
+    std::size_t total_ = 0;
 };
 
 }  // namespace wc

@@ -12,6 +12,7 @@
 #include "Korvo_API_types.h"
 #include "Korvo_Analysis_types.h"
 #include "Korvo_DFM_types.h"
+#include "Korvo_Triage_types.h"
 #include "progress_value.h"
 
 namespace Korvo {
@@ -130,6 +131,20 @@ bool getSignalLayerAnalysisResult(int id, dms_signal_check_params& params,
 bool getTqSignalLayerAnalysisResult(const std::string& key, signal_check_result_map& result);
 // Stored checks: id -> (kind, job, step, time, description).
 std::map<int, std::vector<std::string>> getCheckResultMaster();
+
+// ---- waivers and the history of runs (result database) --------------------------------------
+// Each answers false (or a CreateSesult without success) with the reason in `error` or `message`
+// when the database cannot be reached or refuses; nothing stored changes then.
+// Stores a waiver; one covering the same hits as a stored one adds its reason to that one's
+// history and answers that one's id.
+Quorin::DBS_API::CreateSesult insertAnalysisWaiver(const analysis_waiver& waiver);
+// The waivers of a kind, job and step, oldest first, each with its history.
+bool getAnalysisWaivers(const std::string& kind, const std::string& job, const std::string& step,
+                        std::vector<analysis_waiver>& waivers, std::string& error);
+bool deleteAnalysisWaiver(int id, std::string& error);
+// The stored runs of a kind, job and step, newest first.
+bool getAnalysisRuns(const std::string& kind, const std::string& job, const std::string& step,
+                     std::vector<analysis_run_info>& runs, std::string& error);
 
 // ---- DFM optimisations ----------------------------------------------------------------------
 bool signal_layer_DFM_op(const std::string& job, const std::string& step,

@@ -2,6 +2,7 @@
 // Records of the design-rule analyses: the hit (`check_info`), the four severity lists every
 // result carries, and the parameter, item and result types of each analysis kind.
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <tuple>
@@ -40,6 +41,14 @@ struct check_info {
     // The nets of the concerned copper, one name per net (two for a spacing between nets, one
     // for a same-net pair); empty where the job's nets are unknown.
     std::vector<std::string> nets;
+    // The rule's value the measurement was held against (the required distance, size or
+    // overlap), engine units; 0 where the item has no single required value.
+    double required = 0.0;
+    // The concerned features' shape kinds and sizes, hashed by the engine; 0 where unknown. It
+    // never depends on where the features are, on their ids or on their order in the layer, so
+    // that the same features give the same signature after edits elsewhere on the board. With
+    // the item, the layer, the nets and the measured location it identifies the hit across runs.
+    std::uint64_t signature = 0;
 };
 
 // The four severity lists of a result record: red ("!!"), yellow ("!"), green ("  ") and a
