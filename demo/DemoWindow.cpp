@@ -23,6 +23,7 @@
 
 #include "DrillFormatPanel.h"
 #include "FeatureFilterHost.h"
+#include "FeatureMoveHost.h"
 #include "GraphicView.h"
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
@@ -136,6 +137,7 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
     subscription_ = wcref::PluginBus::instance().subscribe(
         [this](const PluginMetaData& message) { dispatch(message); });
     new demo::FeatureFilterHost(this);
+    feature_move_ = new demo::FeatureMoveHost(this);
     buildMenus();
     new demo::StepRepeatHost(this);
 }
@@ -156,6 +158,7 @@ void DemoWindow::buildMenus() {
         }
     });
     job->addAction(tr("Drill formats..."), this, [this] { openDrillFormats(); });
+    job->addAction(tr("Move a feature..."), this, [this] { feature_move_->start(); });
     job->addAction(tr("Layer matrix..."), this, [this] { openLayerMatrix(); });
     job->addSeparator();
     job->addAction(tr("Quit"), qApp, &QApplication::quit);

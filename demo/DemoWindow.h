@@ -13,6 +13,9 @@ class GraphicView;
 class QComboBox;
 class QListWidget;
 class QPlainTextEdit;
+namespace demo {
+class FeatureMoveHost;
+}
 
 // The demo host: opens the sample job, shows its steps and layers in a graphic view, opens the
 // library's dialogs from its menus, switches the display unit and re-applies texts, acts on the
@@ -33,6 +36,8 @@ public:
     QWidget* openDrillFormats();
     // The layer matrix of the shown job, to type, rename and reorder its layers.
     QWidget* openLayerMatrix();
+    // "Move a feature...": the next click picks a pad or line to move.
+    demo::FeatureMoveHost* featureMove() const { return feature_move_; }
     QWidget* openDialog(const demo::DialogEntry& entry);
     void tourRealBoard(const std::function<void(QWidget*, const QString&)>& snap);
     void setDisplayUnit(int unit);
@@ -76,4 +81,5 @@ private:
     std::multimap<int, MessageHandler> handlers_;
     QTranslator translator_;
     int subscription_ = -1;
+    demo::FeatureMoveHost* feature_move_ = nullptr;
 };

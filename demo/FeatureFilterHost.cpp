@@ -1,12 +1,12 @@
 #include "FeatureFilterHost.h"
 
-#include <QLineF>
 #include <algorithm>
 #include <map>
 
 #include "DemoWindow.h"
 #include "FeatureFilterMatch.h"
 #include "FeatureFilterSettings.h"
+#include "FeaturePick.h"
 #include "GraphicView.h"
 #include "Korvo_API.h"
 #include "frame/PluginMessages.h"
@@ -44,34 +44,8 @@ void FeatureFilterHost::pickSymbolAt(const Korvo::API::point& at) {
     const int code = pending_pick_;
     pending_pick_ = 0;
     // The nearest pad centre or line within 50 mil of the click, on the displayed layers.
-    GraphicView* view = window_->view();
-    double best = 50 * 25400.0;
-    std::string symbol;
-    for (const std::string& layer : view->displayedLayers()) {
-        std::vector<Korvo::API::featureInfo> features;
-        Korvo::API::get_all_feature_info(view->job(), view->step(), layer, features,
-                                         Korvo::API::FT_All);
-        for (const Korvo::API::featureInfo& feature : features) {
-            if (feature.symbol.empty()) {
-                continue;
-            }
-            const QLineF segment(feature.start.x, feature.start.y, feature.end.x, feature.end.y);
-            const QPointF click(at.x, at.y);
-            double distance = QLineF(segment.p1(), click).length();
-            if (feature.type != Korvo::API::feature_pad && segment.length() > 0) {
-                // Distance to the segment: the click projected onto it, clamped to its ends.
-                const QPointF d = segment.p2() - segment.p1();
-                const double t = std::clamp(
-                    QPointF::dotProduct(click - segment.p1(), d) / QPointF::dotProduct(d, d), 0.0,
-                    1.0);
-                distance = QLineF(segment.pointAt(t), click).length();
-            }
-            if (distance < best) {
-                best = distance;
-                symbol = feature.symbol;
-            }
-        }
-    }
+    const std::optional<PickedFeature> picked = nearestFeature(*window_->view(), at, 50 * 25400.0);
+    const std::string symbol = picked ? picked->feature.symbol : std::string();
     if (symbol.empty()) {
         window_->log(QObject::tr("view: no pad or line near the pick"));
         return;
