@@ -36,45 +36,47 @@ struct WIDGET_COMMON_EXPORT HitIdentity {
     std::string text() const;
     // Nothing for any text that text() cannot have written.
     static std::optional<HitIdentity> fromText(const std::string& text);
-    // Same item, layer, nets and signature, locations within the tolerance.
+    // Same item, layer, nets and signature, locations within the tolerance (inclusive, on the
+    // quantised locations).
     bool sameHit(const HitIdentity& other) const;
     bool operator==(const HitIdentity& other) const {
         return what == other.what && x == other.x && y == other.y;
     }
 };
 
-// The middle of a measurement (engine units).
+// The middle of a measurement (engine units): the mean of its points, a polygon's closing point
+// that repeats its first counted once.
 WIDGET_COMMON_EXPORT Korvo::API::point hitLocation(const Korvo::API::check_points& shape);
 // The identity of a hit of `item` on `layer`. Nets count in any order.
 WIDGET_COMMON_EXPORT HitIdentity identityOf(int item, const std::string& layer,
                                             const Korvo::API::check_info& hit);
 
-// Identities of one run, found again by identity within the tolerance.
+// Identities of one run, found again by identity within the tolerance. The index keeps its own
+// copy of the identities, so it may be copied and moved freely.
 class WIDGET_COMMON_EXPORT IdentityIndex {
 public:
     IdentityIndex() = default;
-    explicit IdentityIndex(const std::vector<HitIdentity>& identities);
+    explicit IdentityIndex(std::vector<HitIdentity> identities);
 
+    std::size_t size() const { return identities_.size(); }
     // The positions in the indexed vector of every identity that is the same hit as
     // `identity`, nearest first (ties by position).
     std::vector<std::size_t> matches(const HitIdentity& identity) const;
 
 private:
-    // (what, cell x, cell y) -> positions; cells are one tolerance wide, so a match lies in the
-    // 3 x 3 cells around the identity's own.
-    struct CellKey {
-        std::uint64_t what;
-        std::int64_t cx;
-        std::int64_t cy;
-        bool operator==(const CellKey& o) const {
-            return what == o.what && cx == o.cx && cy == o.cy;
-        }
+    // Cells are one tolerance wide, so a match lies in the 3 x 3 cells around the identity's
+    // own. A cell (what, cell x, cell y) is known by a 64-bit hash of the three; the slots of an
+    // open-addressing table give each hash its run of positions in `order_`. Cells whose hashes
+    // collide share a run, which costs a comparison and never a wrong match.
+    struct Slot {
+        std::uint64_t cell = 0;
+        std::uint32_t first = 0;
+        std::uint32_t count = 0;  // 0: the slot is free
     };
-    struct CellHash {
-        std::size_t operator()(const CellKey& k) const;
-    };
-    const std::vector<HitIdentity>* identities_ = nullptr;
-    std::unordered_map<CellKey, std::vector<std::uint32_t>, CellHash> cells_;
+    const Slot* find(std::uint64_t cell) const;
+    std::vector<HitIdentity> identities_;
+    std::vector<std::uint32_t> order_;  // positions, grouped by cell, ascending within a cell
+    std::vector<Slot> slots_;           // a power of two long, at most half full
 };
 
 }  // namespace wc

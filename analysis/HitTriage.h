@@ -43,8 +43,7 @@ public:
 private:
     const ResultsModel* model_ = nullptr;
     std::vector<TriageHit> hits_;
-    std::vector<HitIdentity> identities_;
-    IdentityIndex index_;
+    IdentityIndex index_;  // positions are hit numbers
 };
 
 enum class RunState : std::uint8_t { New = 0, Unchanged = 1 };
@@ -68,9 +67,11 @@ struct WIDGET_COMMON_EXPORT WaiverMatch {
     }
 };
 
-// Which waiver covers each hit: a one-hit waiver the hit of the same identity (item and layer
-// agreeing), a net-pair waiver every hit of its item whose two nets are the waiver's. Where both
-// cover a hit the one-hit waiver wins.
+// Which waiver covers each hit: a one-hit waiver the nearest hit of the same identity (item and
+// layer agreeing) that no earlier one-hit waiver took, a net-pair waiver every hit of its item
+// whose two nets are the waiver's, on any layer. Where both cover a hit the one-hit waiver wins,
+// where two net-pair waivers do the first. A waiver is stale when it matches no hit; one that
+// matches hits but wins none of them is not.
 WIDGET_COMMON_EXPORT WaiverMatch
 applyWaivers(const TriageRun& run, const std::vector<Korvo::API::analysis_waiver>& waivers);
 
@@ -83,6 +84,8 @@ struct WIDGET_COMMON_EXPORT TriageScope {
 
 // A waiver of the hit `number`, and of every hit of its item between its two nets (nothing when
 // the hit does not lie between two nets). Reason and user are the caller's; the time is now.
+// waiverForHit throws std::out_of_range for a number the run does not have, waiverForNets
+// answers nothing.
 WIDGET_COMMON_EXPORT Korvo::API::analysis_waiver waiverForHit(const TriageRun& run,
                                                               std::size_t number,
                                                               const TriageScope& scope,
