@@ -146,7 +146,7 @@ private slots:
         row("another item", 1, "top", "GND,VCC", 42ull, false);
         row("another layer", 0, "bot", "GND,VCC", 42ull, false);
         row("another signature", 0, "top", "GND,VCC", 43ull, false);
-        row("texts run together", 0, "topG", "ND,VCC", 42ull, false);
+        row("net names run together", 0, "top", "G,NDVCC", 42ull, false);
     }
 
     void identityIngredients() {
