@@ -15,17 +15,18 @@ using namespace Korvo::API;
 
 namespace {
 
+std::size_t heapInUse() {
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+// 10 layers x 10 items x 10,000 hits, their nets drawn from 1,000 names.
 constexpr int kLayers = 10;
 constexpr int kItems = 10;
 constexpr std::size_t kPerRecord = 10000;
 constexpr std::size_t kNets = 1000;
 constexpr std::size_t kWaivers = 10000;
 constexpr double kMil = 25400.0;
-
-std::size_t heapInUse() {
-    const struct mallinfo2 info = mallinfo2();
-    return info.uordblks + info.hblkhd;
-}
 
 std::uint64_t scramble(std::uint64_t k) {
     k = (k ^ (k >> 31)) * 0x7fb5d329728ea185ull;
