@@ -64,6 +64,14 @@ std::uint64_t distance(std::int64_t a, std::int64_t b) {
     return a > b ? std::uint64_t(a) - std::uint64_t(b) : std::uint64_t(b) - std::uint64_t(a);
 }
 
+void prefetch(const void* address) {
+#if defined(__GNUC__) || defined(__clang__)
+    __builtin_prefetch(address);
+#else
+    (void)address;
+#endif
+}
+
 std::int64_t quantised(double engine_units) {
     // Beyond 2^53 steps a double holds no whole numbers apart; such a location is nonsense, and
     // clamping keeps llround defined.
@@ -156,18 +164,18 @@ HitIdentity identityOf(int item, const std::string& layer, const Korvo::API::che
     return {hash.value(), quantised(at.x), quantised(at.y)};
 }
 
-IdentityIndex::IdentityIndex(std::vector<HitIdentity> identities)
-    : identities_(std::move(identities)) {
+IdentityIndex::IdentityIndex(const std::vector<HitIdentity>& identities) {
     std::size_t capacity = 16;
-    while (capacity < 2 * identities_.size()) {
+    while (capacity < 2 * identities.size()) {
         capacity *= 2;
     }
     slots_.assign(capacity, Slot{});
-    // Count each cell's identities, then give each cell its run of `order_` and fill the runs
+    occupied_.assign(capacity / 16, 0);  // four bits per slot
+    // Count each cell's identities, then give each cell its run of `entries_` and fill the runs
     // in position order.
-    std::vector<std::uint32_t> slot_of(identities_.size());
-    for (std::size_t i = 0; i < identities_.size(); ++i) {
-        const HitIdentity& id = identities_[i];
+    std::vector<std::uint32_t> slot_of(identities.size());
+    for (std::size_t i = 0; i < identities.size(); ++i) {
+        const HitIdentity& id = identities[i];
         const std::uint64_t cell = cellOf(id.what, cellIndex(id.x), cellIndex(id.y));
         std::size_t s = cell & (capacity - 1);
         while (slots_[s].count != 0 && slots_[s].cell != cell) {
@@ -175,6 +183,8 @@ IdentityIndex::IdentityIndex(std::vector<HitIdentity> identities)
         }
         slots_[s].cell = cell;
         ++slots_[s].count;
+        const std::uint64_t bit = (cell >> 32) & (occupied_.size() * 64 - 1);
+        occupied_[bit / 64] |= 1ull << bit % 64;
         slot_of[i] = std::uint32_t(s);
     }
     std::uint32_t next = 0;
@@ -183,17 +193,14 @@ IdentityIndex::IdentityIndex(std::vector<HitIdentity> identities)
         next += slot.count;
         slot.count = 0;  // counted up again while filling
     }
-    order_.resize(identities_.size());
-    for (std::size_t i = 0; i < identities_.size(); ++i) {
+    entries_.resize(identities.size());
+    for (std::size_t i = 0; i < identities.size(); ++i) {
         Slot& slot = slots_[slot_of[i]];
-        order_[slot.first + slot.count++] = std::uint32_t(i);
+        entries_[slot.first + slot.count++] = {identities[i], std::uint32_t(i)};
     }
 }
 
 const IdentityIndex::Slot* IdentityIndex::find(std::uint64_t cell) const {
-    if (identities_.empty()) {
-        return nullptr;
-    }
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t s = cell & mask;; s = (s + 1) & mask) {
         if (slots_[s].count == 0) {
@@ -207,34 +214,43 @@ const IdentityIndex::Slot* IdentityIndex::find(std::uint64_t cell) const {
 
 std::vector<std::size_t> IdentityIndex::matches(const HitIdentity& identity) const {
     std::vector<std::size_t> found;
+    if (entries_.empty()) {
+        return found;
+    }
     const std::int64_t cx = cellIndex(identity.x);
     const std::int64_t cy = cellIndex(identity.y);
-    for (std::int64_t dy = -1; dy <= 1; ++dy) {
-        for (std::int64_t dx = -1; dx <= 1; ++dx) {
-            const Slot* slot = find(cellOf(identity.what, cx + dx, cy + dy));
-            if (slot == nullptr) {
-                continue;
-            }
-            for (std::uint32_t k = slot->first; k < slot->first + slot->count; ++k) {
-                if (identities_[order_[k]].sameHit(identity)) {
-                    found.push_back(order_[k]);
-                }
+    // Most of the nine cells are empty, which the occupancy bits tell without reading the
+    // table. The slots of the others lie far apart: asked for together, their cache misses
+    // overlap instead of following one another.
+    std::uint64_t cells[9];
+    int count = 0;
+    for (int k = 0; k < 9; ++k) {
+        const std::uint64_t cell = cellOf(identity.what, cx + k % 3 - 1, cy + k / 3 - 1);
+        const std::uint64_t bit = (cell >> 32) & (occupied_.size() * 64 - 1);
+        if (occupied_[bit / 64] >> bit % 64 & 1) {
+            cells[count++] = cell;
+            prefetch(&slots_[cell & (slots_.size() - 1)]);
+        }
+    }
+    for (int k = 0; k < count; ++k) {
+        const Slot* slot = find(cells[k]);
+        for (std::uint32_t e = slot ? slot->first : 0; slot && e < slot->first + slot->count; ++e) {
+            const Entry& entry = entries_[e];
+            if (entry.identity.sameHit(identity)) {
+                // Nearest first, then by position: the square of the distance (below 2^15
+                // within the tolerance) above the position.
+                const std::int64_t dx = entry.identity.x - identity.x;
+                const std::int64_t dy = entry.identity.y - identity.y;
+                found.push_back(std::size_t(dx * dx + dy * dy) << 32 | entry.position);
             }
         }
     }
-    // Within the tolerance, so the squares are small whole numbers.
-    auto squared = [&identity, this](std::size_t i) {
-        const std::int64_t dx = identities_[i].x - identity.x;
-        const std::int64_t dy = identities_[i].y - identity.y;
-        return dx * dx + dy * dy;
-    };
-    std::sort(found.begin(), found.end(), [&squared](std::size_t a, std::size_t b) {
-        const std::int64_t da = squared(a);
-        const std::int64_t db = squared(b);
-        return da < db || (da == db && a < b);
-    });
+    std::sort(found.begin(), found.end());
     // Two of the nine cells may share a hash and so a run; each position is listed once.
     found.erase(std::unique(found.begin(), found.end()), found.end());
+    for (std::size_t& key : found) {
+        key &= 0xffffffffu;
+    }
     return found;
 }
 

@@ -51,14 +51,13 @@ WIDGET_COMMON_EXPORT Korvo::API::point hitLocation(const Korvo::API::check_point
 WIDGET_COMMON_EXPORT HitIdentity identityOf(int item, const std::string& layer,
                                             const Korvo::API::check_info& hit);
 
-// Identities of one run, found again by identity within the tolerance. The index keeps its own
-// copy of the identities, so it may be copied and moved freely.
+// Identities of one run, found again by identity within the tolerance. The index keeps what it
+// needs of the identities, so it may be copied and moved freely.
 class WIDGET_COMMON_EXPORT IdentityIndex {
 public:
     IdentityIndex() = default;
-    explicit IdentityIndex(std::vector<HitIdentity> identities);
+    explicit IdentityIndex(const std::vector<HitIdentity>& identities);
 
-    std::size_t size() const { return identities_.size(); }
     // The positions in the indexed vector of every identity that is the same hit as
     // `identity`, nearest first (ties by position).
     std::vector<std::size_t> matches(const HitIdentity& identity) const;
@@ -66,17 +65,23 @@ public:
 private:
     // Cells are one tolerance wide, so a match lies in the 3 x 3 cells around the identity's
     // own. A cell (what, cell x, cell y) is known by a 64-bit hash of the three; the slots of an
-    // open-addressing table give each hash its run of positions in `order_`. Cells whose hashes
-    // collide share a run, which costs a comparison and never a wrong match.
+    // open-addressing table give each hash its run of entries. Cells whose hashes collide share
+    // a run, which costs a comparison and never a wrong match.
     struct Slot {
         std::uint64_t cell = 0;
         std::uint32_t first = 0;
         std::uint32_t count = 0;  // 0: the slot is free
     };
+    struct Entry {
+        HitIdentity identity;
+        std::uint32_t position = 0;
+    };
     const Slot* find(std::uint64_t cell) const;
-    std::vector<HitIdentity> identities_;
-    std::vector<std::uint32_t> order_;  // positions, grouped by cell, ascending within a cell
-    std::vector<Slot> slots_;           // a power of two long, at most half full
+    std::vector<Entry> entries_;  // grouped by cell, ascending positions within a cell
+    std::vector<Slot> slots_;     // a power of two long, at most half full
+    // Four bits per slot; an occupied cell sets the one its hash's upper half points at. Small
+    // enough to stay in the cache, they answer most look-ups of empty cells without the table.
+    std::vector<std::uint64_t> occupied_;
 };
 
 }  // namespace wc

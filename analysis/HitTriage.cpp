@@ -140,7 +140,7 @@ TriageRun::TriageRun(const ResultsModel& model) : model_(&model) {
             }
         }
     }
-    index_ = IdentityIndex(std::move(identities));
+    index_ = IdentityIndex(identities);
 }
 
 const std::string& TriageRun::layerName(const TriageHit& hit) const {

@@ -176,7 +176,8 @@ QString otherScope(const QString& path, const TriageScope& found, const TriageSc
     return {};
 }
 
-// The waivers of a parsed file, or the reason it is refused.
+// The waivers of a parsed file, or the reason it is refused. Texts are filled in with one arg()
+// call each, so that a "%1" in a file or job name is not taken for a place of its own.
 QString readDocument(const QString& path, const QJsonDocument& document, const TriageScope& scope,
                      std::vector<api::analysis_waiver>& out) {
     if (!document.isObject()) {
@@ -199,9 +200,7 @@ QString readDocument(const QString& path, const QJsonDocument& document, const T
                                "Waivers",
                                "The waiver file %1 is of version %2; this program "
                                "reads version %3.")
-                               .arg(path)
-                               .arg(version)
-                               .arg(kVersion)
+                               .arg(path, QString::number(version), QString::number(kVersion))
                          : read.problem();
     }
     const TriageScope found{read.text(root, {}, "kind"), read.text(root, {}, "job"),
@@ -273,8 +272,7 @@ bool readWaiverFile(const QString& path, const TriageScope& scope,
         setError(error, QCoreApplication::translate("Waivers",
                                                     "The waiver file %1 is not JSON: %2 at "
                                                     "offset %3.")
-                            .arg(path, parse.errorString())
-                            .arg(parse.offset));
+                            .arg(path, parse.errorString(), QString::number(parse.offset)));
         return false;
     }
     std::vector<api::analysis_waiver> read;
