@@ -76,6 +76,9 @@ void SignalCheckDatabase::save(const signal_check_result_map& result, int proces
 }
 
 void SignalCheckDatabase::showSaveAnswer(const Quorin::DBS_API::CreateSesult& answer) {
+    if (answer.success) {
+        emit stored(answer.id);
+    }
     information(answer.success ? QT_TRANSLATE_NOOP("Widget_SignalLayerChecks", "Save success")
                                : QT_TRANSLATE_NOOP("Widget_SignalLayerChecks", "Save failed"),
                 QStringLiteral(": ") + QString::fromStdString(answer.message));

@@ -46,6 +46,8 @@ public:
 signals:
     // A stored result to be shown as the dialog's own.
     void resultLoaded(const Korvo::API::signal_check_result_map& result);
+    // The shown result was stored under `id`.
+    void stored(int id);
 
 private:
     // The stored record shown in the form; the layer text stays.

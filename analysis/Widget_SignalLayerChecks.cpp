@@ -167,6 +167,8 @@ void Widget_SignalLayerChecks::wireUp() {
             &Widget_SignalLayerChecks::get_ERF_Name);
     connect(database_, &wc::SignalCheckDatabase::resultLoaded, this,
             &Widget_SignalLayerChecks::showLoadedResult);
+    connect(database_, &wc::SignalCheckDatabase::stored, this,
+            [this](int id) { triage_.setStoredId(id); });
 
     // Any change of a parameter makes the shown result stale.
     QList<QObject*> parameters = distances_->editObjects();
@@ -386,6 +388,7 @@ bool Widget_SignalLayerChecks::showRunEnd(wc::SignalRunEnd end, const QDateTime&
             break;
     }
     publishResult();
+    triageResult(-1);
     setLayerWithinCheckInfo();
     controls_->showTime(start, elapsed_ms);
     setColor();
@@ -401,7 +404,8 @@ void Widget_SignalLayerChecks::setLayerWithinCheckInfo() {
 
 void Widget_SignalLayerChecks::setColor() {
     controls_->setViewState(wc::RunControls::ViewState::Fresh);
-    switch (wc::summariseSignalResult(result_)) {
+    // Waived hits do not colour the summary.
+    switch (triage_.summary()) {
         case wc::ResultSummary::Red:
             summary_->setText(QStringLiteral("!!"));
             summary_->setStyleSheet(QStringLiteral("QLabel{background:red;}"));
@@ -462,6 +466,7 @@ void Widget_SignalLayerChecks::showLoadedResult(const signal_check_result_map& r
     result_ = result;
     processed_layers_ = static_cast<int>(result_.size());
     publishResult();
+    triageResult(-1);
     setLayerWithinCheckInfo();
     setColor();
     controls_->setStatus(wc::layersProcessedText(this, processed_layers_));
@@ -473,6 +478,7 @@ void Widget_SignalLayerChecks::viewSetShowResult() {
         published_ = Korvo::Cache::common_cache::instance()->getSignalResult();
         result_ = *published_;
         processed_layers_ = static_cast<int>(result_.size());
+        triageResult(-1);
         setLayerWithinCheckInfo();
         controls_->setStatus(
             wc::layersProcessedText(this, processed_layers_, wc::CountWording::Viewer));
@@ -487,6 +493,21 @@ void Widget_SignalLayerChecks::viewSetShowResult() {
 void Widget_SignalLayerChecks::publishResult() {
     published_ = std::make_shared<const signal_check_result_map>(result_);
     Korvo::Cache::common_cache::instance()->setSignalResult(published_);
+}
+
+// The waivers of the job and step applied to the published result. When the database cannot
+// give them the hits all stay shown, and the dialog says why once, without holding up its user.
+void Widget_SignalLayerChecks::triageResult(int stored_id) {
+    triage_.setResult(published_, shell_->job(), shell_->step(), stored_id);
+    const QString& why = triage_.unavailable();
+    if (why.isEmpty() || why == told_unavailable_) {
+        return;
+    }
+    told_unavailable_ = why;
+    auto* box =
+        new QMessageBox(QMessageBox::Information, tr("Information"), why, QMessageBox::Ok, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 // A run refreshes a viewer that is already open; the view button opens it. The viewer's raise

@@ -13,6 +13,7 @@
 #include "Korvo_Analysis_types.h"
 #include "Korvo_UIAPI.h"
 #include "analysis/SignalCheckForm.h"
+#include "analysis/SignalCheckTriage.h"
 #include "frame/ChoiceGroup.h"
 #include "frame/FieldTable.h"
 #include "frame/WidgetCommonExport.h"
@@ -119,6 +120,7 @@ private:
     void showLoadedResult(const Korvo::API::signal_check_result_map& result);
     void showResultsViewer(bool open);
     void publishResult();
+    void triageResult(int stored_id);
     void information(const QString& text);
 
     wc::DialogShell* shell_;
@@ -132,6 +134,8 @@ private:
     // The last result as the cache and the viewer share it: one immutable copy per run.
     std::shared_ptr<const Korvo::API::signal_check_result_map> published_;
     int processed_layers_ = 0;
+    wc::SignalCheckTriage triage_;
+    QString told_unavailable_;  // the last reason shown why waivers and history are missing
     QStringList layers_within_check_;
 
     std::unique_ptr<wc::FieldTable<Korvo::API::signal_check_params>> distances_;

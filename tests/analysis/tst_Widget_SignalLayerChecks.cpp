@@ -3,6 +3,7 @@
 #include <QJsonDocument>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
@@ -16,10 +17,12 @@
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "FindChild.h"
+#include "Korvo_API.h"
 #include "MarkingTranslator.h"
 #include "MessageBoxAnswerer.h"
 #include "ProgressWindows.h"
 #include "ReferenceEngine.h"
+#include "ResultDatabase.h"
 #include "SampleJobScene.h"
 #include "ScopedEngineHook.h"
 #include "UnitScope.h"
@@ -83,9 +86,13 @@ struct EngineSpy {
     wctest::ScopedEngineHook<Hook> installed{&wcref::EngineHooks::signal_layers_checks, hook()};
 };
 
+// Red hits lie between the nets "GND" and "VCC".
 signal_check_result withHits(int red, int yellow, int green) {
     signal_check_result result;
     result.red.resize(static_cast<size_t>(red));
+    for (check_info& hit : result.red) {
+        hit.nets = {"VCC", "GND"};
+    }
     result.yellow.resize(static_cast<size_t>(yellow));
     result.green.resize(static_cast<size_t>(green));
     return result;
@@ -178,19 +185,37 @@ private slots:
     }
 
     void summary_data() {
-        wctest::columns<int, int, int, QString, QString>("red", "yellow", "green", "text", "style");
-        row("red wins", 1, 3, 2, "!!", "QLabel{background:red;}");
-        row("yellow", 0, 2, 5, "!", "QLabel{background:yellow;}");
-        row("only green", 0, 0, 1, "", "QLabel{background:green;}");
+        wctest::columns<int, int, int, bool, QString, QString>("red", "yellow", "green", "waived",
+                                                               "text", "style");
+        row("red wins", 1, 3, 2, false, "!!", "QLabel{background:red;}");
+        row("yellow", 0, 2, 5, false, "!", "QLabel{background:yellow;}");
+        row("only green", 0, 0, 1, false, "", "QLabel{background:green;}");
         // The label keeps what it showed before.
-        row("no hit", 0, 0, 0, "before", "QLabel{background:blue;}");
+        row("no hit", 0, 0, 0, false, "before", "QLabel{background:blue;}");
+        // Waived hits do not colour the summary; a result whose hits are all waived is one
+        // without a hit.
+        row("red waived", 2, 3, 2, true, "!", "QLabel{background:yellow;}");
+        row("all waived", 1, 0, 0, true, "before", "QLabel{background:blue;}");
     }
     void summary() {
         QFETCH(int, red);
         QFETCH(int, yellow);
         QFETCH(int, green);
+        QFETCH(bool, waived);
         QFETCH(QString, text);
         QFETCH(QString, style);
+        if (waived) {
+            // Every pad size hit between GND and VCC, on any layer.
+            analysis_waiver waiver;
+            waiver.kind = "SignalLayer";
+            waiver.job = kJob;
+            waiver.step = "pcb";
+            waiver.scope = waive_net_pair;
+            waiver.item = sli_pad_size;
+            waiver.nets = {"GND", "VCC"};
+            waiver.reason = "pads of the power connector";
+            QVERIFY(insertAnalysisWaiver(waiver).success);
+        }
         EngineSpy spy;
         spy.answer[sli_line_width] = withHits(0, 0, 0);
         spy.answer[sli_pad_size] = withHits(red, yellow, green);
@@ -206,6 +231,31 @@ private slots:
         // Any change to the form makes the shown result stale.
         child<QCheckBox>(dialog, "checkBox_Sliver")->click();
         QCOMPARE(button(dialog, "pushButton_View")->styleSheet(), QString());
+    }
+
+    // A result database that cannot be read costs nothing of the run: every hit colours the
+    // summary, and a box that does not hold the dialog up says once why waivers are missing.
+    void unreadableDatabaseKeepsTheRun() {
+        const QString file = wcref::resultDatabase().name;
+        QVERIFY(QDir().mkpath(QFileInfo(file).absolutePath()));
+        QFile garbage(file);
+        QVERIFY(garbage.open(QIODevice::WriteOnly));
+        garbage.write(QByteArray(4096, 'x'));
+        garbage.close();
+        EngineSpy spy;
+        spy.answer[sli_pad_size] = withHits(1, 0, 0);
+        Widget_SignalLayerChecks dialog(kJob, "pcb", scene_.host(), Korvo::UIAPI::Check_Engine);
+        for (int run = 0; run < 2; ++run) {
+            dialog.on_RunGlobally_clicked();
+        }
+        QCOMPARE(child<QLabel>(dialog, "label_Summary")->text(), QString("!!"));
+        const auto boxes = dialog.findChildren<QMessageBox*>();
+        QCOMPARE(boxes.size(), 1);
+        QVERIFY2(
+            boxes.front()->text().startsWith("The waivers and the history are not available: "),
+            qPrintable(boxes.front()->text()));
+        QVERIFY(boxes.front()->text().contains(QFileInfo(file).fileName()));
+        QCOMPARE(wctest::readFile(file), QByteArray(4096, 'x'));
     }
 
     void windowAsTheHostExpects() {
