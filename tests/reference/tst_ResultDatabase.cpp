@@ -443,6 +443,7 @@ private slots:
         wctest::row("header cut", "header", "it is not an SQLite database");
         wctest::row("cut in half", "half", "it was cut off");
         wctest::row("last page cut", "page", "it was cut off");
+        wctest::row("emptied", "empty", "it was cut off (0 bytes)");
         wctest::row("other tables", "other", "it holds other data than stored checks");
     }
     void unusableFileIsNeverWritten() {
@@ -463,9 +464,11 @@ private slots:
                             {"CREATE TABLE parts (id INTEGER)", "INSERT INTO parts VALUES (1)"}));
             bytes = wctest::readFile(path);
         } else {
-            bytes.truncate(damage == "header" ? 60
-                           : damage == "half" ? bytes.size() / 2
-                                              : bytes.size() - 100);
+            const QMap<QString, int> kept{{"header", 60},
+                                          {"half", bytes.size() / 2},
+                                          {"page", bytes.size() - 100},
+                                          {"empty", 0}};
+            bytes.truncate(kept.value(damage));
         }
         QVERIFY(wctest::writeFile(path, bytes));
         const auto calls = everyCall();
