@@ -56,8 +56,9 @@ QString now() {
     return QDateTime::currentDateTime().toString(kTimeFormat);
 }
 
-// The SQLite files this process has opened. One of them missing later was removed while in
-// use: making it anew would hide that every stored check and waiver is gone.
+// The SQLite files this process has opened with their tables. One of them missing or emptied
+// later was removed or cut off while in use: making it anew would hide that every stored check
+// and waiver is gone.
 std::mutex& seenLock() {
     static std::mutex lock;
     return lock;
@@ -103,16 +104,18 @@ bool hasBytes(const QString& path) {
 
 // Why the existing SQLite file `path` is no database of ours to write to, from its header
 // alone (a full check would read every page of a large database on every call); empty when it
-// is one or is still empty. A file shorter than its header says was cut off: SQLite would read
-// the missing pages as damage only when it reaches them, after new rows went in.
-QString sqliteDamage(const QString& path) {
+// is one, or is empty and new to this process (`seen` false). A file shorter than its header
+// says was cut off: SQLite would read the missing pages as damage only when it reaches them,
+// after new rows went in.
+QString sqliteDamage(const QString& path, bool seen) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return QStringLiteral("it cannot be read (%1)").arg(file.errorString());
     }
     const qint64 size = file.size();
+    const QString cut = QStringLiteral("it was cut off (%1 bytes)").arg(size);
     if (size == 0) {
-        return QString();
+        return seen ? cut : QString();
     }
     const QByteArray header = file.read(100);
     if (header.size() < 100 || !header.startsWith(QByteArray("SQLite format 3\0", 16))) {
@@ -132,7 +135,7 @@ QString sqliteDamage(const QString& path) {
     const quint32 pages = bigEndian32(header, 28);
     const bool counted = pages > 0 && bigEndian32(header, 92) == bigEndian32(header, 24);
     if (size % page != 0 || (counted && size < page * pages)) {
-        return QStringLiteral("it was cut off (%1 bytes)").arg(size);
+        return cut;
     }
     return QString();
 }
@@ -151,6 +154,9 @@ public:
         sqlite_ = chosen.driver == QLatin1String("QSQLITE");
         if (sqlite_ ? openFile(chosen.name) : openServer(chosen)) {
             open_ = ensureTables();
+        }
+        if (open_ && sqlite_) {
+            markSeen(chosen.name);
         }
     }
     ~Connection() {
@@ -189,11 +195,12 @@ private:
 
 bool Connection::openFile(const QString& path) {
     const bool existed = QFileInfo::exists(path);
-    if (!existed && wasSeen(path)) {
+    const bool seen = wasSeen(path);
+    if (!existed && seen) {
         return fail(removedText(path));
     }
     if (existed) {
-        const QString damage = sqliteDamage(path);
+        const QString damage = sqliteDamage(path, seen);
         if (!damage.isEmpty()) {
             return fail(unusableText(path, damage));
         }
@@ -228,7 +235,6 @@ bool Connection::openFile(const QString& path) {
     if (!tables_.isEmpty() && !tables_.contains(QStringLiteral("check_results"))) {
         return fail(unusableText(path, QStringLiteral("it holds other data than stored checks")));
     }
-    markSeen(path);
     return true;
 }
 
