@@ -42,8 +42,21 @@ double toRing(const point& p, const std::vector<point>& ring) {
     return best;
 }
 
-// Each outline lies within the tolerance of the other's edges.
+// Each outline lies within the tolerance of the other's edges. Outlines written point for point
+// come back from the same first point, turning either way: compared point for point first.
 bool sameRing(const std::vector<point>& a, const std::vector<point>& b) {
+    const size_t n = a.size();
+    if (n >= 3 && b.size() == n) {
+        bool forward = true;
+        bool backward = true;
+        for (size_t k = 0; k < n && (forward || backward); ++k) {
+            forward = forward && gap(a[k], b[k]) <= kTolerance;
+            backward = backward && gap(a[k], b[(n - k) % n]) <= kTolerance;
+        }
+        if (forward || backward) {
+            return true;
+        }
+    }
     const auto within = [](const std::vector<point>& from, const std::vector<point>& to) {
         return std::all_of(from.begin(), from.end(),
                            [&](const point& p) { return toRing(p, to) <= kTolerance; });
@@ -64,10 +77,9 @@ bool sameSymbol(const featureInfo& a, const featureInfo& b) {
         }
         return true;
     }
+    static const QRegularExpression standard("^(r|s|rect|oval)([0-9.]+)(?:x([0-9.]+))?$");
     const auto size = [](const std::string& symbol) {
-        const QRegularExpressionMatch m =
-            QRegularExpression("^(r|s|rect|oval)([0-9.]+)(?:x([0-9.]+))?$")
-                .match(QString::fromStdString(symbol));
+        const QRegularExpressionMatch m = standard.match(QString::fromStdString(symbol));
         return std::make_tuple(m.captured(1), m.captured(2).toDouble(), m.captured(3).toDouble());
     };
     const auto [kind_a, w_a, h_a] = size(a.symbol);
@@ -89,9 +101,11 @@ QString difference(const featureInfo& a, const featureInfo& b) {
     if (a.type == feature_surface) {
         bool same = a.holes.size() == b.holes.size() && sameRing(a.contour, b.contour);
         for (size_t k = 0; same && k < a.holes.size(); ++k) {
-            same = std::any_of(b.holes.begin(), b.holes.end(), [&](const std::vector<point>& h) {
-                return sameRing(a.holes[k], h);
+            // The hole that starts where this one starts (holes keep their first point).
+            const auto hole = std::find_if(b.holes.begin(), b.holes.end(), [&](const auto& h) {
+                return !h.empty() && gap(h.front(), a.holes[k].front()) <= kTolerance;
             });
+            same = hole != b.holes.end() && sameRing(a.holes[k], *hole);
         }
         return same ? QString() : QString("outline or holes");
     }
