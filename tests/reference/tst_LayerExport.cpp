@@ -359,6 +359,14 @@ private slots:
         QCOMPARE(layer_export("protel", "pcb", layer.toStdString(), export_type(type),
                               path.toStdString(), &progress),
                  ok);
+        if (stop) {
+            // Past the engine's own check of the stop: the writer checks it before each step.
+            wcref::ExportLayer data;
+            std::string why;
+            QVERIFY(wcref::LayerExport::snapshot("protel", "pcb", layer.toStdString(), data, why));
+            QCOMPARE(wcref::LayerExport::writeGerber(data, path.toStdString(), &progress, why),
+                     wcref::LayerExport::Outcome::stopped);
+        }
         QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"out.gbr"});
         QFile again(path);
         QVERIFY(again.open(QIODevice::ReadOnly));
