@@ -158,14 +158,8 @@ void DemoWindow::buildMenus() {
             openFabricationFiles(folder);
         }
     });
-    job->addAction(tr("Open fabrication archive..."), this, [this] {
-        const QString archive =
-            QFileDialog::getOpenFileName(this, tr("Archive of Gerber and drill files"),
-                                         QDir::homePath(), tr("Archives (*.zip *.tar.gz *.tgz)"));
-        if (!archive.isEmpty()) {
-            openFabricationFiles(archive);
-        }
-    });
+    job->addAction(tr("Open fabrication archive..."), this,
+                   [this] { demo::FabricationExport::openArchive(this); });
     job->addAction(tr("Drill formats..."), this, [this] { openDrillFormats(); });
     job->addAction(tr("Move a feature..."), this, [this] { feature_move_->start(); });
     job->addAction(tr("Export fabrication files..."), this,

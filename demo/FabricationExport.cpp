@@ -87,6 +87,15 @@ void FabricationExport::start(DemoWindow* window) {
                     .arg(job, step, target, files.join(QStringLiteral(", "))));
 }
 
+void FabricationExport::openArchive(DemoWindow* window) {
+    const QString archive =
+        QFileDialog::getOpenFileName(window, tr("Archive of Gerber and drill files"),
+                                     QDir::homePath(), tr("Archives (*.zip *.tar.gz *.tgz)"));
+    if (!archive.isEmpty()) {
+        window->openFabricationFiles(archive);
+    }
+}
+
 QString FabricationExport::exportStep(const QString& job, const QString& step,
                                       const QString& target, QStringList* files) {
     const bool zip = target.endsWith(QLatin1String(".zip"), Qt::CaseInsensitive);

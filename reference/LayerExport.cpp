@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <set>
+#include <type_traits>
 
 #include "EngineStore.h"
 #include "LayerExportImage.h"
@@ -149,6 +150,19 @@ bool exportThroughLibgerbv(gerbv_image_t* image, bool drill, std::vector<std::st
 
 // ---- Gerber -------------------------------------------------------------------------------
 
+std::string textComment(const featureInfo& f) {
+    std::string text = f.text;
+    for (char& c : text) {
+        if (c == '*' || c == '%' || c == '\n' || c == '\r') {
+            c = ' ';
+        }
+    }
+    char at[80];
+    std::snprintf(at, sizeof at, "X%.6f Y%.6f", f.start.x / 25400000.0, f.start.y / 25400000.0);
+    return "G04 text \"" + text + "\" at " + at +
+           " inch, not drawn: Gerber holds no text and the engine no font*";
+}
+
 // Where the Gerber output of libgerbv is corrected and completed:
 // - it writes aperture sizes with four decimals of an inch (a tenth of a mil), so a 0.35 mm pad
 //   comes back 0.02 mil larger: each standard aperture is written again at full precision;
@@ -183,7 +197,11 @@ bool completeGerber(std::vector<std::string>& lines, const GerberImage& built,
     }
     const auto end = std::find(lines.begin(), lines.end(), "G04 --End of header info--*");
     lines.insert(end == lines.end() ? lines.begin() : end + 1, head.begin(), head.end());
-    lines.insert(lines.end() - 1, built.comments.begin(), built.comments.end());
+    for (const featureInfo& f : layer.features) {
+        if (f.type == Korvo::API::feature_text) {
+            lines.insert(lines.end() - 1, textComment(f));
+        }
+    }
     if (corrected > 0) {
         VLOG(1) << "export of " << layer.row.name << ": " << corrected
                 << " aperture definitions written again at full precision";
@@ -273,7 +291,50 @@ LayerExport::Outcome finish(std::vector<std::string>& lines, const std::string& 
     return outcome;
 }
 
+// Builds the image, has libgerbv write it, completes what it wrote and commits the file,
+// checking for a stop before each step.
+template <class Image, class Build, class Complete>
+LayerExport::Outcome write(const ExportLayer& layer, const std::string& path,
+                           Korvo::COMMON::progress_state* progress, std::string& message,
+                           Build build, Complete complete) {
+    Image built;
+    std::vector<std::string> lines;
+    if (stopped(progress) || !build(layer, built, message) || stopped(progress) ||
+        !exportThroughLibgerbv(built.image.get(), std::is_same<Image, DrillImage>::value, lines,
+                               message) ||
+        !complete(lines, built, layer, message)) {
+        return stopped(progress) ? LayerExport::Outcome::stopped : LayerExport::Outcome::failed;
+    }
+    return finish(lines, path, progress, message);
+}
+
 }  // namespace
+
+bool DrillHole::writtenAs(const std::string& line) const {
+    long x = 0;
+    long y = 0;
+    long x2 = 0;
+    long y2 = 0;
+    const auto close = [](long digits, double inches) {
+        return std::abs(static_cast<double>(digits) - inches * 10000.0) <= 0.5 + 1e-6;
+    };
+    if (slot) {
+        return std::sscanf(line.c_str(), "X%ldY%ldG85X%ldY%ld", &x, &y, &x2, &y2) == 4 &&
+               close(x, x0) && close(y, y0) && close(x2, x1) && close(y2, y1);
+    }
+    return std::sscanf(line.c_str(), "X%ldY%ld", &x, &y) == 2 && close(x, x1) && close(y, y1) &&
+           line.find('G') == std::string::npos;
+}
+
+std::string DrillHole::text() const {
+    char out[160];
+    if (slot) {
+        std::snprintf(out, sizeof out, "X%.6fY%.6fG85X%.6fY%.6f", x0, y0, x1, y1);
+    } else {
+        std::snprintf(out, sizeof out, "X%.6fY%.6f", x1, y1);
+    }
+    return out;
+}
 
 bool LayerExport::snapshot(const std::string& job, const std::string& step,
                            const std::string& layer, ExportLayer& out, std::string& message) {
@@ -296,31 +357,13 @@ bool LayerExport::snapshot(const std::string& job, const std::string& step,
 LayerExport::Outcome LayerExport::writeGerber(const ExportLayer& layer, const std::string& path,
                                               Korvo::COMMON::progress_state* progress,
                                               std::string& message) {
-    GerberImage built;
-    if (stopped(progress) || !buildGerberImage(layer, built, message)) {
-        return stopped(progress) ? Outcome::stopped : Outcome::failed;
-    }
-    std::vector<std::string> lines;
-    if (stopped(progress) || !exportThroughLibgerbv(built.image.get(), false, lines, message) ||
-        !completeGerber(lines, built, layer, message)) {
-        return stopped(progress) ? Outcome::stopped : Outcome::failed;
-    }
-    return finish(lines, path, progress, message);
+    return write<GerberImage>(layer, path, progress, message, &buildGerberImage, &completeGerber);
 }
 
 LayerExport::Outcome LayerExport::writeExcellon(const ExportLayer& layer, const std::string& path,
                                                 Korvo::COMMON::progress_state* progress,
                                                 std::string& message) {
-    DrillImage built;
-    if (stopped(progress) || !buildDrillImage(layer, built, message)) {
-        return stopped(progress) ? Outcome::stopped : Outcome::failed;
-    }
-    std::vector<std::string> lines;
-    if (stopped(progress) || !exportThroughLibgerbv(built.image.get(), true, lines, message) ||
-        !completeExcellon(lines, built, layer, message)) {
-        return stopped(progress) ? Outcome::stopped : Outcome::failed;
-    }
-    return finish(lines, path, progress, message);
+    return write<DrillImage>(layer, path, progress, message, &buildDrillImage, &completeExcellon);
 }
 
 std::string LayerExport::fileFunction(const layer_info& row, const std::vector<layer_info>& matrix,

@@ -4,8 +4,8 @@
 // layer's features; what those exporters cannot say, or say wrongly, is written or corrected
 // here (LayerExport.cpp says what and why).
 //
-// What becomes what (the reverse of GerberImport, so that a file read, written and read again
-// keeps every feature within a fortieth of a nanometre's rounding of the file's digits):
+// What becomes what (the reverse of GerberImport, so that a board read, written and read again
+// keeps every feature within the file's resolution, a millionth of an inch):
 // - a pad with a standard symbol ("r", "s", "rect", "oval") flashes a standard aperture; turned
 //   by a quarter it flashes the aperture of the turned size, by any other angle a macro of its
 //   outline; a "poly" pad flashes a polygon aperture; any other pad with an outline (macro pads)
@@ -21,6 +21,10 @@
 // among the copper layers, .FilePolarity, .SameCoordinates (the job and step); an Excellon file
 // carries them as "; #@! " comments, with the plating of the file or, for a layer of both
 // kinds, of each tool.
+//
+// Not written: the features' nets (X2 object attributes, which the import reads) and any
+// attribute but plating. The engine's import takes a drill file's plating for all its holes, so
+// the non-plated holes of a layer of both kinds come back plated.
 //
 // A file is written whole or not at all: to a temporary file first, renamed when complete. A
 // stop requested through the progress block writes nothing.

@@ -472,23 +472,9 @@ void addDraw(Builder& b, const featureInfo& f, int code) {
     n->cirseg = allocate<gerbv_cirseg_t>();
     n->cirseg->cp_x = inch(f.center.x);
     n->cirseg->cp_y = inch(f.center.y);
-    const double r = std::hypot(f.start.x - f.center.x, f.start.y - f.center.y);
-    n->cirseg->width = n->cirseg->height = inch(2 * r);
-    n->cirseg->angle1 = std::atan2(f.start.y - f.center.y, f.start.x - f.center.x) * 180 / kPi;
-    n->cirseg->angle2 = std::atan2(f.end.y - f.center.y, f.end.x - f.center.x) * 180 / kPi;
-}
-
-std::string textComment(const featureInfo& f) {
-    std::string text = f.text;
-    for (char& c : text) {
-        if (c == '*' || c == '%' || c == '\n' || c == '\r') {
-            c = ' ';
-        }
-    }
-    char at[80];
-    std::snprintf(at, sizeof at, "X%.6f Y%.6f", inch(f.start.x), inch(f.start.y));
-    return "G04 text \"" + text + "\" at " + at +
-           " inch, not drawn: Gerber holds no text and the engine no font*";
+    // The exporter reads the centre alone; the size is there for any other reader of the image.
+    n->cirseg->width = n->cirseg->height =
+        inch(2 * std::hypot(f.start.x - f.center.x, f.start.y - f.center.y));
 }
 
 bool finite(const featureInfo& f) {
@@ -514,38 +500,11 @@ std::string featureName(const ExportLayer& layer, const featureInfo& f) {
 
 }  // namespace
 
-bool DrillHole::writtenAs(const std::string& line) const {
-    long x = 0;
-    long y = 0;
-    long x2 = 0;
-    long y2 = 0;
-    const auto close = [](long digits, double inches) {
-        return std::abs(static_cast<double>(digits) - inches * 10000.0) <= 0.5 + 1e-6;
-    };
-    if (slot) {
-        return std::sscanf(line.c_str(), "X%ldY%ldG85X%ldY%ld", &x, &y, &x2, &y2) == 4 &&
-               close(x, x0) && close(y, y0) && close(x2, x1) && close(y2, y1);
-    }
-    return std::sscanf(line.c_str(), "X%ldY%ld", &x, &y) == 2 && close(x, x1) && close(y, y1) &&
-           line.find('G') == std::string::npos;
-}
-
-std::string DrillHole::text() const {
-    char out[160];
-    if (slot) {
-        std::snprintf(out, sizeof out, "X%.6fY%.6fG85X%.6fY%.6f", x0, y0, x1, y1);
-    } else {
-        std::snprintf(out, sizeof out, "X%.6fY%.6f", x1, y1);
-    }
-    return out;
-}
-
 bool buildGerberImage(const ExportLayer& layer, GerberImage& out, std::string& message) {
     Builder b(false);
     for (const featureInfo& f : layer.features) {
         if (f.type == Korvo::API::feature_text) {
-            out.comments.push_back(textComment(f));
-            continue;
+            continue;  // a comment of the file (LayerExport.cpp)
         }
         if (!finite(f)) {
             message = featureName(layer, f) + "lies at no finite place";

@@ -25,8 +25,6 @@ struct GerberImage {
     // The standard apertures at full precision by number, as written after "%ADD<n>":
     // "C,0.0137795", "R,0.0600000X0.0800000", "P,0.0500000X8X22.5000000".
     std::map<int, std::string> definitions;
-    // G04 lines for what Gerber cannot draw (texts).
-    std::vector<std::string> comments;
 };
 
 // One hole or slot in inches, as libgerbv gets it.
