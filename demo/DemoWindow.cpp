@@ -22,6 +22,7 @@
 #include <set>
 
 #include "DrillFormatPanel.h"
+#include "FabricationExport.h"
 #include "FeatureFilterHost.h"
 #include "FeatureMoveHost.h"
 #include "GraphicView.h"
@@ -157,8 +158,12 @@ void DemoWindow::buildMenus() {
             openFabricationFiles(folder);
         }
     });
+    job->addAction(tr("Open fabrication archive..."), this,
+                   [this] { demo::FabricationExport::openArchive(this); });
     job->addAction(tr("Drill formats..."), this, [this] { openDrillFormats(); });
     job->addAction(tr("Move a feature..."), this, [this] { feature_move_->start(); });
+    job->addAction(tr("Export fabrication files..."), this,
+                   [this] { demo::FabricationExport::start(this); });
     job->addAction(tr("Layer matrix..."), this, [this] { openLayerMatrix(); });
     job->addSeparator();
     job->addAction(tr("Quit"), qApp, &QApplication::quit);

@@ -12,6 +12,7 @@
 
 #include "EngineCallText.h"
 #include "EngineStore.h"
+#include "FabricationArchive.h"
 #include "JobFromFolder.h"
 #include "Korvo_API.h"
 #include "SampleJob.h"
@@ -162,11 +163,12 @@ bool open_job(const std::string& job, const std::string& path) {
         return hook(job, path);
     }
     if (path != "" && path != ":sample") {
-        if (!job.empty() && QFileInfo(QString::fromStdString(path)).isDir()) {
+        if (!job.empty() && (QFileInfo(QString::fromStdString(path)).isDir() ||
+                             wcref::FabricationArchive::isArchiveName(path))) {
             return wcref::JobFromFolder::open(job, path);
         }
         LOG(ERROR) << "the reference engine opens its sample job (path \"\" or \":sample\") "
-                   << "or a folder of Gerber and drill files, not " << path;
+                   << "or a folder or archive of Gerber and drill files, not " << path;
         return false;
     }
     if (job.empty()) {

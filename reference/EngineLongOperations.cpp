@@ -20,6 +20,7 @@
 #include "EngineStore.h"
 #include "JobNets.h"
 #include "Korvo_API.h"
+#include "LayerExport.h"
 #include "ResultDatabase.h"
 #include "SignalChecks.h"
 
@@ -471,8 +472,8 @@ bool NFP_removal_DFM_op(const std::string& job, const std::string& step,
 }
 
 // ---- output ---------------------------------------------------------------------------------
-// The reference engine writes a text listing of the features whatever the export type asks
-// for (the type is named in the listing); a stopped run writes nothing and still succeeds.
+// Gerber RS-274X and Excellon files through libgerbv's exporters (LayerExport.h); the DXF export
+// is still the text listing of the features. A stopped run writes nothing and still succeeds.
 
 bool layer_export(const std::string& job, const std::string& step, const std::string& layer,
                   export_type type, const std::string& path,
@@ -482,8 +483,10 @@ bool layer_export(const std::string& job, const std::string& step, const std::st
                   &EngineHooks::layer_export)) {
         return hook(job, step, layer, type, path, progress);
     }
-    std::vector<featureInfo> features;
-    if (!snapshotLayer(job, step, layer, features)) {
+    wcref::ExportLayer data;
+    std::string message;
+    if (!wcref::LayerExport::snapshot(job, step, layer, data, message)) {
+        LOG(ERROR) << "layer_export: " << message;
         return false;
     }
     if (path.empty()) {
@@ -493,8 +496,17 @@ bool layer_export(const std::string& job, const std::string& step, const std::st
     if (!reportProgress(progress)) {
         return true;
     }
-    return writeAtomically(QString::fromStdString(path),
-                           layerListing(job, step, layer, exportName(type), features));
+    if (type == export_dxf) {
+        return writeAtomically(QString::fromStdString(path),
+                               layerListing(job, step, layer, exportName(type), data.features));
+    }
+    const wcref::LayerExport::Outcome outcome =
+        type == export_drill ? wcref::LayerExport::writeExcellon(data, path, progress, message)
+                             : wcref::LayerExport::writeGerber(data, path, progress, message);
+    if (outcome == wcref::LayerExport::Outcome::failed) {
+        LOG(ERROR) << "layer_export: " << message;
+    }
+    return outcome != wcref::LayerExport::Outcome::failed;
 }
 
 // One listing per layer of the matrix, named "<layer>.txt", below `folder` (created if needed).

@@ -6,12 +6,14 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <algorithm>
 #include <cmath>
 #include <set>
 
 #include "CopperGeometry.h"
 #include "EngineStore.h"
+#include "FabricationArchive.h"
 #include "GerberImport.h"
 #include "Ipc356.h"
 #include "LayerGuess.h"
@@ -74,6 +76,10 @@ layer_info JobFromFolder::guessLayer(const std::string& file_name, bool drill) {
 
 bool JobFromFolder::build(const std::string& job_name, const std::string& folder, EngineJob& job,
                           std::string& message) {
+    if (FabricationArchive::isArchiveName(folder) &&
+        !QFileInfo(QString::fromStdString(folder)).isDir()) {
+        return buildFromArchive(job_name, folder, job, message);
+    }
     const QDir dir(QString::fromStdString(folder));
     if (folder.empty() || !dir.exists()) {
         message = "folder \"" + folder + "\" does not exist";
@@ -218,6 +224,28 @@ bool JobFromFolder::build(const std::string& job_name, const std::string& folder
     }
     job.steps.push_back(std::move(step));
     message = "job " + job_name + " with " + std::to_string(job.matrix.size()) + " layers";
+    return true;
+}
+
+bool JobFromFolder::buildFromArchive(const std::string& job_name, const std::string& archive,
+                                     EngineJob& job, std::string& message) {
+    // Unpacked into a scratch folder that goes when the job is built: the job keeps its
+    // features, not its files.
+    const QTemporaryDir scratch;
+    if (!scratch.isValid()) {
+        message = "archive \"" + archive + "\" cannot be unpacked: no scratch folder";
+        return false;
+    }
+    if (!FabricationArchive::unpack(archive, scratch.path().toStdString(), message)) {
+        return false;
+    }
+    if (!build(job_name, scratch.path().toStdString(), job, message)) {
+        message = "archive \"" + archive + "\" holds no Gerber or Excellon file";
+        return false;
+    }
+    job.path = archive;
+    message = "job " + job_name + " with " + std::to_string(job.matrix.size()) +
+              " layers from archive \"" + archive + "\"";
     return true;
 }
 

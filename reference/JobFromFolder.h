@@ -1,6 +1,7 @@
 #pragma once
-// Builds a whole job from a folder of Gerber and Excellon files: one layer per file that
-// libgerbv reads, in step "pcb".
+// Builds a whole job from a folder of Gerber and Excellon files, or from a .zip, .tar.gz or .tgz
+// of them (unpacked by FabricationArchive): one layer per file that libgerbv reads, in step
+// "pcb".
 //
 // Layers are named after their files (lower case) and typed, sided and ordered by LayerGuess:
 // from the files' Gerber X2 attributes, then the common file-name conventions, then their
@@ -33,13 +34,18 @@ public:
     // Matrix row guessed from a file name (row left 0); `drill` when the file is Excellon.
     static Korvo::API::layer_info guessLayer(const std::string& file_name, bool drill);
 
-    // Reads the folder into `job`; false with the reason in `message`.
+    // Reads the folder, or an archive of fabrication files (FabricationArchive), into `job`;
+    // false with the reason in `message`.
     static bool build(const std::string& job_name, const std::string& folder, EngineJob& job,
                       std::string& message);
 
     // Builds the job and opens it in the reference engine; a job of that name that is open
     // already is kept as it is. False when the folder gives no layer.
     static bool open(const std::string& job_name, const std::string& folder);
+
+private:
+    static bool buildFromArchive(const std::string& job_name, const std::string& archive,
+                                 EngineJob& job, std::string& message);
 };
 
 }  // namespace wcref

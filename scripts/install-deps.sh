@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
     build-essential cmake ninja-build pkg-config
     qtbase5-dev qttools5-dev-tools fonts-dejavu-core fonts-wqy-microhei
-    libgoogle-glog-dev libjsoncpp-dev libboost-dev
+    libgoogle-glog-dev libjsoncpp-dev libboost-dev libarchive-dev
     libgtest-dev libbenchmark-dev libgeos-dev
     clang clang-format ccache lld
     gerbv postgresql libqt5sql5-sqlite libqt5sql5-psql
