@@ -7,6 +7,7 @@
 
 #include "CopperGeometry.h"
 #include "DataRows.h"
+#include "ResultRecord.h"
 #include "SignalChecks.h"
 #include "SyntheticJob.h"
 
@@ -584,6 +585,45 @@ private slots:
         QVERIFY(std::abs(result.at(sli_line_width).yellow[0].value - 0.1 * kMm) < 0.05);
         QCOMPARE(result.at(sli_line_width).yellow[0].shape.kind, check_points::box);
         QCOMPARE(int(result.at(sli_smd_width).red.size()), 1);
+    }
+
+    // A stored result keeps each hit's required value and signature, all 64 bits of it, through
+    // a write and a read; a row written before they existed reads them as 0, and one holding
+    // them in a form the writer never gives is refused.
+    void storedRequiredAndSignature_data() {
+        QTest::addColumn<QString>("fields");  // added to a stored hit
+        QTest::addColumn<bool>("reads");
+        QTest::addColumn<double>("required");
+        QTest::addColumn<quint64>("signature");
+        wctest::row("written before", "", true, 0.0, quint64(0));
+        wctest::row("both", R"(,"r":254000.5,"s":"fedcba9876543210")", true, 254000.5,
+                    quint64(0xfedcba9876543210ULL));
+        wctest::row("signature as a number", R"(,"s":255)", false, 0.0, quint64(0));
+        wctest::row("signature in capitals", R"(,"s":"FEDCBA9876543210")", false, 0.0, quint64(0));
+        wctest::row("short signature", R"(,"s":"ff")", false, 0.0, quint64(0));
+        wctest::row("required as text", R"(,"r":"1")", false, 0.0, quint64(0));
+    }
+    void storedRequiredAndSignature() {
+        QFETCH(QString, fields);
+        QFETCH(bool, reads);
+        QFETCH(double, required);
+        QFETCH(quint64, signature);
+        const QString text = R"({"top":[{"item":0,"red":[{"v":1,"k":0,"p":[],"f":[])" + fields +
+                             R"(}],"yellow":[],"green":[],"other":[]}]})";
+        Korvo::API::signal_check_result_map read;
+        QCOMPARE(wcref::resultrecord::resultFromJson(text, read), reads);
+        if (!reads) {
+            QVERIFY(read.empty());
+            return;
+        }
+        Korvo::API::signal_check_result_map again;
+        QVERIFY(
+            wcref::resultrecord::resultFromJson(wcref::resultrecord::resultToJson(read), again));
+        for (const auto* result : {&read, &again}) {
+            const check_info& hit = result->at("top").at(sli_pad_to_pad_spacing).red.at(0);
+            QCOMPARE(hit.required, required);
+            QCOMPARE(quint64(hit.signature), signature);
+        }
     }
 
     void grading_data() {
