@@ -105,6 +105,7 @@ bool SignalLayersCheckListReader::parse(const std::string& job_folder,
                        << " has an unknown level: " << line.toStdString();
             return false;
         }
+        // The files name no features and no rule's value: signature and required stay 0.
         check_info hit;
         hit.value = numbers[0];
         hit.shape.kind = check_points::line;

@@ -340,27 +340,6 @@ void polygonPolygon(const GeoPolygon& x, const GeoPolygon& y, Best& best) {
 
 }  // namespace
 
-Korvo::API::check_info distanceHit(double value, const point& a, const point& b,
-                                   std::vector<Korvo::API::feature_ref> features) {
-    Korvo::API::check_info hit;
-    hit.value = value;
-    hit.shape.kind = Korvo::API::check_points::line;
-    hit.shape.points = {a, b};
-    hit.features = std::move(features);
-    return hit;
-}
-
-Korvo::API::check_info boxHit(double value, const GeoBox& box,
-                              std::vector<Korvo::API::feature_ref> features) {
-    Korvo::API::check_info hit;
-    hit.value = value;
-    hit.shape.kind = Korvo::API::check_points::box;
-    hit.shape.points = {{box.min_corner().x(), box.min_corner().y()},
-                        {box.max_corner().x(), box.max_corner().y()}};
-    hit.features = std::move(features);
-    return hit;
-}
-
 SymbolSize CopperGeometry::parseSymbol(const std::string& name) {
     SymbolSize size;
     const auto number = [](const char* text, double& value, const char** rest) {

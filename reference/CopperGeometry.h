@@ -25,6 +25,7 @@
 #include <boost/geometry/geometries/point_xy.hpp>
 #include <boost/geometry/geometries/polygon.hpp>
 #include <cstddef>
+#include <cstdint>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -110,13 +111,37 @@ private:
     std::vector<size_t> parent_;
 };
 
+// A feature a hit concerns: its reference and the record it was measured on (for the hit's
+// signature; nullptr where the record is not at hand, and the signature is then 0).
+struct HitFeature {
+    Korvo::API::feature_ref ref;
+    const Korvo::API::featureInfo* record = nullptr;
+};
+
+// The signature of a hit's features (`check_info::signature`): what they are, never where.
+// For each feature, its type and its size: a pad or a line by its symbol's shape kind and
+// dimensions (a pad whose outline is kept by that outline's width, height and area instead),
+// a line also by its length, an arc by its symbol, its radius and its sweep, a surface by its
+// outline's width and height and its area (holes taken out). Lengths are rounded to 0.1 mil
+// (2540 engine units), areas to the square of that, sweeps to a hundredth of a degree. The
+// per-feature values are sorted, so that the order of the features in the hit or on the layer
+// does not count, and hashed with 64-bit FNV-1a, which is the same in every build and on every
+// platform. Position, ids and layer never enter, nor the angle a symbol is placed at; an
+// outline's width and height are those of its box along x and y, so a turned surface can read
+// as another. 0 when a record is missing or there is no feature; never 0 otherwise. A size
+// within a rounding of a step's boundary can read as the next step after a change smaller than
+// the step: the hit is then a new one.
+std::uint64_t hitSignature(const std::vector<const Korvo::API::featureInfo*>& records);
+
 // The hits the checks and the optimisations report: a distance as the line between its two
-// closest points, a size or a count as the feature's box.
-Korvo::API::check_info distanceHit(double value, const Korvo::API::point& a,
+// closest points, a size or a count as the feature's box. `required` is the rule's value the
+// measurement was held against (0 where the item has none); the signature comes from the
+// features' records.
+Korvo::API::check_info distanceHit(double value, double required, const Korvo::API::point& a,
                                    const Korvo::API::point& b,
-                                   std::vector<Korvo::API::feature_ref> features);
-Korvo::API::check_info boxHit(double value, const GeoBox& box,
-                              std::vector<Korvo::API::feature_ref> features);
+                                   const std::vector<HitFeature>& features);
+Korvo::API::check_info boxHit(double value, double required, const GeoBox& box,
+                              const std::vector<HitFeature>& features);
 
 class CopperGeometry {
 public:

@@ -65,7 +65,7 @@ Holes::Holes(const std::vector<CheckLayer>& layers) {
                 continue;
             }
             const auto kind = f.attributes.find(".drill");
-            holes.push_back({{layer.row, f.id},
+            holes.push_back({{{layer.row, f.id}, &f},
                              f.start,
                              size.width,
                              kind != f.attributes.end() ? kind->second : std::string(),

@@ -35,7 +35,8 @@ struct Copper {
         return layer->features[pieces[k].feature];
     }
     const CopperShape& shape(unsigned k) const { return pieces[k].shape; }
-    Korvo::API::feature_ref ref(unsigned k) const { return {layer->row, feature(k).id}; }
+    // Piece `k` as a hit names it.
+    HitFeature ref(unsigned k) const { return {{layer->row, feature(k).id}, &feature(k)}; }
 
     // The pieces whose boxes meet `box`.
     std::vector<unsigned> near(const GeoBox& box) const {
@@ -60,7 +61,7 @@ bool covers(const CopperShape& shape, const Korvo::API::point& p);
 
 // A hole of a drill layer.
 struct Hole {
-    Korvo::API::feature_ref ref;
+    HitFeature ref;  // into the drill layer it was read from
     Korvo::API::point centre;
     double diameter = 0.0;
     std::string kind;  // ".drill": "plated", "non_plated", "via", ...

@@ -123,7 +123,7 @@ private:
                             : !params_.remove_undrilled_pads) {
             return;
         }
-        std::vector<feature_ref> refs{copper_.ref(k)};
+        std::vector<HitFeature> refs{copper_.ref(k)};
         NFP_removal_DFM_op_items item = nfp_isolated_removed;
         if (!kindOf(k, hole, std::min(hx, hy), item, refs)) {
             return;
@@ -137,14 +137,15 @@ private:
             pass_.edits.push_back(edit);
             item = nfp_marked;
         }
-        grade(item, boxHit(2 * std::min(hx, hy), shape.box, std::move(refs)), params_.ranges,
-              result_);
+        // No kind compares the pad's size with a value of the record (a pad drilled over is held
+        // against its own hole), so no hit has a required value.
+        grade(item, boxHit(2 * std::min(hx, hy), 0.0, shape.box, refs), params_.ranges, result_);
     }
 
     // The first kind pad `k` is of (duplicate or covered, drilled over, isolated), adding the
     // features that make it so to `refs`; false when it is of none asked for.
     bool kindOf(unsigned k, const Hole* hole, double half, NFP_removal_DFM_op_items& item,
-                std::vector<feature_ref>& refs) const {
+                std::vector<HitFeature>& refs) const {
         if (againstOtherPads(k, item, refs)) {
             return true;
         }
@@ -165,7 +166,7 @@ private:
 
     // A duplicate of an earlier pad, or a pad covered by another one still there.
     bool againstOtherPads(unsigned k, NFP_removal_DFM_op_items& item,
-                          std::vector<feature_ref>& refs) const {
+                          std::vector<HitFeature>& refs) const {
         const featureInfo& f = copper_.feature(k);
         for (unsigned j : copper_.near(copper_.shape(k).box)) {
             const featureInfo& other = copper_.feature(j);

@@ -17,7 +17,10 @@
 // an item without a range goes to the fourth list, and one whose three levels are zero (a
 // count) grades every hit red. Values are engine units, compared with the levels as given.
 // A hit carries its value, a shape (a line between the two closest points for a distance, the
-// feature's box otherwise) and its features as (layer row, feature id).
+// feature's box otherwise), its features as (layer row, feature id) and their signature as read
+// (CopperGeometry.h), and the record's value it was held against (`required`: the minimum ring,
+// spacing, clearance, coverage or bridge; the spacing a skipped teardrop broke; 0 for made,
+// missing and deleted teardrops and for NFP removal, which hold no value against the record).
 //
 // Signal layer (results per layer name):
 // - Annular ring: a pad with a drill whose ring (the pad's half-size less the hole's radius and

@@ -94,18 +94,20 @@ private:
         if (ring >= rule.min - params_.minimum_tolerance) {
             return;
         }
-        const std::vector<feature_ref> refs{copper_.ref(k), hole->ref};
-        if (params_.pad_up && rule.opt > ring && padUp(k, size, ring, rule.opt, refs)) {
+        const std::vector<HitFeature> refs{copper_.ref(k), hole->ref};
+        if (params_.pad_up && rule.opt > ring && padUp(k, size, ring, rule, refs)) {
             return;
         }
-        grade(rule.item, boxHit(ring, copper_.shape(k).box, refs), params_.ranges, result_);
+        grade(rule.item, boxHit(ring, rule.min, copper_.shape(k).box, refs), params_.ranges,
+              result_);
     }
 
-    // Enlarges pad `k` so that its ring reaches `opt`, unless the larger pad would come closer
-    // than the spacing to (or touch) copper of another island; false when it stays as it was.
-    bool padUp(unsigned k, const SymbolSize& size, double ring, double opt,
-               const std::vector<feature_ref>& refs) {
-        const double delta = 2 * std::ceil(opt - ring);
+    // Enlarges pad `k` so that its ring reaches the rule's optimum, unless the larger pad would
+    // come closer than the spacing to (or touch) copper of another island; false when it stays
+    // as it was. The hit names the pad as it was read.
+    bool padUp(unsigned k, const SymbolSize& size, double ring, const RingRule& rule,
+               const std::vector<HitFeature>& refs) {
+        const double delta = 2 * std::ceil(rule.opt - ring);
         featureInfo bigger = copper_.feature(k);
         bigger.symbol =
             CopperGeometry::symbolName(size.kind, size.width + delta, size.height + delta);
@@ -128,7 +130,8 @@ private:
         Edit edit = editOf(Edit::resize, copper_.feature(k));
         edit.symbol = bigger.symbol;
         pass_.edits.push_back(edit);
-        grade(sdi_pad_up, boxHit(ring, shape.box, refs), params_.ranges, result_);
+        // The ring was held against the minimum; the optimum is only what it grew to.
+        grade(sdi_pad_up, boxHit(ring, rule.min, shape.box, refs), params_.ranges, result_);
         copper_.pieces[k].shape = shape;
         growth_ = std::max(growth_, delta / 2);
         return true;
@@ -159,11 +162,14 @@ private:
                 if (pads && params_.pad_to_pad_spacing_min > 0) {
                     if (d < params_.pad_to_pad_spacing_min) {
                         grade(sdi_pad_to_pad_spacing,
-                              distanceHit(d, pa, pb, {copper_.ref(i), copper_.ref(j)}),
+                              distanceHit(d, params_.pad_to_pad_spacing_min, pa, pb,
+                                          {copper_.ref(i), copper_.ref(j)}),
                               params_.ranges, result_);
                     }
                 } else if (d < params_.spacing_min) {
-                    grade(sdi_spacing, distanceHit(d, pa, pb, {copper_.ref(i), copper_.ref(j)}),
+                    grade(sdi_spacing,
+                          distanceHit(d, params_.spacing_min, pa, pb,
+                                      {copper_.ref(i), copper_.ref(j)}),
                           params_.ranges, result_);
                 }
             }

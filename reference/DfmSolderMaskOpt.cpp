@@ -108,8 +108,9 @@ private:
         if (clearance >= params_.clearance_min) {
             return;
         }
-        const check_info hit =
-            boxHit(clearance, copper_.shape(p).box, {openings_.ref(k), copper_.ref(p)});
+        // Resized or not, the clearance was held against the minimum.
+        const check_info hit = boxHit(clearance, params_.clearance_min, copper_.shape(p).box,
+                                      {openings_.ref(k), copper_.ref(p)});
         if (!params_.do_resize || params_.clearance_opt <= clearance) {
             grade(smo_clearance_below_min, hit, params_.ranges, result_);
             return;
@@ -138,8 +139,9 @@ private:
             const double d = CopperGeometry::distance(shape, copper_.shape(j), pa, pb);
             if (d < params_.coverage_min) {
                 grade(smo_coverage_below_min,
-                      distanceHit(d, pa, pb, {openings_.ref(k), copper_.ref(j)}), params_.ranges,
-                      result_);
+                      distanceHit(d, params_.coverage_min, pa, pb,
+                                  {openings_.ref(k), copper_.ref(j)}),
+                      params_.ranges, result_);
             }
         }
     }
@@ -157,8 +159,9 @@ private:
             const double d = CopperGeometry::distance(shape, openings_.shape(j), pa, pb);
             if (d > kTouch && d < params_.bridge_size) {
                 grade(smo_bridge_below_min,
-                      distanceHit(d, pa, pb, {openings_.ref(k), openings_.ref(j)}), params_.ranges,
-                      result_);
+                      distanceHit(d, params_.bridge_size, pa, pb,
+                                  {openings_.ref(k), openings_.ref(j)}),
+                      params_.ranges, result_);
             }
         }
     }

@@ -25,8 +25,8 @@ struct Fillet {
     featureInfo surface;
     CopperShape shape;
     size_t island = 0;
-    feature_ref trace;
-    feature_ref pad;
+    HitFeature trace;
+    HitFeature pad;
     teardrop_create_DFM_op_items item;
     double value = 0.0;
 };
@@ -90,7 +90,8 @@ private:
                 if (inScope(f, surface.box, layer, pass_.input, params_.scope)) {
                     old.insert(k);
                     pass_.edits.push_back(editOf(Edit::remove, f));
-                    grade(tdi_deleted_old, boxHit(0.0, surface.box, {{layer.row, f.id}}),
+                    // A deletion measures nothing and holds nothing against a value.
+                    grade(tdi_deleted_old, boxHit(0.0, 0.0, surface.box, {{{layer.row, f.id}, &f}}),
                           params_.ranges, result_);
                 }
             }
@@ -155,17 +156,19 @@ private:
                            : r - end.half_width;
         point ca;
         point cb;
-        const double closest = closestObstacle(fillet, hole, ca, cb);
+        double limit = 0.0;
+        const double closest = closestObstacle(fillet, hole, ca, cb, limit);
         if (closest < std::numeric_limits<double>::infinity()) {
             grade(tdi_skipped_spacing,
-                  distanceHit(closest, ca, cb, {copper_.ref(end.trace), copper_.ref(p)}),
+                  distanceHit(closest, limit, ca, cb, {copper_.ref(end.trace), copper_.ref(p)}),
                   params_.ranges, result_);
             return;
         }
         const bool drilled = hole != nullptr;
         if (params_.report_only) {
+            // The ring or margin of a teardrop's pad is reported, not held against the record.
             grade(drilled ? tdi_missing_drilled : tdi_missing_undrilled,
-                  boxHit(fillet.value, fillet.shape.box, {fillet.trace, fillet.pad}),
+                  boxHit(fillet.value, 0.0, fillet.shape.box, {fillet.trace, fillet.pad}),
                   params_.ranges, result_);
             return;
         }
@@ -214,17 +217,19 @@ private:
     }
 
     // The closest copper of another island, other hole (than the pad's `hole`) or fillet of
-    // another island made so far that is too close to `fillet`, with the two closest points;
-    // infinity when none is.
-    double closestObstacle(const Fillet& fillet, const Hole* hole, point& ca, point& cb) const {
+    // another island made so far that is too close to `fillet`, with the two closest points and
+    // the spacing it broke (copper or drill); infinity when none is.
+    double closestObstacle(const Fillet& fillet, const Hole* hole, point& ca, point& cb,
+                           double& limit) const {
         double closest = std::numeric_limits<double>::infinity();
         point pa;
         point pb;
-        const auto consider = [&](double d, double limit) {
-            if ((d <= kTouch || d < limit) && d < closest) {
+        const auto consider = [&](double d, double spacing) {
+            if ((d <= kTouch || d < spacing) && d < closest) {
                 closest = d;
                 ca = pa;
                 cb = pb;
+                limit = spacing;
             }
         };
         const double margin = std::max({static_cast<double>(params_.copper_spacing),
@@ -289,9 +294,11 @@ void writeWithFillets(const std::string& job, const std::string& step, LayerPass
     const int row = pass.layer.copper.row;
     for (size_t f = 0; f < fillets.size(); ++f) {
         const Fillet& fillet = fillets[f];
+        // As when only reported, a made teardrop's value is held against nothing.
+        const Edit& added = edits[first + f];
         grade(fillet.item,
-              boxHit(fillet.value, fillet.shape.box,
-                     {fillet.trace, fillet.pad, {row, edits[first + f].new_id}}),
+              boxHit(fillet.value, 0.0, fillet.shape.box,
+                     {fillet.trace, fillet.pad, {{row, added.new_id}, &added.feature}}),
               params.ranges, results);
     }
     edits.clear();  // written

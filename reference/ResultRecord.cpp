@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstdint>
@@ -12,6 +13,20 @@ namespace resultrecord {
 namespace {
 
 using namespace Korvo::API;
+
+// A signature as 16 lower-case hex digits: a JSON number holds only 53 bits.
+QString signatureText(std::uint64_t signature) {
+    return QStringLiteral("%1").arg(signature, 16, 16, QLatin1Char('0'));
+}
+
+bool readSignature(const QJsonValue& value, std::uint64_t& out) {
+    const QString text = value.toString();
+    const bool hex = text.size() == 16 && std::all_of(text.begin(), text.end(), [](QChar c) {
+                         return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+                     });
+    out = hex ? text.toULongLong(nullptr, 16) : 0;
+    return value.isString() && hex;
+}
 
 QJsonArray hitsToJson(const std::vector<check_info>& hits) {
     QJsonArray array;
@@ -30,6 +45,13 @@ QJsonArray hitsToJson(const std::vector<check_info>& hits) {
                            {QStringLiteral("k"), static_cast<int>(hit.shape.kind)},
                            {QStringLiteral("p"), points},
                            {QStringLiteral("f"), features}};
+        // Each written only when it holds something, as the nets are: a row without it reads 0.
+        if (hit.required != 0.0) {
+            object.insert(QStringLiteral("r"), hit.required);
+        }
+        if (hit.signature != 0) {
+            object.insert(QStringLiteral("s"), signatureText(hit.signature));
+        }
         if (!hit.nets.empty()) {
             QJsonArray nets;
             for (const std::string& net : hit.nets) {
@@ -99,6 +121,13 @@ bool hitsFromJson(const QJsonValue& value, std::vector<check_info>& hits) {
                 !readInt(features[i + 1], INT32_MIN, INT32_MAX, f.id)) {
                 return false;
             }
+        }
+        // Required values and signatures came later: rows written before carry neither.
+        const QJsonValue required = object.value(QStringLiteral("r"));
+        const QJsonValue signature = object.value(QStringLiteral("s"));
+        if ((!required.isUndefined() && !readDouble(required, hit.required)) ||
+            (!signature.isUndefined() && !readSignature(signature, hit.signature))) {
+            return false;
         }
         // Nets came with the job's connectivity; rows written before carry none.
         const QJsonValue nets = object.value(QStringLiteral("n"));

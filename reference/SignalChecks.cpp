@@ -261,7 +261,8 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
     }
     const Tree tree(entries.begin(), entries.end());
     const auto ref = [&](const Piece& p) {
-        return feature_ref{input.copper.row, features[p.feature].id};
+        const featureInfo& f = features[p.feature];
+        return HitFeature{{input.copper.row, f.id}, &f};
     };
     // The hit names the nets of its copper, each once, in the order of its features.
     const auto named = [&input](check_info hit, std::initializer_list<int> nets) {
@@ -373,8 +374,9 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
             if (sliver && below(n.d, params.sliver_min) && !gapFilled(n.a, n.b, n.pa, n.pb) &&
                 sliver_gaps.insert(gapKey(n.pa, n.pb)).second) {
                 grade(sli_copper_sliver,
-                      named(distanceHit(n.d, n.pa, n.pb, {ref(a), ref(b)}), {a.net, b.net}), ranges,
-                      result);
+                      named(distanceHit(n.d, params.sliver_min, n.pa, n.pb, {ref(a), ref(b)}),
+                            {a.net, b.net}),
+                      ranges, result);
             }
             continue;
         }
@@ -383,8 +385,9 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
         if (!below(n.d, params.spacing) || gapFilled(n.a, n.b, n.pa, n.pb)) {
             continue;
         }
+        // Spacing, SMD and same-net pairs are all held against "Spacing".
         const check_info hit =
-            named(distanceHit(n.d, n.pa, n.pb, {ref(a), ref(b)}), {a.net, b.net});
+            named(distanceHit(n.d, params.spacing, n.pa, n.pb, {ref(a), ref(b)}), {a.net, b.net});
         if (a.net >= 0 && a.net == b.net) {
             // Two pieces of one net, joined elsewhere (through a hole, on another layer).
             if (spacing || smd) {
@@ -420,7 +423,8 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
             }
             const auto range = ranges.find(item);
             if (range != ranges.end() && value < range->second.green) {
-                grade(item, boxHit(value, p.shape.box, {ref(p)}), ranges, result);
+                grade(item, boxHit(value, range->second.green, p.shape.box, {ref(p)}), ranges,
+                      result);
             }
         }
     }
@@ -480,15 +484,16 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
                                                 : sli_rout_to_line;
                 }
                 grade(item,
-                      named(distanceHit(n.d, n.pa, n.pb, {feature_ref{layer.row, f.id}, ref(p)}),
+                      named(distanceHit(n.d, limit, n.pa, n.pb, {{{layer.row, f.id}, &f}, ref(p)}),
                             {hole_net, p.net}),
                       ranges, result);
             }
             if (drill && input.outer && params.check_missing_pads_for_drills &&
                 kind != "non_plated" && f.type == feature_pad && !padded && hole_in_scope) {
                 const SymbolSize size = CopperGeometry::parseSymbol(f.symbol);
+                // A missing pad is a count: no rule's value to hold the hole's size against.
                 grade(kind == "via" ? sli_missing_pad_for_via : sli_missing_pad_for_pth,
-                      named(boxHit(size.width, shape.box, {feature_ref{layer.row, f.id}}),
+                      named(boxHit(size.width, 0.0, shape.box, {{{layer.row, f.id}, &f}}),
                             {hole_net}),
                       ranges, result);
             }
@@ -544,7 +549,8 @@ bool SignalChecks::run(const SignalCheckInput& input, const signal_check_params&
                     if (overlap > kTouch && below(overlap, params.min_pad_overlap) &&
                         !endCovered(k, end)) {
                         grade(sli_pad_connection_overlap,
-                              named(distanceHit(overlap, end, edge, {ref(line), ref(pad)}),
+                              named(distanceHit(overlap, params.min_pad_overlap, end, edge,
+                                                {ref(line), ref(pad)}),
                                     {line.net}),
                               ranges, result);
                     }

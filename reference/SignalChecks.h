@@ -9,8 +9,10 @@
 // picometre, so that a layout at exactly the limit is no hit. Candidates come from
 // a Boost.Geometry R-tree, so the work grows with n log n, not n squared. Distances are edge
 // to edge; each hit carries the measured value, its shape (the two closest points as a line
-// for a distance, the feature's box for a size or a missing pad) and its features as
-// (layer row, feature id).
+// for a distance, the feature's box for a size or a missing pad), its features as (layer row,
+// feature id) and their signature (`hitSignature`, CopperGeometry.h), and the value it was held
+// against (`required`): the test's distance below, a size item's green level, 0 for a missing
+// pad (a count).
 //
 // Tests and their rules:
 // - Spacing: two features of different islands closer than "Spacing" -> pad/line/arc/surface

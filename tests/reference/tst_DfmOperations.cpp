@@ -246,8 +246,8 @@ private slots:
     }
     void cleanupTestCase() { wcref::resetEngine(); }
 
-    // One row per rule: the item's hits (count, level, value) and then the job: the pads at
-    // `at` on `layer` (each its symbol and its ".nfp" mark) and the number of teardrop surfaces
+    // One row per rule: the item's hits (count, level, value, required) and then the job: the pads
+    // at `at` on `layer` (each its symbol and its ".nfp" mark) and the number of teardrop surfaces
     // on the layer.
     void findsGradesAndChanges_data() {
         QTest::addColumn<int>("op");
@@ -256,6 +256,7 @@ private slots:
         QTest::addColumn<int>("count");
         QTest::addColumn<int>("level");  // 0 red .. 3 other
         QTest::addColumn<double>("value");
+        QTest::addColumn<double>("required");  // the record's value the hit was held against
         QTest::addColumn<QString>("layer");
         QTest::addColumn<QPointF>("at");
         QTest::addColumn<QString>("pads");  // "symbol" or "symbol:mark", ';' between pads
@@ -264,49 +265,49 @@ private slots:
         const QPointF a(0, 0);
         // clang-format off
         QTest::newRow("ring under min, pad enlarged")
-            << int(SignalOp) << "" << int(sdi_pad_up) << 1 << 0 << 5.0 << "top" << a << "r44" << 1 << true;
+            << int(SignalOp) << "" << int(sdi_pad_up) << 1 << 0 << 5.0 << 6.0 << "top" << a << "r44" << 1 << true;
         QTest::newRow("ring under min, growth would break spacing")
-            << int(SignalOp) << "" << int(sdi_pth_annular_ring) << 1 << 1 << 5.0 << "top" << QPointF(200, 0) << "r40" << 1 << true;
+            << int(SignalOp) << "" << int(sdi_pth_annular_ring) << 1 << 1 << 5.0 << 6.0 << "top" << QPointF(200, 0) << "r40" << 1 << true;
         QTest::newRow("ring under min, pad up off")
-            << int(SignalOp) << "no pad up" << int(sdi_pth_annular_ring) << 2 << 1 << 5.0 << "top" << a << "r40" << 1 << false;
+            << int(SignalOp) << "no pad up" << int(sdi_pth_annular_ring) << 2 << 1 << 5.0 << 6.0 << "top" << a << "r40" << 1 << false;
         QTest::newRow("spacing between islands reported")
-            << int(SignalOp) << "" << int(sdi_spacing) << 1 << 2 << 3.0 << "top" << QPointF(0, 100) << "" << 1 << true;
+            << int(SignalOp) << "" << int(sdi_spacing) << 1 << 2 << 3.0 << 4.0 << "top" << QPointF(0, 100) << "" << 1 << true;
         QTest::newRow("mask clearance resized")
-            << int(MaskOp) << "" << int(smo_clearance_resized) << 1 << 1 << 2.0 << "top_mask" << a << "r48" << 0 << true;
+            << int(MaskOp) << "" << int(smo_clearance_resized) << 1 << 1 << 2.0 << 3.0 << "top_mask" << a << "r48" << 0 << true;
         QTest::newRow("mask clearance kept without resize")
-            << int(MaskOp) << "no resize" << int(smo_clearance_below_min) << 1 << 1 << 2.0 << "top_mask" << a << "r44" << 0 << false;
+            << int(MaskOp) << "no resize" << int(smo_clearance_below_min) << 1 << 1 << 2.0 << 3.0 << "top_mask" << a << "r44" << 0 << false;
         QTest::newRow("mask coverage after the resize")
-            << int(MaskOp) << "" << int(smo_coverage_below_min) << 1 << 3 << 3.0 << "top_mask" << a << "r48" << 0 << true;
+            << int(MaskOp) << "" << int(smo_coverage_below_min) << 1 << 3 << 3.0 << 4.0 << "top_mask" << a << "r48" << 0 << true;
         QTest::newRow("mask coverage met without resize")
-            << int(MaskOp) << "no resize" << int(smo_coverage_below_min) << 0 << 0 << 0.0 << "top_mask" << a << "r44" << 0 << false;
+            << int(MaskOp) << "no resize" << int(smo_coverage_below_min) << 0 << 0 << 0.0 << 0.0 << "top_mask" << a << "r44" << 0 << false;
         QTest::newRow("mask bridge reported")
-            << int(MaskOp) << "" << int(smo_bridge_below_min) << 1 << 2 << 5.0 << "top_mask" << QPointF(35, 300) << "r30" << 0 << true;
+            << int(MaskOp) << "" << int(smo_bridge_below_min) << 1 << 2 << 5.0 << 6.0 << "top_mask" << QPointF(35, 300) << "r30" << 0 << true;
         QTest::newRow("teardrops added, old one replaced")
-            << int(TeardropOp) << "" << int(tdi_created_drilled) << 2 << 3 << 10.0 << "top" << QPointF(500, 0) << "r40" << 3 << true;
+            << int(TeardropOp) << "" << int(tdi_created_drilled) << 2 << 3 << 10.0 << 0.0 << "top" << QPointF(500, 0) << "r40" << 3 << true;
         QTest::newRow("old teardrop deleted")
-            << int(TeardropOp) << "" << int(tdi_deleted_old) << 1 << 0 << 0.0 << "top" << QPointF(800, 0) << "r40" << 3 << true;
+            << int(TeardropOp) << "" << int(tdi_deleted_old) << 1 << 0 << 0.0 << 0.0 << "top" << QPointF(800, 0) << "r40" << 3 << true;
         QTest::newRow("teardrop too close to copper")
-            << int(TeardropOp) << "" << int(tdi_skipped_spacing) << 1 << 1 << 5.0 << "top" << QPointF(1100, 0) << "r40" << 3 << true;
+            << int(TeardropOp) << "" << int(tdi_skipped_spacing) << 1 << 1 << 5.0 << 6.0 << "top" << QPointF(1100, 0) << "r40" << 3 << true;
         QTest::newRow("teardrop on an arc end")
-            << int(TeardropOp) << "" << int(tdi_created_undrilled) << 1 << 3 << 16.0 << "top" << QPointF(1400, 0) << "r40" << 3 << true;
+            << int(TeardropOp) << "" << int(tdi_created_undrilled) << 1 << 3 << 16.0 << 0.0 << "top" << QPointF(1400, 0) << "r40" << 3 << true;
         QTest::newRow("report only changes nothing")
-            << int(TeardropOp) << "report" << int(tdi_missing_drilled) << 1 << 2 << 10.0 << "top" << QPointF(500, 0) << "r40" << 1 << false;
+            << int(TeardropOp) << "report" << int(tdi_missing_drilled) << 1 << 2 << 10.0 << 0.0 << "top" << QPointF(500, 0) << "r40" << 1 << false;
         QTest::newRow("isolated pad removed")
-            << int(NfpOp) << "" << int(nfp_isolated_removed) << 1 << 0 << 40.0 << "l2" << a << "" << 0 << true;
+            << int(NfpOp) << "" << int(nfp_isolated_removed) << 1 << 0 << 40.0 << 0.0 << "l2" << a << "" << 0 << true;
         QTest::newRow("covered pad removed")
-            << int(NfpOp) << "" << int(nfp_covered_removed) << 1 << 1 << 10.0 << "l2" << QPointF(210, 0) << "" << 0 << true;
+            << int(NfpOp) << "" << int(nfp_covered_removed) << 1 << 1 << 10.0 << 0.0 << "l2" << QPointF(210, 0) << "" << 0 << true;
         QTest::newRow("duplicate removed, original kept")
-            << int(NfpOp) << "" << int(nfp_duplicate_removed) << 1 << 3 << 40.0 << "l2" << QPointF(500, 0) << "r40" << 0 << true;
+            << int(NfpOp) << "" << int(nfp_duplicate_removed) << 1 << 3 << 40.0 << 0.0 << "l2" << QPointF(500, 0) << "r40" << 0 << true;
         QTest::newRow("drilled over pad removed")
-            << int(NfpOp) << "" << int(nfp_drilled_over_removed) << 1 << 3 << 20.0 << "l2" << QPointF(700, 0) << "" << 0 << true;
+            << int(NfpOp) << "" << int(nfp_drilled_over_removed) << 1 << 3 << 20.0 << 0.0 << "l2" << QPointF(700, 0) << "" << 0 << true;
         QTest::newRow("isolated pad marked")
-            << int(NfpOp) << "mark" << int(nfp_marked) << 4 << 3 << 40.0 << "l2" << a << "r40:isolated" << 0 << true;
+            << int(NfpOp) << "mark" << int(nfp_marked) << 4 << 3 << 40.0 << 0.0 << "l2" << a << "r40:isolated" << 0 << true;
         QTest::newRow("kind not asked for stays")
-            << int(NfpOp) << "only covered" << int(nfp_isolated_removed) << 0 << 0 << 0.0 << "l2" << a << "r40" << 0 << true;
+            << int(NfpOp) << "only covered" << int(nfp_isolated_removed) << 0 << 0 << 0.0 << 0.0 << "l2" << a << "r40" << 0 << true;
         QTest::newRow("plated holes off")
-            << int(NfpOp) << "no pth" << int(nfp_isolated_removed) << 0 << 0 << 0.0 << "l2" << a << "r40" << 0 << true;
+            << int(NfpOp) << "no pth" << int(nfp_isolated_removed) << 0 << 0 << 0.0 << 0.0 << "l2" << a << "r40" << 0 << true;
         QTest::newRow("connected pad stays")
-            << int(NfpOp) << "" << int(nfp_covered_removed) << 1 << 1 << 10.0 << "l2" << QPointF(200, 0) << "r40" << 0 << true;
+            << int(NfpOp) << "" << int(nfp_covered_removed) << 1 << 1 << 10.0 << 0.0 << "l2" << QPointF(200, 0) << "r40" << 0 << true;
         // clang-format on
     }
     void findsGradesAndChanges() {
@@ -316,6 +317,7 @@ private slots:
         QFETCH(int, count);
         QFETCH(int, level);
         QFETCH(double, value);
+        QFETCH(double, required);
         QFETCH(QString, layer);
         QFETCH(QPointF, at);
         QFETCH(QString, pads);
@@ -333,7 +335,8 @@ private slots:
             QVERIFY2(!found.levels[level].empty(), "hit graded into another level");
             const check_info& hit = found.levels[level].front();
             QCOMPARE(qRound(hit.value / kMil * 1000), qRound(value * 1000));
-            QVERIFY(!hit.features.empty() && !hit.shape.points.empty());
+            QCOMPARE(qRound(hit.required / kMil * 1000), qRound(required * 1000));
+            QVERIFY(!hit.features.empty() && !hit.shape.points.empty() && hit.signature != 0);
         }
 
         QStringList here;

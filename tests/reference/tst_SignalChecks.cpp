@@ -7,6 +7,7 @@
 
 #include "CopperGeometry.h"
 #include "DataRows.h"
+#include "ResultRecord.h"
 #include "SignalChecks.h"
 #include "SyntheticJob.h"
 
@@ -82,11 +83,21 @@ private:
 constexpr double kMil = 25400.0;
 constexpr double kMm = 1000000.0;
 
+// Runs one test with its own distance at `distance` and every other distance a nanometre and a
+// half wider, so that a test measuring or reporting against another test's distance shows.
 SignalResult check(const SignalCheckInput& input, signal_layers_checks_list test, double distance,
                    const wcref::SignalRanges& ranges = {}, int scope = 0) {
     signal_check_params params;
     params.spacing = params.drill_to_copper = params.rout_to_copper = params.sliver_min =
-        params.min_pad_overlap = distance;
+        params.min_pad_overlap = distance + 1.5;
+    using P = signal_check_params;
+    static const std::map<signal_layers_checks_list, double P::*> own{
+        {sl_spacing, &P::spacing},       {sl_smd, &P::spacing},
+        {sl_drill, &P::drill_to_copper}, {sl_rout, &P::rout_to_copper},
+        {sl_sliver, &P::sliver_min},     {sl_pad_connection, &P::min_pad_overlap}};
+    if (own.count(test) != 0) {
+        params.*own.at(test) = distance;
+    }
     SignalResult result;
     SignalChecks::run(input, params, {test}, ranges, result, nullptr, scope);
     return result;
@@ -195,6 +206,7 @@ private slots:
         QVERIFY(near(hit.shape.points[0], on_first) || near(hit.shape.points[0], on_second));
         QVERIFY(near(hit.shape.points[1], on_first) || near(hit.shape.points[1], on_second));
         QCOMPARE(int(hit.features.size()), 2);
+        QCOMPARE(hit.required, nm + tolerance + 1);  // the "Spacing" sent
         QVERIFY(allHits(check(input, sl_spacing, nm - tolerance - 1)).empty());
     }
 
@@ -294,6 +306,7 @@ private slots:
         QCOMPARE(result.begin()->first, item);
         QVERIFY2(std::abs(hits[0].value - value * kMil) < 0.05,
                  qPrintable(QString::number(hits[0].value)));
+        QCOMPARE(hits[0].required, item == sli_missing_pad_for_pth ? 0.0 : value * kMil + 1);
         if (item != sli_missing_pad_for_pth) {  // a missing pad is no distance
             QVERIFY(allHits(check(input, test_item, value * kMil - 1)).empty());
         }
@@ -583,7 +596,108 @@ private slots:
         QCOMPARE(int(result.at(sli_line_width).yellow.size()), 1);
         QVERIFY(std::abs(result.at(sli_line_width).yellow[0].value - 0.1 * kMm) < 0.05);
         QCOMPARE(result.at(sli_line_width).yellow[0].shape.kind, check_points::box);
+        QCOMPARE(result.at(sli_line_width).yellow[0].required, 5 * kMil);  // the green level
         QCOMPARE(int(result.at(sli_smd_width).red.size()), 1);
+    }
+
+    // A hit's signature knows its features' shapes and sizes, not where they lie, their ids or
+    // their order: moved, or listed otherwise, the scene gives the same signatures; a feature of
+    // another size or shape gives another. The scene: a pad 12 mil from a line, and 500 mil on
+    // an arc 6 mil from a surface.
+    void signatures_data() {
+        QTest::addColumn<bool>("same");
+        wctest::row("moved", true);
+        wctest::row("listed backwards, other ids", true);
+        wctest::row("larger pad", false);
+        wctest::row("square pad", false);
+        wctest::row("longer line", false);
+        wctest::row("arc of a wider sweep", false);
+        wctest::row("surface with a notch", false);
+    }
+    void signatures() {
+        QFETCH(bool, same);
+        const auto signatures = [](const QByteArray& change) {
+            const double dx = change == "moved" ? 1234.56 : 0;
+            const double dy = change == "moved" ? -789.01 : 0;
+            Scene sc(kMil);
+            sc.pad(change == "larger pad" ? 11 : 10, dx, dy);
+            if (change == "square pad") {
+                sc.layer.features.back().symbol = "s10";
+            }
+            sc.line(6, 20 + dx, -50 + dy, 20 + dx, (change == "longer line" ? 80 : 50) + dy);
+            sc.arcFrom(4, 500 + dx, dy, 50, 0, change == "arc of a wider sweep" ? 200 : 180);
+            featureInfo& surface = sc.pad(1, 0, 0);
+            surface.type = feature_surface;
+            std::vector<QPointF> outline{{-30, 58}, {30, 58}, {30, 80}, {-30, 80}};
+            if (change == "surface with a notch") {
+                outline = {{-30, 58}, {30, 58},  {30, 80},  {10, 80},
+                           {10, 70},  {-10, 70}, {-10, 80}, {-30, 80}};
+            }
+            for (const QPointF& p : outline) {
+                surface.contour.push_back(sc.at(500 + dx + p.x(), dy + p.y()));
+            }
+            if (change == "listed backwards, other ids") {
+                std::reverse(sc.layer.features.begin(), sc.layer.features.end());
+                for (featureInfo& f : sc.layer.features) {
+                    f.id += 1000;
+                }
+            }
+            SignalCheckInput input;
+            input.copper = sc.layer;
+            std::vector<std::pair<int, quint64>> found;
+            for (const auto& [item, record] : check(input, sl_spacing, 20 * kMil)) {
+                for (const check_info& hit : record.other) {
+                    found.emplace_back(item, hit.signature);
+                }
+            }
+            return found;
+        };
+        const auto before = signatures("");
+        const auto after = signatures(QTest::currentDataTag());
+        QCOMPARE(int(before.size()), 2);
+        QCOMPARE(int(after.size()), 2);
+        QVERIFY(before[0].second != 0 && before[1].second != 0 && after[0].second != 0 &&
+                after[1].second != 0 && before[0].second != before[1].second);
+        QCOMPARE(after == before, same);
+    }
+
+    // A stored result keeps each hit's required value and signature, all 64 bits of it, through
+    // a write and a read; a row written before they existed reads them as 0, and one holding
+    // them in a form the writer never gives is refused.
+    void storedRequiredAndSignature_data() {
+        QTest::addColumn<QString>("fields");  // added to a stored hit
+        QTest::addColumn<bool>("reads");
+        QTest::addColumn<double>("required");
+        QTest::addColumn<quint64>("signature");
+        wctest::row("written before", "", true, 0.0, quint64(0));
+        wctest::row("both", R"(,"r":254000.5,"s":"fedcba9876543210")", true, 254000.5,
+                    quint64(0xfedcba9876543210ULL));
+        wctest::row("signature as a number", R"(,"s":255)", false, 0.0, quint64(0));
+        wctest::row("signature in capitals", R"(,"s":"FEDCBA9876543210")", false, 0.0, quint64(0));
+        wctest::row("short signature", R"(,"s":"ff")", false, 0.0, quint64(0));
+        wctest::row("required as text", R"(,"r":"1")", false, 0.0, quint64(0));
+    }
+    void storedRequiredAndSignature() {
+        QFETCH(QString, fields);
+        QFETCH(bool, reads);
+        QFETCH(double, required);
+        QFETCH(quint64, signature);
+        const QString text = R"({"top":[{"item":0,"red":[{"v":1,"k":0,"p":[],"f":[])" + fields +
+                             R"(}],"yellow":[],"green":[],"other":[]}]})";
+        Korvo::API::signal_check_result_map read;
+        QCOMPARE(wcref::resultrecord::resultFromJson(text, read), reads);
+        if (!reads) {
+            QVERIFY(read.empty());
+            return;
+        }
+        Korvo::API::signal_check_result_map again;
+        QVERIFY(
+            wcref::resultrecord::resultFromJson(wcref::resultrecord::resultToJson(read), again));
+        for (const auto* result : {&read, &again}) {
+            const check_info& hit = result->at("top").at(sli_pad_to_pad_spacing).red.at(0);
+            QCOMPARE(hit.required, required);
+            QCOMPARE(quint64(hit.signature), signature);
+        }
     }
 
     void grading_data() {
