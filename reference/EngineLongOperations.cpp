@@ -63,6 +63,20 @@ bool reportProgress(Korvo::COMMON::progress_state* progress) {
     }
 }
 
+// The fields a waiver is stored by, and who gives it why.
+std::string waiverText(const Korvo::API::analysis_waiver& w) {
+    return ct::record("waiver", {{"kind", w.kind},
+                                 {"job", w.job},
+                                 {"step", w.step},
+                                 {"scope", ct::number(static_cast<int>(w.scope))},
+                                 {"item", ct::number(w.item)},
+                                 {"layer", w.layer},
+                                 {"nets", ct::joined(w.nets)},
+                                 {"identity", w.identity},
+                                 {"reason", w.reason},
+                                 {"user", w.user}});
+}
+
 bool isCopperOrDrill(const Korvo::API::layer_info& l) {
     return l.type == "signal" || l.type == "power_ground" || l.type == "mixed" || l.type == "drill";
 }
@@ -369,6 +383,41 @@ std::map<int, std::vector<std::string>> getCheckResultMaster() {
         return hook();
     }
     return wcref::resultdb::master();
+}
+
+// ---- waivers and the history of runs ---------------------------------------------------------
+
+Quorin::DBS_API::CreateSesult insertAnalysisWaiver(const analysis_waiver& waiver) {
+    if (auto hook = enter("insertAnalysisWaiver", {waiverText(waiver)},
+                          &EngineHooks::insertAnalysisWaiver)) {
+        return hook(waiver);
+    }
+    return wcref::resultdb::insertWaiver(waiver);
+}
+
+bool getAnalysisWaivers(const std::string& kind, const std::string& job, const std::string& step,
+                        std::vector<analysis_waiver>& waivers, std::string& error) {
+    if (auto hook =
+            enter("getAnalysisWaivers", {kind, job, step}, &EngineHooks::getAnalysisWaivers)) {
+        return hook(kind, job, step, waivers, error);
+    }
+    return wcref::resultdb::loadWaivers(kind, job, step, waivers, error);
+}
+
+bool deleteAnalysisWaiver(int id, std::string& error) {
+    if (auto hook =
+            enter("deleteAnalysisWaiver", {ct::number(id)}, &EngineHooks::deleteAnalysisWaiver)) {
+        return hook(id, error);
+    }
+    return wcref::resultdb::deleteWaiver(id, error);
+}
+
+bool getAnalysisRuns(const std::string& kind, const std::string& job, const std::string& step,
+                     std::vector<analysis_run_info>& runs, std::string& error) {
+    if (auto hook = enter("getAnalysisRuns", {kind, job, step}, &EngineHooks::getAnalysisRuns)) {
+        return hook(kind, job, step, runs, error);
+    }
+    return wcref::resultdb::listRuns(kind, job, step, runs, error);
 }
 
 // ---- DFM optimisations ----------------------------------------------------------------------

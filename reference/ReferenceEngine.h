@@ -135,6 +135,15 @@ struct EngineHooks {
     std::function<bool(const string&, Korvo::API::signal_check_result_map&)>
         getTqSignalLayerAnalysisResult;
     std::function<std::map<int, strings>()> getCheckResultMaster;
+    std::function<Quorin::DBS_API::CreateSesult(const Korvo::API::analysis_waiver&)>
+        insertAnalysisWaiver;
+    std::function<bool(const string&, const string&, const string&,
+                       std::vector<Korvo::API::analysis_waiver>&, string&)>
+        getAnalysisWaivers;
+    std::function<bool(int, string&)> deleteAnalysisWaiver;
+    std::function<bool(const string&, const string&, const string&,
+                       std::vector<Korvo::API::analysis_run_info>&, string&)>
+        getAnalysisRuns;
 
     std::function<bool(const string&, const string&, const strings&,
                        Korvo::API::signal_layer_DFM_op_params,
