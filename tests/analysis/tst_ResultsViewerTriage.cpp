@@ -175,11 +175,13 @@ struct WaiverAnswers : DialogHandler {
               child<QRadioButton>(*dialog, net_pair ? "m_pNetPairRB" : "m_pThisHitRB")
                   ->setChecked(true);
               dialog->accept();
-              if (dialog->isVisible()) {
+              kept_open = dialog->isVisible();
+              if (kept_open) {
                   dialog->reject();
               }
           }) {}
     bool offered = false;
+    bool kept_open = false;  // the reason was refused
 };
 
 std::vector<analysis_waiver> stored() {
@@ -223,6 +225,7 @@ private slots:
             wctest::click(*viewer, "m_pWaivePB");
             QVERIFY(answers.offered);  // the first hit lies between GND and VCC
             QCOMPARE(boxes.texts(), box.isEmpty() ? QStringList() : QStringList{box});
+            QCOMPARE(answers.kept_open, !box.isEmpty());
         }
         QCOMPARE(categoryLines(*viewer).first(), lines);
         QCOMPARE(int(stored().size()), waived.isEmpty() ? 0 : 1);
@@ -262,7 +265,9 @@ private slots:
             }
             wctest::click(*dialog, "m_pRemovePB");
         });
+        wctest::MessageBoxAnswerer boxes;
         child<QAction>(*viewer, "m_pStaleAction")->trigger();
+        QCOMPARE(boxes.texts(), QStringList());
         QCOMPARE(listed.size(), 1);
         QVERIFY2(listed[0].startsWith("Line Width on top: checked by hand ("),
                  qPrintable(listed[0]));

@@ -447,7 +447,9 @@ private slots:
         table->sortByColumn(wc::ValueColumn, Qt::AscendingOrder);  // 2.000, 3.000, 4.000
         QCOMPARE(visited(), (QList<bool>{false, true, true}));
         viewer.RefreshSignalLayerChecksData(twoLayerResult());
-        QCOMPARE(visited(), (QList<bool>{true}));  // "bottom": its one hit, just shown
+        chooseLayer(viewer, 1);
+        chooseLevel(viewer, wc::SevYellow);  // the first, 3.000, shown again
+        QCOMPARE(visited(), (QList<bool>{false, true, false}));
     }
 
     void filterAndMeasNarrowTheHits() {
