@@ -18,6 +18,7 @@
 #include "Korvo_UIAPI.h"
 #include "ReferenceEngine.h"
 #include "analysis/HitTriage.h"
+#include "analysis/TriagePanel.h"
 #include "analysis/Widget_ResultsViewer.h"
 
 using namespace Korvo::API;
@@ -65,12 +66,13 @@ signal_check_result makeRecord(signal_layers_checks_items item, std::size_t coun
     return record;
 }
 
-// The big category's hits lie between two of 500 nets, so that grouping by net has groups.
+// The big category's hits lie between two of 57 nets (350 pairs), so that grouping by net has
+// groups.
 void nameNets(signal_check_result& record) {
     std::size_t k = 0;
     for (auto* list : {&record.red, &record.yellow, &record.green, &record.other}) {
         for (check_info& hit : *list) {
-            hit.nets = {"N" + std::to_string(k % 500), "N" + std::to_string(k % 499 + 500)};
+            hit.nets = {"N" + std::to_string(k % 50), "N" + std::to_string(k % 7 + 50)};
             ++k;
         }
     }
