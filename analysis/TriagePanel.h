@@ -57,6 +57,7 @@ signals:
 
 private:
     void build();
+    void wire();
     void loadFromDatabase();
     void fillCompare();
     void compareWith(int entry);

@@ -199,19 +199,27 @@ private slots:
     void init() { working_ = std::make_unique<wctest::TemporaryWorkingDirectory>(); }
     void cleanup() { working_.reset(); }
 
-    // Waiving the current hit: it leaves the counts, "Waived" lists it with its reason and
-    // history, and the next run of the same hits is waived too.
-    void waiveTheCurrentHit_data() {
-        wctest::columns<QString, bool, QString, QStringList, QString>("reason", "netPair", "lines",
-                                                                      "waived", "box");
-        row("this hit", "harmless", false, "Line Width (2)", QStringList{"waived: harmless"}, "");
-        row("every hit between its nets", "one net really", true, "Line Width (1)",
+    // Waiving the current hit, or the table's selected rows: they leave the counts, "Waived"
+    // lists them with their reason and history, and the next run of the same hits is waived
+    // too. Between two nets is offered when every hit lies between two.
+    void waiveHits_data() {
+        wctest::columns<QList<int>, QString, bool, bool, QString, QStringList, QString>(
+            "rows", "reason", "offered", "netPair", "lines", "waived", "box");
+        const QList<int> current;
+        row("this hit", current, "harmless", true, false, "Line Width (2)",
+            QStringList{"waived: harmless"}, "");
+        row("every hit between its nets", current, "one net really", true, true, "Line Width (1)",
             QStringList{"waived: one net really", "waived: one net really"}, "");
-        row("no reason", "  ", false, "Line Width (3)", QStringList(), "A waiver needs a reason.");
+        row("no reason", current, "  ", true, false, "Line Width (3)", QStringList(),
+            "A waiver needs a reason.");
+        row("selected rows", QList<int>{0, 2}, "reviewed", false, false, "Line Width (1)",
+            QStringList{"waived: reviewed", "waived: reviewed"}, "");
     }
 
-    void waiveTheCurrentHit() {
+    void waiveHits() {
+        QFETCH(QList<int>, rows);
         QFETCH(QString, reason);
+        QFETCH(bool, offered);
         QFETCH(bool, netPair);
         QFETCH(QString, lines);
         QFETCH(QStringList, waived);
@@ -222,13 +230,22 @@ private slots:
         {
             WaiverAnswers answers(reason, netPair);
             wctest::MessageBoxAnswerer boxes;
-            wctest::click(*viewer, "m_pWaivePB");
-            QVERIFY(answers.offered);  // the first hit lies between GND and VCC
+            if (rows.isEmpty()) {
+                wctest::click(*viewer, "m_pWaivePB");
+            } else {
+                auto* table = child<QTableView>(*viewer, "m_pHitTable");
+                for (int row : rows) {
+                    table->selectionModel()->select(
+                        table->model()->index(row, 0),
+                        QItemSelectionModel::Select | QItemSelectionModel::Rows);
+                }
+                child<QAction>(*viewer, "m_pWaiveRowsAction")->trigger();
+            }
+            QCOMPARE(answers.offered, offered);
             QCOMPARE(boxes.texts(), box.isEmpty() ? QStringList() : QStringList{box});
             QCOMPARE(answers.kept_open, !box.isEmpty());
         }
         QCOMPARE(categoryLines(*viewer).first(), lines);
-        QCOMPARE(int(stored().size()), waived.isEmpty() ? 0 : 1);
         chooseView(*viewer, wc::TriageView::Waived);
         QCOMPARE(column(*viewer, wc::StateColumn), waived);
         if (!waived.isEmpty()) {
