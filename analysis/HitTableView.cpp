@@ -22,11 +22,13 @@ HitTableView::HitTableView(QWidget* parent) : QTableView(parent), model_(new Hit
     setMinimumHeight(160);
     // Wide enough for a header with its unit and a typical cell; the user may widen them.
     const QFontMetrics metrics(horizontalHeader()->font());
-    const std::pair<int, const char*> widths[] = {
-        {IndexColumn, "0000000"},           {ValueColumn, "Value (mil)"},
-        {RequiredColumn, "Required (mil)"}, {DifferenceColumn, "Difference (mil)"},
-        {LayerColumn, "layer_00"},          {LocationColumn, "0000.000, 0000.000"},
-        {NetsColumn, "GND / VCC_00"}};
+    const std::pair<int, const char*> widths[] = {{IndexColumn, "000000"},
+                                                  {ValueColumn, "Value (mil)"},
+                                                  {RequiredColumn, "Required (mil)"},
+                                                  {DifferenceColumn, "Difference (mil)"},
+                                                  {LayerColumn, "layer_00"},
+                                                  {LocationColumn, "000.000, 000.000"},
+                                                  {NetsColumn, "GND / VCC"}};
     for (const auto& [column, sample] : widths) {
         setColumnWidth(column, metrics.horizontalAdvance(QLatin1String(sample)) + 24);
     }
