@@ -10,10 +10,21 @@ long long measureKey(const Korvo::API::check_info& hit, double display_per_engin
     return std::llround(hit.value * (display_per_engine * 1000.0));
 }
 
-void HitBrowser::setModel(ResultsModel model) {
+void HitBrowser::setModel(std::shared_ptr<const ResultsModel> model) {
     model_ = std::move(model);
+    index_ = HitIndex(*model_);
     filter_.reset();
     choose({}, -1, SevRed);
+}
+
+void HitBrowser::setPass(const std::vector<std::uint8_t>* marks, HitMatch match) {
+    marks_ = marks;
+    match_ = std::move(match);
+}
+
+bool HitBrowser::passes(const HitRef& hit) const {
+    return (marks_ == nullptr || (hit.number < marks_->size() && (*marks_)[hit.number] != 0)) &&
+           (!match_ || match_(hit));
 }
 
 bool HitBrowser::choose(const std::vector<int>& layers, int item, int severity) {
@@ -22,14 +33,14 @@ bool HitBrowser::choose(const std::vector<int>& layers, int item, int severity) 
         filter_.reset();
     }
     item_ = item;
-    hits_ = item < 0 ? HitSequence() : model_.hits(layers, item, severity);
+    hits_ = item < 0 ? HitSequence() : model_->hits(layers, item, severity);
     key_.reset();
     narrow(1.0);  // without a "Meas:" key the unit does not matter
     return drop_filter;
 }
 
 std::string HitBrowser::itemName() const {
-    for (const ResultLayer& layer : model_.layers()) {
+    for (const ResultLayer& layer : model_->layers()) {
         for (const ResultCategory& category : layer.categories) {
             if (category.item == item_) {
                 return category.name;
@@ -67,6 +78,45 @@ HitRef HitBrowser::hitAt(std::size_t position) const {
     return hits_.at(narrowed() ? admitted_[position] : position);
 }
 
+// Positions follow hit numbers: the model numbers its hits in the order a sequence lists them.
+std::optional<std::size_t> HitBrowser::positionOf(std::size_t number) const {
+    std::size_t low = 0;
+    std::size_t high = navigator_.count();
+    while (low < high) {
+        const std::size_t middle = low + (high - low) / 2;
+        if (hitAt(middle).number < number) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    if (low < navigator_.count() && hitAt(low).number == number) {
+        return low;
+    }
+    return std::nullopt;
+}
+
+std::vector<TableHit> HitBrowser::listAll(const std::vector<int>& layers, int severity) const {
+    std::vector<TableHit> out;
+    for (const CategoryEntry& entry : model_->categories(layers, severity)) {
+        if (entry.item == item_) {
+            for (std::size_t p = 0; p < navigator_.count(); ++p) {
+                out.push_back({std::uint32_t(hitAt(p).number), std::uint32_t(p), item_});
+            }
+            continue;
+        }
+        const HitSequence hits = model_->hits(layers, entry.item, severity);
+        std::uint32_t position = 0;
+        for (std::size_t i = 0; i < hits.size(); ++i) {
+            const HitRef hit = hits.at(i);
+            if (passes(hit)) {
+                out.push_back({std::uint32_t(hit.number), position++, entry.item});
+            }
+        }
+    }
+    return out;
+}
+
 // The filter names hits by their position in the category's hits; only its pairs of the current
 // item count.
 void HitBrowser::narrow(double display_per_engine) {
@@ -79,8 +129,9 @@ void HitBrowser::narrow(double display_per_engine) {
             }
         }
         for (std::size_t i = 0; i < hits_.size(); ++i) {
+            const HitRef hit = hits_.at(i);
             if ((!filter_ || passing.count(int(i)) != 0) &&
-                (!key_ || wc::measureKey(*hits_.at(i).hit, display_per_engine) == *key_)) {
+                (!key_ || wc::measureKey(*hit.hit, display_per_engine) == *key_) && passes(hit)) {
                 admitted_.push_back(std::uint32_t(i));
             }
         }

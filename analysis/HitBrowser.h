@@ -7,12 +7,15 @@
 // the display unit, rounded; `display_per_engine` converts engine values to display values.
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "HitNavigator.h"
+#include "HitRows.h"
 #include "ResultsModel.h"
 #include "frame/WidgetCommonExport.h"
 
@@ -26,9 +29,19 @@ long long measureKey(const Korvo::API::check_info& hit, double display_per_engin
 
 class WIDGET_COMMON_EXPORT HitBrowser {
 public:
-    // A new result: no category, nothing narrowed.
-    void setModel(ResultsModel model);
-    const ResultsModel& model() const { return model_; }
+    // A new result: no category, nothing narrowed by "Meas:" or the filter.
+    void setModel(std::shared_ptr<const ResultsModel> model);
+    const ResultsModel& model() const { return *model_; }
+    const std::shared_ptr<const ResultsModel>& sharedModel() const { return model_; }
+    // Every hit of the model by its number.
+    const HitIndex& index() const { return index_; }
+
+    // What a hit of any category must pass from the next choose() on: its mark in `marks` (by
+    // hit number; null passes every hit) and `match` (empty passes every hit). `marks` must
+    // outlive its use.
+    using HitMatch = std::function<bool(const HitRef&)>;
+    void setPass(const std::vector<std::uint8_t>* marks, HitMatch match);
+    bool passes(const HitRef& hit) const;
 
     // Makes `item` (-1 for none) the category, over the chosen layers under the severity entry.
     // The "Meas:" value goes; the filter goes too when the item is another one. True when it
@@ -51,14 +64,24 @@ public:
     const std::vector<std::uint32_t>* admitted() const { return narrowed() ? &admitted_ : nullptr; }
     // The hit at a navigation position (none past the end).
     HitRef hitAt(std::size_t position) const;
+    // The navigation position of the hit numbered `number`, if the navigation has it.
+    std::optional<std::size_t> positionOf(std::size_t number) const;
+    // The hits that pass of every category of `layers` under the severity entry, category by
+    // category; those of the current category as the navigation steps through them.
+    std::vector<TableHit> listAll(const std::vector<int>& layers, int severity) const;
     HitNavigator& navigator() { return navigator_; }
     const HitNavigator& navigator() const { return navigator_; }
 
 private:
-    bool narrowed() const { return key_.has_value() || filter_.has_value(); }
+    bool narrowed() const {
+        return key_.has_value() || filter_.has_value() || marks_ != nullptr || bool(match_);
+    }
     void narrow(double display_per_engine);
 
-    ResultsModel model_;
+    std::shared_ptr<const ResultsModel> model_ = std::make_shared<ResultsModel>();
+    HitIndex index_;
+    const std::vector<std::uint8_t>* marks_ = nullptr;
+    HitMatch match_;
     int item_ = -1;
     HitSequence hits_;
     std::optional<long long> key_;

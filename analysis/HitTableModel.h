@@ -1,15 +1,21 @@
 #pragma once
-// The hit table under the viewer's navigation: one row per admitted hit of the current category
-// (index, value in the display unit, layer, the nets of its copper), read straight from the
-// result; no item per row.
-// Sorting keeps a permutation, so the rows map back to navigation positions.
+// The hit table under the viewer's navigation, read straight from the result; no item per row.
+// Ungrouped, its rows are the hits the navigation steps through (index, value, required value and
+// difference in the display unit, layer, location, nets, state). Grouped by item, layer or net,
+// it lists the hits of every category of the chosen layers under a heading row per group, which
+// a click folds or unfolds. Sorting orders the rows (within each group) and keeps the way back
+// to navigation positions.
 
 #include <QAbstractTableModel>
 #include <QStringList>
 #include <cstdint>
+#include <optional>
+#include <set>
 #include <vector>
 
-#include "ResultsModel.h"
+#include "HitBrowser.h"
+#include "HitColumns.h"
+#include "HitRows.h"
 #include "frame/WidgetCommonExport.h"
 
 namespace wc {
@@ -17,27 +23,37 @@ namespace wc {
 class WIDGET_COMMON_EXPORT HitTableModel : public QAbstractTableModel {
     Q_OBJECT
 public:
-    enum Column {
-        IndexColumn = 0,
-        ValueColumn = 1,
-        LayerColumn = 2,
-        NetsColumn = 3,
-        ColumnCount = 4
+    enum Role {
+        VisitedRole = Qt::UserRole + 1,  // true once the hit was shown
+        GroupRole,                       // true on a group's heading row
     };
 
     explicit HitTableModel(QObject* parent = nullptr);
 
-    // `admitted` lists the sequence positions that pass (navigation position -> sequence
-    // position); null admits every hit. Both must outlive the next call.
-    void setHits(const HitSequence* hits, const std::vector<std::uint32_t>* admitted,
-                 QStringList layer_names, double display_per_engine, int decimals,
-                 const QString& unit);
+    // The hits the navigation of `browser` steps through; `browser` must outlive the rows.
+    void setNavigable(const HitBrowser* browser, HitColumns columns, const QString& unit);
+    // `hits` (HitBrowser::listAll) under a heading per group of `key`; folded groups stay folded
+    // while the key stays.
+    void setGrouped(const HitBrowser* browser, std::vector<TableHit> hits, GroupKey key,
+                    HitColumns columns, const QString& unit, const QString& no_net);
+    // Per hit number, whether it was shown (null: none was), and the state column's tool tip.
+    void setMarks(const std::vector<std::uint8_t>* visited,
+                  std::function<QString(std::size_t number)> state_tip);
 
-    // Navigation position of a table row, and the row of a navigation position (-1 when none).
-    std::size_t positionOfRow(int row) const;
+    // The headers and state texts again, in the current language.
+    void retranslate();
+
+    bool isGroupRow(int row) const;
+    std::vector<int> headingRows() const;
+    void toggleGroup(int row);
+    // The hit of a row; nothing for a heading.
+    std::optional<TableHit> hitOfRow(int row) const;
+    // The row of a navigation position of the current category (-1 when not shown); reveal
+    // unfolds its group first.
     int rowOfPosition(std::size_t position) const;
-    // The hit of a navigation position.
-    HitRef hitAt(std::size_t position) const;
+    void reveal(std::size_t position);
+    // The listed hit nearest to `at` (engine units) within `radius`, folded groups included.
+    std::optional<TableHit> nearest(const Korvo::API::point& at, double radius) const;
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -47,19 +63,34 @@ public:
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 private:
-    void applySort();
+    bool natural() const { return grouping_ == GroupKey::None && rows_.empty(); }
+    std::size_t listedCount() const;
+    TableHit listedAt(std::size_t i) const;
+    HitRef refOf(const TableHit& hit) const;
+    void materialise();
+    void setFolded(std::size_t group, bool folded);
+    void arrange();  // sorts the rows, then lays out the groups and the way back
+    void sortRange(std::size_t begin, std::size_t end);
+    void layOut();
+    QVariant hitData(const TableHit& hit, int column, int role) const;
+    QVariant groupData(std::size_t group, int column, int role) const;
 
-    const HitSequence* hits_ = nullptr;
-    const std::vector<std::uint32_t>* admitted_ = nullptr;
-    QStringList layer_names_;
-    double display_per_engine_ = 1.0;
-    int decimals_ = 3;
+    const HitBrowser* browser_ = nullptr;
+    HitColumns columns_;
     QString unit_;
-    std::size_t count_ = 0;
+    const std::vector<std::uint8_t>* visited_ = nullptr;
+    std::function<QString(std::size_t)> state_tip_;
+    GroupKey grouping_ = GroupKey::None;
+    std::size_t navigable_ = 0;   // hits of the navigation (ungrouped)
+    std::vector<TableHit> rows_;  // the listed hits when grouped or sorted, in listed order
+    std::vector<HitGroup> groups_;
+    std::vector<char> folded_;
+    std::set<QString> folded_labels_;
+    std::vector<std::int32_t> flat_;       // grouped: row -> hit (>= 0) or heading (-1 - group)
+    std::vector<std::int32_t> row_of_;     // navigation position -> row; empty when natural
+    std::vector<std::int32_t> listed_of_;  // navigation position -> index in rows_
     int sort_column_ = IndexColumn;
     Qt::SortOrder sort_order_ = Qt::AscendingOrder;
-    std::vector<std::uint32_t> order_;    // row -> navigation position; empty when natural
-    std::vector<std::uint32_t> inverse_;  // navigation position -> row; empty when natural
 };
 
 }  // namespace wc

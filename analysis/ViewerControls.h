@@ -18,9 +18,20 @@
 
 #include "HitTableView.h"
 #include "MeasureComboBox.h"
+#include "TriagePanel.h"
 #include "Widget_ResultsViewer.h"
 #include "ZeLineEdit.h"
 #include "frame/DialogTexts.h"
+#include "frame/ExceptionGuard.h"
+
+// The guard around every slot body of the viewer's files: an exception is logged with the file
+// name of the viewer's mode and the line.
+#define VIEWER_GUARDED(...) guardedSlot(__LINE__, [&]() __VA_ARGS__)
+
+template <typename Body>
+bool Widget_ResultsViewer::guardedSlot(int line, Body&& body) {
+    return wc::guarded(this, mode_->source_file, line, std::forward<Body>(body));
+}
 
 namespace wc::viewer {
 
@@ -29,12 +40,14 @@ using Korvo::UIAPI::ZeLineEdit;
 
 template <typename T>
 using Member = T* Viewer::*;
-using ControlMember = std::variant<Member<QPushButton>, Member<QLabel>, Member<QCheckBox>,
-                                   Member<QComboBox>, Member<MeasureComboBox>, Member<QListWidget>,
-                                   Member<ZeLineEdit>, Member<HitTableView>>;
-using ControlSlot = std::variant<std::monostate, void (Viewer::*)(), void (Viewer::*)(int),
-                                 void (Viewer::*)(const QString&),
-                                 void (Viewer::*)(QListWidgetItem*), void (Viewer::*)(std::size_t)>;
+using ControlMember =
+    std::variant<Member<QPushButton>, Member<QLabel>, Member<QCheckBox>, Member<QComboBox>,
+                 Member<MeasureComboBox>, Member<QListWidget>, Member<ZeLineEdit>,
+                 Member<QLineEdit>, Member<HitTableView>, Member<TriagePanel>>;
+using ControlSlot =
+    std::variant<std::monostate, void (Viewer::*)(), void (Viewer::*)(int),
+                 void (Viewer::*)(const QString&), void (Viewer::*)(QListWidgetItem*),
+                 void (Viewer::*)(int, std::size_t)>;
 
 // The look of the lists, the combo boxes and the histogram button, and the "Sv:" colours.
 const char* const kSelectedBlack =
@@ -73,10 +86,12 @@ struct Wiring<QPushButton> {
     static constexpr auto signal = &QPushButton::clicked;
 };
 template <>
-struct Wiring<ZeLineEdit> {
+struct Wiring<QLineEdit> {
     using Slot = void (Viewer::*)();
     static constexpr auto signal = &QLineEdit::returnPressed;
 };
+template <>
+struct Wiring<ZeLineEdit> : Wiring<QLineEdit> {};
 template <>
 struct Wiring<QCheckBox> {
     using Slot = void (Viewer::*)(int);
@@ -96,8 +111,8 @@ struct Wiring<QListWidget> {
 };
 template <>
 struct Wiring<HitTableView> {
-    using Slot = void (Viewer::*)(std::size_t);
-    static constexpr auto signal = &HitTableView::positionPicked;
+    using Slot = void (Viewer::*)(int, std::size_t);
+    static constexpr auto signal = &HitTableView::hitPicked;
 };
 
 template <typename T>
@@ -116,7 +131,7 @@ void place(Viewer* viewer, Member<T> member, const Control& control, QGridLayout
     widget->setObjectName(QLatin1String(control.name));
     if constexpr (std::is_base_of_v<QComboBox, T>) {
         setSourceItems(viewer, widget, control.texts);
-    } else if (!control.texts.isEmpty()) {
+    } else if (!control.texts.isEmpty()) {  // a line edit's is its placeholder
         setSourceText(viewer, widget, control.texts.front());
     }
     using Slot = typename Wiring<T>::Slot;

@@ -1,6 +1,7 @@
 #include "ViewerDrawing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "QTpluginsManger4CAM.h"
@@ -53,6 +54,63 @@ void addShape(analysis_drawing_data& data, const Korvo::API::check_info& hit, in
         box.xmax = std::max(box.xmax, p.x);
         box.ymax = std::max(box.ymax, p.y);
     }
+}
+
+namespace {
+
+double segmentDistance(const Korvo::API::point& a, const Korvo::API::point& b,
+                       const Korvo::API::point& p) {
+    const double dx = b.x - a.x;
+    const double dy = b.y - a.y;
+    const double length2 = dx * dx + dy * dy;
+    const double t =
+        length2 > 0.0 ? std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / length2, 0.0, 1.0) : 0.0;
+    return std::hypot(p.x - (a.x + t * dx), p.y - (a.y + t * dy));
+}
+
+// Even-odd rule over the polygon's edges.
+bool inside(const std::vector<Korvo::API::point>& polygon, const Korvo::API::point& p) {
+    bool in = false;
+    for (std::size_t i = 0, j = polygon.size() - 1; i < polygon.size(); j = i++) {
+        const Korvo::API::point& a = polygon[i];
+        const Korvo::API::point& b = polygon[j];
+        if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x) {
+            in = !in;
+        }
+    }
+    return in;
+}
+
+}  // namespace
+
+double distanceToShape(const Korvo::API::check_points& shape, const Korvo::API::point& at) {
+    const std::vector<Korvo::API::point>& points = shape.points;
+    if (points.empty()) {
+        return std::numeric_limits<double>::infinity();
+    }
+    if (points.size() == 1) {
+        return std::hypot(at.x - points[0].x, at.y - points[0].y);
+    }
+    if (shape.kind == Korvo::API::check_points::box) {
+        const double x0 = std::min(points[0].x, points[1].x);
+        const double x1 = std::max(points[0].x, points[1].x);
+        const double y0 = std::min(points[0].y, points[1].y);
+        const double y1 = std::max(points[0].y, points[1].y);
+        return std::hypot(std::max({x0 - at.x, 0.0, at.x - x1}),
+                          std::max({y0 - at.y, 0.0, at.y - y1}));
+    }
+    const bool closed = shape.kind == Korvo::API::check_points::polygon;
+    if (closed && points.size() > 2 && inside(points, at)) {
+        return 0.0;
+    }
+    double best = std::numeric_limits<double>::infinity();
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+        best = std::min(best, segmentDistance(points[i], points[i + 1], at));
+    }
+    if (closed) {
+        best = std::min(best, segmentDistance(points.back(), points.front(), at));
+    }
+    return best;
 }
 
 void sendDrawing(const void* handle, int code, analysis_drawing_data& data) {

@@ -22,6 +22,9 @@ std::vector<int> addLayerNames(Korvo::API::analysis_drawing_data& data, const Re
 // bounds around its points.
 void addShape(Korvo::API::analysis_drawing_data& data, const Korvo::API::check_info& hit,
               int layer);
+// How far `at` lies from a hit's shape (engine units): from a line's segments, from a box (0
+// inside), from a polygon's edges (0 inside).
+double distanceToShape(const Korvo::API::check_points& shape, const Korvo::API::point& at);
 // Sends `data` under `code` from the analysis menu to the graphic view; bounds around nothing go
 // as zeros.
 void sendDrawing(const void* handle, int code, Korvo::API::analysis_drawing_data& data);

@@ -5,11 +5,11 @@
 #include <QCloseEvent>
 #include <QMessageBox>
 #include <QSignalBlocker>
+#include <QTimer>
 
 #include "ViewerControls.h"
 #include "ViewerDrawing.h"
 #include "Widget_ResultsHistogram.h"
-#include "frame/ExceptionGuard.h"
 #include "frame/PluginMessages.h"
 
 namespace {
@@ -18,18 +18,10 @@ using Viewer = Widget_ResultsViewer;
 using namespace wc::viewer;
 
 constexpr double kNanometresPerMil = 25400.0;
-constexpr int kValueDecimals = 3;
-constexpr int kHistogramBins = 20;
 constexpr int kDefaultLevel = wc::SevGreen;
+constexpr int kFindDelayMs = 400;  // the text filter follows typing after this pause
 
 }  // namespace
-
-#define VIEWER_GUARDED(...) guardedSlot(__LINE__, [&]() __VA_ARGS__)
-
-template <typename Body>
-bool Widget_ResultsViewer::guardedSlot(int line, Body&& body) {
-    return wc::guarded(this, mode_->source_file, line, std::forward<Body>(body));
-}
 
 // ---- construction ---------------------------------------------------------------------------
 
@@ -60,13 +52,29 @@ void Widget_ResultsViewer::showModel(const wc::ViewerMode& mode, Raise raise,
         selection_.clear();
         wc::setSourceText(this, m_pNamePB, mode_->caption);
         m_pToCADPB->setVisible(mode_->kind == wc::ViewerKind::PadSnapping);
-        browser_.setModel(std::move(model));
-        refreshSingalLayerList();
-        if (m_pLayersList->count() > 0) {
-            m_pLayersList->setCurrentRow(0);
-        }
-        refreshCategories();
+        m_pTriage->stop();
+        m_pHitTable->setColumnHidden(wc::StateColumn, true);
+        shown_ = std::make_shared<const wc::ResultsModel>(std::move(model));
+        visited_.clear();
+        browse(shown_, false);
     });
+}
+
+void Widget_ResultsViewer::browse(std::shared_ptr<const wc::ResultsModel> model, bool keep_layers) {
+    QStringList chosen;
+    for (int layer : chosenLayers()) {
+        chosen << layerListName(layer);
+    }
+    browser_.setModel(std::move(model));
+    applyPass();
+    refreshSingalLayerList();
+    for (int row = 0; keep_layers && row < m_pLayersList->count(); ++row) {
+        m_pLayersList->item(row)->setSelected(chosen.contains(m_pLayersList->item(row)->text()));
+    }
+    if (chosenLayers().empty() && m_pLayersList->count() > 0) {
+        m_pLayersList->setCurrentRow(0);
+    }
+    refreshCategories();
 }
 
 // ---- building -------------------------------------------------------------------------------
@@ -78,7 +86,7 @@ void Widget_ResultsViewer::initResultsViewer(int mode) {
     configureControls();
     m_pToCADPB->setVisible(false);
     setFocusPolicy(Qt::StrongFocus);
-    resize(560, 640);
+    resize(720, 760);
 }
 
 void Widget_ResultsViewer::buildControls() {
@@ -115,11 +123,20 @@ void Widget_ResultsViewer::buildControls() {
         {&V::m_pReplaceCB, "m_pReplaceCB",
          {QT_TR_NOOP("Replace layers"), QT_TR_NOOP("Keep layers")}, {6, 4, 2},
          &V::on_Replace_changed},
-        {&V::m_pHitTable, "m_pHitTable", {}, {7, 0, 6}, &V::showPicked},
-        {&V::m_pViewPB, "m_pViewPB", {}, {8, 0}, &V::on_View_clicked},
-        {&V::m_pFilterPB, "m_pFilterPB", {QT_TR_NOOP("Filter")}, {8, 1}, &V::on_Filter_clicked},
-        {&V::m_pToCADPB, "m_pToCADPB", {QT_TR_NOOP("Edit")}, {8, 2}, &V::on_ToCAD_clicked},
-        {&V::m_pClosePB, "m_pClosePB", {QT_TR_NOOP("Close")}, {8, 5}, &V::on_Close_clicked},
+        {&V::m_pGroupLabel, "m_pGroupLabel", {QT_TR_NOOP("Group by:")}, {7, 0}, {}},
+        {&V::m_pGroupCB, "m_pGroupCB",
+         {QT_TR_NOOP("None"), QT_TR_NOOP("Item"), QT_TR_NOOP("Layer"), QT_TR_NOOP("Net")}, {7, 1},
+         &V::on_Group_changed},
+        {&V::m_pFindLabel, "m_pFindLabel", {QT_TR_NOOP("Find:")}, {7, 2}, {}},
+        {&V::m_pFindLE, "m_pFindLE", {QT_TR_NOOP("Regular expression over the columns")},
+         {7, 3, 3}, &V::on_Find_pressed},
+        {&V::m_pFindStatus, "m_pFindStatus", {}, {8, 0, 6}, {}},
+        {&V::m_pTriage, "m_pTriage", {}, {9, 0, 6}, {}},
+        {&V::m_pHitTable, "m_pHitTable", {}, {10, 0, 6}, &V::showPicked},
+        {&V::m_pViewPB, "m_pViewPB", {}, {11, 0}, &V::on_View_clicked},
+        {&V::m_pFilterPB, "m_pFilterPB", {QT_TR_NOOP("Filter")}, {11, 1}, &V::on_Filter_clicked},
+        {&V::m_pToCADPB, "m_pToCADPB", {QT_TR_NOOP("Edit")}, {11, 2}, &V::on_ToCAD_clicked},
+        {&V::m_pClosePB, "m_pClosePB", {QT_TR_NOOP("Close")}, {11, 5}, &V::on_Close_clicked},
     };
     // clang-format on
     auto* grid = new QGridLayout(this);
@@ -127,8 +144,8 @@ void Widget_ResultsViewer::buildControls() {
         std::visit([&](auto member) { wc::viewer::place(this, member, control, grid); },
                    control.member);
     }
-    grid->setRowStretch(2, 2);  // the lists
-    grid->setRowStretch(7, 3);  // the hit table
+    grid->setRowStretch(2, 2);   // the lists
+    grid->setRowStretch(10, 3);  // the hit table
 }
 
 void Widget_ResultsViewer::configureControls() {
@@ -153,6 +170,19 @@ void Widget_ResultsViewer::configureControls() {
     m_pCurrentResultLabel->setMinimumWidth(220);
     m_pViewPB->setStyleSheet(QString::fromLatin1(kHistogramPicture));
     m_pViewPB->setFixedSize(32, 32);
+    m_pGroupCB->setStyleSheet(QString::fromLatin1(kComboItems));
+    m_pFindStatus->setStyleSheet(QStringLiteral("color: red;"));
+    m_pFindStatus->setVisible(false);
+    auto* typing = new QTimer(this);
+    typing->setSingleShot(true);
+    typing->setInterval(kFindDelayMs);
+    connect(m_pFindLE, &QLineEdit::textEdited, typing, qOverload<>(&QTimer::start));
+    connect(typing, &QTimer::timeout, this, &Viewer::on_Find_pressed);
+    m_pHitTable->setColumnHidden(wc::StateColumn, true);
+    m_pHitTable->addAction(m_pTriage->waiveRowsAction());
+    connect(m_pTriage, &wc::TriagePanel::changed, this, &Viewer::triageChanged);
+    connect(m_pTriage, &wc::TriagePanel::waiveAsked, this, &Viewer::waiveCurrent);
+    connect(m_pTriage, &wc::TriagePanel::waiveRowsAsked, this, &Viewer::waiveRows);
 }
 
 // ---- lists ----------------------------------------------------------------------------------
@@ -178,32 +208,40 @@ std::vector<int> Widget_ResultsViewer::chosenLayers() const {
 
 // The categories of the chosen layers with their counts under "Sv:"; the current category stays
 // current when it is still listed, otherwise the first listed becomes current.
-void Widget_ResultsViewer::refreshCategories() {
-    const int level = m_pLevelCB->currentIndex();
-    const auto entries = browser_.model().categories(chosenLayers(), level);
+void Widget_ResultsViewer::refreshCategories(std::optional<std::size_t> keep) {
+    const auto entries = listedCategories(m_pLevelCB->currentIndex());
     int current_row = entries.empty() ? -1 : 0;
     {
         const QSignalBlocker blocker(m_pCategoriesList);
         m_pCategoriesList->clear();
-        for (const wc::CategoryEntry& entry : entries) {
-            auto* item = new QListWidgetItem(QStringLiteral("%1 (%2)")
-                                                 .arg(QString::fromStdString(entry.name))
-                                                 .arg(qulonglong(entry.count)),
-                                             m_pCategoriesList);
-            item->setData(Qt::UserRole, entry.item);
-            if (entry.item == browser_.item()) {
+        for (const auto& [item, line] : entries) {
+            auto* row = new QListWidgetItem(line, m_pCategoriesList);
+            row->setData(Qt::UserRole, item);
+            if (item == browser_.item()) {
                 current_row = m_pCategoriesList->count() - 1;
             }
         }
         m_pCategoriesList->setCurrentRow(current_row);
     }
-    refreshHits(entries.empty() ? -1 : entries[std::size_t(current_row)].item, false);
+    refreshHits(entries.empty() ? -1 : entries[std::size_t(current_row)].first, false, keep);
+}
+
+// The lines again in the current language, nothing chosen anew.
+void Widget_ResultsViewer::relabelCategories() {
+    const auto entries = listedCategories(m_pLevelCB->currentIndex());
+    for (int row = 0; row < m_pCategoriesList->count() && row < int(entries.size()); ++row) {
+        m_pCategoriesList->item(row)->setText(entries[std::size_t(row)].second);
+    }
 }
 
 // Another category drops the feature filter, and the filter is told.
-void Widget_ResultsViewer::refreshHits(int item, bool announce) {
+void Widget_ResultsViewer::refreshHits(int item, bool announce, std::optional<std::size_t> keep) {
     if (browser_.choose(chosenLayers(), item, m_pLevelCB->currentIndex())) {
         emit send_reset_filter();
+    }
+    wc::HitNavigator& navigator = browser_.navigator();
+    if (keep && navigator.count() > 0) {
+        navigator.moveTo(std::min(*keep, navigator.count() - 1));
     }
     clearMeasureValueList();
     refreshTable();
@@ -219,16 +257,6 @@ void Widget_ResultsViewer::refreshHits(int item, bool announce) {
 // "Meas:" lists the values of the category's hits when it opens.
 void Widget_ResultsViewer::clearMeasureValueList() {
     m_pMeasCB->reset(tr("All"), [this] { return browser_.measureKeys(displayPerEngine()); });
-}
-
-// The table lists the hits the navigation steps through.
-void Widget_ResultsViewer::refreshTable() {
-    QStringList names;
-    for (int i = 0; i < int(browser_.model().layers().size()); ++i) {
-        names << layerListName(i);
-    }
-    m_pHitTable->setHits(&browser_.hits(), browser_.admitted(), names, displayPerEngine(),
-                         kValueDecimals, tr(Korvo::UIAPI::getUnitStringType(handle_, 1).c_str()));
 }
 
 QString Widget_ResultsViewer::layerListName(int layer) const {
@@ -360,31 +388,6 @@ void Widget_ResultsViewer::on_Replace_changed(const QString&) {
     VIEWER_GUARDED({ showAgain(); });
 }
 
-void Widget_ResultsViewer::on_View_clicked() {
-    VIEWER_GUARDED({
-        if (histogram_ == nullptr) {
-            histogram_ = new Widget_ResultsHistogram(this);
-            histogram_->setObjectName(QStringLiteral("m_pHistogram"));
-        }
-        getResultHistogramData();
-        histogram_->show();
-        histogram_->raise();
-    });
-}
-
-void Widget_ResultsViewer::on_Filter_clicked() {
-    VIEWER_GUARDED({
-        filter_info_ = Korvo::API::AnalysisFilterInfo();
-        const std::vector<int> layers = chosenLayers();
-        if (!layers.empty()) {
-            filter_info_.layer = browser_.model().layers()[std::size_t(layers.front())].name;
-        }
-        filter_info_.item = browser_.item();
-        filter_info_.level = m_pLevelCB->currentIndex();
-        emit send_begin_filter(&filter_info_);
-    });
-}
-
 void Widget_ResultsViewer::on_Close_clicked() {
     close();
 }
@@ -406,6 +409,7 @@ void Widget_ResultsViewer::change_unit() {
         const bool keep_position = !browser_.measureKey() && navigator.valid();
         const std::size_t position = navigator.position();
         clearMeasureValueList();
+        applyPass();  // the text filter reads values in the new unit
         browser_.setMeasureKey(std::nullopt, displayPerEngine());
         refreshTable();
         if (keep_position) {
@@ -420,59 +424,17 @@ void Widget_ResultsViewer::change_unit() {
 
 void Widget_ResultsViewer::change_language() {
     wc::retranslate(this);
+    VIEWER_GUARDED({
+        relabelCategories();
+        m_pHitTable->hitModel()->retranslate();
+        if (m_pGroupCB->currentIndex() != int(wc::GroupKey::None)) {
+            refreshTable();  // the group of hits without a net is named
+            change_current_result_label();
+        }
+    });
     if (histogram_ != nullptr) {
         histogram_->change_language();
     }
-}
-
-// ---- filter protocol ------------------------------------------------------------------------
-
-void Widget_ResultsViewer::get_begin_filter_result(Korvo::API::AnalysisFilterInfo* info) {
-    VIEWER_GUARDED({
-        if (info != nullptr) {
-            getSignalLayerFilterResult(*info);
-        }
-    });
-}
-
-void Widget_ResultsViewer::get_next_filter_result() {
-    on_Right_clicked();
-}
-
-void Widget_ResultsViewer::get_prev_filter_result() {
-    on_Left_clicked();
-}
-
-void Widget_ResultsViewer::reset_filter_result() {
-    on_unfilter_analysis_items();
-}
-
-void Widget_ResultsViewer::on_filter_analysis_items(
-    const std::vector<std::tuple<int, int>>& items) {
-    VIEWER_GUARDED({
-        browser_.setFilter(items, displayPerEngine());
-        refreshTable();
-        showCurrent();
-    });
-}
-
-void Widget_ResultsViewer::on_unfilter_analysis_items() {
-    VIEWER_GUARDED({
-        if (browser_.filter()) {
-            browser_.setFilter(std::nullopt, displayPerEngine());
-            refreshTable();
-            showCurrent();
-        }
-    });
-}
-
-// The filter answers with (item, hit position) pairs; the viewer then steps through those of the
-// current category only and tells the other listeners which they are.
-void Widget_ResultsViewer::getSignalLayerFilterResult(const Korvo::API::AnalysisFilterInfo& info) {
-    browser_.setFilter(info.items, displayPerEngine());
-    refreshTable();
-    showCurrent();
-    emit filter_analysis_items(*browser_.filter());
 }
 
 // ---- showing hits ---------------------------------------------------------------------------
@@ -497,16 +459,6 @@ void Widget_ResultsViewer::showAgain() {
     }
 }
 
-// A row picked in the hit table; one that only moved in a sort is the hit already shown.
-void Widget_ResultsViewer::showPicked(std::size_t position) {
-    VIEWER_GUARDED({
-        wc::HitNavigator& navigator = browser_.navigator();
-        if (position != navigator.position() && navigator.moveTo(position)) {
-            getSignalLayerCurrentItemData();
-        }
-    });
-}
-
 void Widget_ResultsViewer::getSignalLayerCurrentItemData() {
     const wc::HitRef hit = browser_.hitAt(browser_.navigator().position());
     if (hit.hit == nullptr) {
@@ -517,6 +469,13 @@ void Widget_ResultsViewer::getSignalLayerCurrentItemData() {
     drawing_.value_text = wc::hitValueText(mode_->value_style, *hit.hit, handle_).toStdString();
     wc::addShape(drawing_, *hit.hit, 0);
     wc::sendDrawing(handle_, mode_->one_hit_code, drawing_);
+    if (browser_.sharedModel() == shown_) {
+        if (visited_.size() != shown_->total()) {
+            visited_.assign(shown_->total(), 0);
+        }
+        visited_[hit.number] = 1;
+        m_pHitTable->viewport()->update();
+    }
     if (m_pSelectionCB->isChecked()) {
         selection_.select(*hit.hit);
     }
@@ -552,30 +511,17 @@ void Widget_ResultsViewer::change_current_result_label() {
     }
     const wc::HitRef hit = browser_.hitAt(navigator.position());
     m_pIndexLE->setText(QString::number(qulonglong(navigator.index())));
+    const QString state = m_pTriage->active() ? m_pTriage->stateText(hit.number) : QString();
     m_pCurrentResultLabel->setText(QStringLiteral("%1/%2  %3  %4")
                                        .arg(qulonglong(navigator.index()))
                                        .arg(qulonglong(navigator.count()))
                                        .arg(wc::hitValueText(mode_->value_style, *hit.hit, handle_))
-                                       .arg(layerListName(hit.layer)));
+                                       .arg(layerListName(hit.layer)) +
+                                   (state.isEmpty() ? QString() : QStringLiteral("  ") + state));
     m_pHitTable->showPosition(navigator.position());
 }
 
-// ---- histogram and closing ------------------------------------------------------------------
-
-void Widget_ResultsViewer::getResultHistogramData() {
-    std::vector<double> values;
-    const std::size_t count = browser_.navigator().count();
-    values.reserve(count);
-    const double factor = displayPerEngine();
-    for (std::size_t position = 0; position < count; ++position) {
-        values.push_back(browser_.hitAt(position).hit->value * factor);
-    }
-    const QString title = m_pCategoriesList->currentItem() != nullptr
-                              ? m_pCategoriesList->currentItem()->text()
-                              : QString();
-    histogram_->setHistogram(title, tr(Korvo::UIAPI::getUnitStringType(handle_, 1).c_str()),
-                             wc::histogramOf(values, kHistogramBins));
-}
+// ---- closing --------------------------------------------------------------------------------
 
 void Widget_ResultsViewer::closeEvent(QCloseEvent* event) {
     guardedSlot(__LINE__, [&]() {

@@ -1,14 +1,20 @@
 #pragma once
 // The one window in which every analysis and optimisation result is browsed: layers, categories
 // with exact counts under the "Sv:" entry, stepping through the admitted hits, a sortable hit
-// table and a histogram. It draws nothing itself: each hit or set of hits shown goes to the
+// table (grouped by item, layer or net on demand, narrowed by a text filter, each hit marked once
+// shown) and a histogram. It draws nothing itself: each hit or set of hits shown goes to the
 // graphic view as a message carrying an analysis_drawing_data.
+//
+// A check dialog may hand it a wc::TriageContext (setTriage): the viewer then identifies its
+// hits, applies the waivers of the result database (waived hits leave the counts and lists until
+// the "Waived" view is chosen), and marks each hit new or unchanged against an earlier run.
 //
 // Results are taken as wc::SharedResult: pass a std::shared_ptr to the (const) result and the
 // viewer keeps it alive while it shows it, or pass the map itself and it is lent: the calling
 // dialog keeps it alive and unchanged until it refreshes the viewer with a newer one. The viewer
 // never copies a result.
 
+#include <QRegularExpression>
 #include <QStringList>
 #include <QWidget>
 #include <cstdint>
@@ -21,6 +27,7 @@
 #include "Korvo_UIAPI.h"
 #include "ResultAdapters.h"
 #include "SharedResult.h"
+#include "TriageContext.h"
 #include "ViewerModes.h"
 #include "analysis_drawing_data.h"
 #include "frame/WidgetCommonExport.h"
@@ -28,6 +35,7 @@
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
 class QPushButton;
@@ -38,6 +46,8 @@ class ZeLineEdit;
 namespace wc {
 class HitTableView;
 class MeasureComboBox;
+class TriagePanel;
+struct HitColumns;
 }  // namespace wc
 
 class WIDGET_COMMON_EXPORT Widget_ResultsViewer : public QWidget {
@@ -115,6 +125,10 @@ public:
 
     // The job and step in which "Selection" selects the shown hit's features.
     void setJobAndStep(const QString& job, const QString& step);
+    // Waivers and the comparison with an earlier run for the result just shown; a refresh ends
+    // them, so a dialog that gives a context gives it again after each refresh.
+    void setTriage(const wc::TriageContext& context);
+    const wc::TriagePanel& triage() const { return *m_pTriage; }
 
     int mode() const { return mode_->number; }
     wc::ViewerKind kind() const { return mode_->kind; }
@@ -148,6 +162,11 @@ public slots:
     void on_Filter_clicked();
     void on_Close_clicked();
     void on_ToCAD_clicked();
+    void on_Group_changed(const QString& text);
+    void on_Find_pressed();
+    // A point picked in the graphic view (engine units): the listed hit nearest to it within
+    // `radius` becomes current and is shown; false when none is that near.
+    bool pickHitAt(const Korvo::API::point& at, double radius);
     void change_unit();
     void change_language();
 
@@ -207,14 +226,28 @@ private:
 
     // Lists, from the outside in: layers, categories, then the hits of the category.
     void refreshSingalLayerList();  // the layer list; the name is written so on purpose
-    void refreshCategories();
-    void refreshHits(int item, bool announce);  // announce: tell the view the category was chosen
+    // Each chooses the category again; `keep` puts the navigation back near where it stood.
+    void refreshCategories(std::optional<std::size_t> keep = std::nullopt);
+    // announce: tell the view the category was chosen
+    void refreshHits(int item, bool announce, std::optional<std::size_t> keep = std::nullopt);
+    void relabelCategories();
     void clearMeasureValueList();
     void refreshTable();
 
     std::vector<int> chosenLayers() const;
     void step(bool (wc::HitNavigator::*move)(), void (Widget_ResultsViewer::*past_end)());
-    void showPicked(std::size_t position);
+    void showPicked(int item, std::size_t position);
+    wc::HitColumns hitColumns() const;
+    void applyFind();
+    // Triage: what the view admits, the category lines, and the answers to the panel.
+    void applyPass();
+    // (item, line) of each category of the chosen layers under the severity entry.
+    std::vector<std::pair<int, QString>> listedCategories(int severity) const;
+    void triageChanged(bool other_run);
+    // Browses `model`, on the layers chosen so far (keep_layers) or on its first.
+    void browse(std::shared_ptr<const wc::ResultsModel> model, bool keep_layers);
+    void waiveCurrent();
+    void waiveRows();
     void change_current_result_label();
     void showCurrent();  // the category's hits after a change of layer, category or entry
     void showAgain();    // the same hit or hits, after a change of zoom or layer policy
@@ -237,6 +270,10 @@ private:
     const wc::ViewerMode* mode_;
     Raise raise_ = nullptr;  // the signal that asks the owning dialog to come to the front
     wc::HitBrowser browser_;
+    // The result shown; browser_ browses the earlier run's instead under the "Fixed" view.
+    std::shared_ptr<const wc::ResultsModel> shown_ = std::make_shared<wc::ResultsModel>();
+    std::vector<std::uint8_t> visited_;  // per hit number of shown_
+    QRegularExpression find_;            // the table's text filter; none when empty
     Korvo::API::analysis_drawing_data drawing_;
     Korvo::API::AnalysisFilterInfo filter_info_;
     wc::HitSelection selection_;
@@ -263,6 +300,12 @@ private:
     QCheckBox* m_pSelectionCB = nullptr;
     QComboBox* m_pAutoCB = nullptr;
     QComboBox* m_pReplaceCB = nullptr;
+    QLabel* m_pGroupLabel = nullptr;
+    QComboBox* m_pGroupCB = nullptr;
+    QLabel* m_pFindLabel = nullptr;
+    QLineEdit* m_pFindLE = nullptr;
+    QLabel* m_pFindStatus = nullptr;
+    wc::TriagePanel* m_pTriage = nullptr;
     wc::HitTableView* m_pHitTable = nullptr;
     QPushButton* m_pViewPB = nullptr;
     QPushButton* m_pFilterPB = nullptr;

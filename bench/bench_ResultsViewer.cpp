@@ -1,6 +1,7 @@
 // The results viewer against what peers do (a QListWidget with one item per hit), on a result of
-// 1,000,000 hits over 20 layers x 71 categories, one category of layer01 holding 100,000 hits.
-// Run with --benchmark_repetitions=5 and read the medians.
+// 1,000,000 hits over 20 layers x 71 categories, one category of layer01 holding 100,000 hits;
+// and the viewer's triage of that result: 10,000 waivers and an earlier run with a tenth of its
+// hits elsewhere. Run with --benchmark_repetitions=5 and read the medians.
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -8,15 +9,20 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QTableView>
 #include <cstdlib>
 #include <memory>
 
 #include "Korvo_UIAPI.h"
+#include "ReferenceEngine.h"
+#include "analysis/HitTriage.h"
+#include "analysis/TriagePanel.h"
 #include "analysis/Widget_ResultsViewer.h"
 
 using namespace Korvo::API;
+using waiver = Korvo::API::analysis_waiver;
 
 namespace {
 
@@ -60,6 +66,18 @@ signal_check_result makeRecord(signal_layers_checks_items item, std::size_t coun
     return record;
 }
 
+// The big category's hits lie between two of 57 nets (350 pairs), so that grouping by net has
+// groups.
+void nameNets(signal_check_result& record) {
+    std::size_t k = 0;
+    for (auto* list : {&record.red, &record.yellow, &record.green, &record.other}) {
+        for (check_info& hit : *list) {
+            hit.nets = {"N" + std::to_string(k % 50), "N" + std::to_string(k % 7 + 50)};
+            ++k;
+        }
+    }
+}
+
 std::shared_ptr<const signal_check_result_map> makeResult() {
     auto result = std::make_shared<signal_check_result_map>();
     const std::size_t rest = (kHits - kBigCategory) / (kLayers * kCategories - 1);
@@ -75,6 +93,9 @@ std::shared_ptr<const signal_check_result_map> makeResult() {
             }
             const auto key = static_cast<signal_layers_checks_items>(item);
             (*result)[name][key] = makeRecord(key, count, made);
+            if (big) {
+                nameNets((*result)[name][key]);
+            }
             made += count;
         }
     }
@@ -131,9 +152,8 @@ void BM_Viewer_Refresh(benchmark::State& state) {
     state.counters["hits"] = double(viewer.model().total());
 }
 
-void BM_Viewer_SeverityChange(benchmark::State& state) {
-    Fixture& f = fixture();
-    Widget_ResultsViewer viewer(0, &f.host, f.result);
+// Each "Sv:" entry in turn.
+void cycleSeverity(benchmark::State& state, Widget_ResultsViewer& viewer) {
     auto* level = viewer.findChild<QComboBox*>("m_pLevelCB");
     int entry = 0;
     for (auto _ : state) {
@@ -141,6 +161,12 @@ void BM_Viewer_SeverityChange(benchmark::State& state) {
         viewer.on_Level_changed(level->currentText());
         entry = (entry + 1) % 4;
     }
+}
+
+void BM_Viewer_SeverityChange(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    cycleSeverity(state, viewer);
 }
 
 void BM_Viewer_Next(benchmark::State& state) {
@@ -183,6 +209,132 @@ void BM_Viewer_SortTable100k(benchmark::State& state) {
         ascending = !ascending;
     }
     state.counters["rows"] = double(table->model()->rowCount());
+}
+
+// ---- triage -----------------------------------------------------------------------------------
+
+// The waivers come from the engine hook, so that what is measured is the viewer, not the
+// database (bench_ResultDatabase measures listing them).
+struct TriageFixture {
+    wc::TriageContext context;
+    std::vector<waiver> waivers;
+
+    TriageFixture() {
+        Fixture& f = fixture();
+        const wc::ResultsModel shown = wc::modelOf(f.result, {"SignalLayerRanges", "", {}});
+        const wc::TriageRun run(shown);
+        context.scope = {"SignalLayer", "bench", "pcb"};
+        for (std::size_t number = 0; number < run.size(); number += run.size() / 10000) {
+            waivers.push_back(wc::waiverForHit(run, number, context.scope, "bench", "bench"));
+            waivers.back().id = int(waivers.size());
+        }
+        // The earlier run: every tenth hit of each list 10 mil away.
+        auto earlier = std::make_shared<signal_check_result_map>(*f.result);
+        for (auto& [layer, items] : *earlier) {
+            for (auto& [item, record] : items) {
+                for (auto* list : {&record.red, &record.yellow, &record.green, &record.other}) {
+                    for (std::size_t i = 0; i < list->size(); i += 10) {
+                        for (point& p : (*list)[i].shape.points) {
+                            p.x += 254000.0;
+                        }
+                    }
+                }
+            }
+        }
+        context.earlier = std::make_shared<wc::ResultsModel>(
+            wc::modelOf(std::shared_ptr<const signal_check_result_map>(earlier),
+                        {"SignalLayerRanges", "", {}}));
+        context.earlier_label = "earlier";
+        wcref::engineHooks().getAnalysisWaivers = [this](const std::string&, const std::string&,
+                                                         const std::string&,
+                                                         std::vector<waiver>& out, std::string&) {
+            out = waivers;
+            return true;
+        };
+        wcref::engineHooks().getAnalysisRuns =
+            [](const std::string&, const std::string&, const std::string&,
+               std::vector<analysis_run_info>& runs, std::string&) {
+                runs.clear();
+                return true;
+            };
+    }
+};
+
+TriageFixture& triageFixture() {
+    static TriageFixture f;
+    return f;
+}
+
+// Identifying a million hits, applying the waivers and comparing with the earlier run: once per
+// run of the check.
+void BM_Viewer_SetTriage(benchmark::State& state) {
+    Fixture& f = fixture();
+    TriageFixture& t = triageFixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    for (auto _ : state) {
+        viewer.setTriage(t.context);
+    }
+    state.counters["waived"] = double(viewer.triage().triage().waivedCount());
+    state.counters["new"] = double(viewer.triage().triage().count(wc::RunState::New));
+}
+
+// The lists again under each "Sv:" entry, with the waived hits left out and the new ones
+// counted.
+void BM_Viewer_SeverityChangeTriaged(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    viewer.setTriage(triageFixture().context);
+    cycleSeverity(state, viewer);
+}
+
+// From the open hits to the new ones only and back.
+void BM_Viewer_ViewChangeTriaged(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    viewer.setTriage(triageFixture().context);
+    auto* views = viewer.findChild<QComboBox*>("m_pViewCB");
+    int entry = 0;
+    for (auto _ : state) {
+        entry = entry == 0 ? 1 : 0;
+        views->setCurrentIndex(entry);
+        emit views->activated(entry);
+    }
+}
+
+// Grouping every hit of layer01 (144,000 at "All") by item (1) or by net (3), and back.
+void BM_Viewer_Group(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    auto* level = viewer.findChild<QComboBox*>("m_pLevelCB");
+    level->setCurrentIndex(wc::SevAll);
+    viewer.on_Level_changed(level->currentText());
+    auto* group = viewer.findChild<QComboBox*>("m_pGroupCB");
+    for (auto _ : state) {
+        group->setCurrentIndex(int(state.range(0)));
+        viewer.on_Group_changed(group->currentText());
+        group->setCurrentIndex(0);
+        viewer.on_Group_changed(group->currentText());
+    }
+    group->setCurrentIndex(int(state.range(0)));
+    viewer.on_Group_changed(group->currentText());
+    state.counters["rows"] =
+        double(viewer.findChild<QTableView*>("m_pHitTable")->model()->rowCount());
+}
+
+// The text filter over the 100,000 hits of layer01's first category.
+void BM_Viewer_Find100k(benchmark::State& state) {
+    Fixture& f = fixture();
+    Widget_ResultsViewer viewer(0, &f.host, f.result);
+    auto* level = viewer.findChild<QComboBox*>("m_pLevelCB");
+    level->setCurrentIndex(wc::SevAll);
+    viewer.on_Level_changed(level->currentText());
+    auto* find = viewer.findChild<QLineEdit*>("m_pFindLE");
+    bool on = false;
+    for (auto _ : state) {
+        on = !on;
+        find->setText(on ? QStringLiteral("^3\\.1") : QString());
+        viewer.on_Find_pressed();
+    }
 }
 
 // ---- the baseline: a QListWidget with one item per hit --------------------------------------
@@ -287,6 +439,11 @@ BENCHMARK(BM_Viewer_ShowAll100k)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_List_ShowAll100k)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Viewer_SortTable100k)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_List_Sort100k)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Viewer_SetTriage)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_Viewer_SeverityChangeTriaged)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Viewer_ViewChangeTriaged)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Viewer_Group)->Unit(benchmark::kMillisecond)->Arg(1)->Arg(3);
+BENCHMARK(BM_Viewer_Find100k)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Memory)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace

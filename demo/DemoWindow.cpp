@@ -19,6 +19,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <cmath>
 #include <set>
 
 #include "DrillFormatPanel.h"
@@ -133,6 +134,17 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
     onMessage(wc::code::RefreshGraphic, [this](const PluginMetaData&) {
         refreshJobs();
         view_->reload();
+    });
+
+    // A click in the view picks the nearest hit of an open results viewer, within a few pixels.
+    connect(view_, &GraphicView::pointPicked, this, [this](const Korvo::API::point& at, bool) {
+        const double radius = 8.0 / std::max(std::abs(view_->transform().m11()), 1e-12);
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* viewer = qobject_cast<Widget_ResultsViewer*>(window);
+                viewer != nullptr && viewer->isVisible()) {
+                viewer->pickHitAt(at, radius);
+            }
+        }
     });
 
     subscription_ = wcref::PluginBus::instance().subscribe(

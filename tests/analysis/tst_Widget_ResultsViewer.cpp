@@ -20,6 +20,8 @@
 #include "PluginBus.h"
 #include "PluginSpy.h"
 #include "ScopedEngineHook.h"
+#include "UnitScope.h"
+#include "analysis/HitTableModel.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "analysis_drawing_data.h"
 #include "frame/ExceptionGuard.h"
@@ -269,6 +271,11 @@ private slots:
         row("combo box items", "m_pReplaceCB", "[Replace layers]|[Keep layers]");
         row("Sv: entries", "m_pLevelCB", "[!!]|[!]|[  ]|[All]");
         row("Meas: first entry", "m_pMeasCB", "[All]");
+        row("grouping", "m_pGroupCB", "[None]|[Item]|[Layer]|[Net]");
+        row("triage views", "m_pViewCB", "[Open]|[New only]|[Waived]|[Fixed]");
+        row("text filter's placeholder", "m_pFindLE", "[Regular expression over the columns]");
+        row("triage button", "m_pWaivePB", "[Waive...]");
+        row("waiver list's action", "m_pExportAction", "[Export waivers...]");
     }
 
     void languageReachesEveryKindOfControl() {
@@ -281,7 +288,10 @@ private slots:
             viewer.change_language();
         }
         QObject* control = name.isEmpty() ? &viewer : child<QObject>(viewer, name);
-        QString shown = control->property(name.isEmpty() ? "windowTitle" : "text").toString();
+        const char* property = name.isEmpty()                      ? "windowTitle"
+                               : qobject_cast<QLineEdit*>(control) ? "placeholderText"
+                                                                   : "text";
+        QString shown = control->property(property).toString();
         if (auto* combo = qobject_cast<QComboBox*>(control)) {
             QStringList items;
             for (int i = 0; i < combo->count(); ++i) {
@@ -381,6 +391,65 @@ private slots:
         table->selectRow(2);  // 4.000 mil, the yellow hit, third in navigation order
         QCOMPARE(viewer.currentIndex(), std::size_t(3));
         QCOMPARE(catcher.data.value_text, std::string("4.000 mil"));
+    }
+
+    // Value, required value and difference in the display unit; none where nothing is
+    // required. Location is the middle of the measurement.
+    void valueColumnsFollowTheUnit_data() {
+        wctest::columns<int, QString, QStringList>("unit", "header", "cells");
+        row("mil", 0, "Required (mil)",
+            QStringList{"3.000", "4.000", "-1.000", "0.020, 0.010", "", ""});
+        row("mm", 1, "Required (mm)",
+            QStringList{"0.076", "0.102", "-0.025", "0.001, 0.000", "", ""});
+    }
+
+    void valueColumnsFollowTheUnit() {
+        QFETCH(int, unit);
+        QFETCH(QString, header);
+        QFETCH(QStringList, cells);
+        auto result = std::make_shared<signal_check_result_map>();
+        check_info required = hit(76200, 0);
+        required.required = 101600;
+        (*result)["top"][sli_line_width].red = {required, hit(50800, 5000)};
+        QWidget host;
+        wctest::UnitScope scope(&host, 0);
+        Widget_ResultsViewer viewer(0, &host, result);
+        scope.change(unit);
+        viewer.change_unit();
+        const QAbstractItemModel* table = child<QTableView>(viewer, "m_pHitTable")->model();
+        QCOMPARE(table->headerData(wc::RequiredColumn, Qt::Horizontal).toString(), header);
+        const QStringList shown{table->index(0, wc::ValueColumn).data().toString(),
+                                table->index(0, wc::RequiredColumn).data().toString(),
+                                table->index(0, wc::DifferenceColumn).data().toString(),
+                                table->index(0, wc::LocationColumn).data().toString(),
+                                table->index(1, wc::RequiredColumn).data().toString(),
+                                table->index(1, wc::DifferenceColumn).data().toString()};
+        QCOMPARE(shown, cells);
+    }
+
+    // A hit is marked once shown, whatever the table's order, until another result.
+    void shownHitsAreMarkedVisited() {
+        QWidget host;
+        Widget_ResultsViewer viewer(0, &host, twoLayerResult());
+        chooseLayer(viewer, 1);
+        chooseLevel(viewer, wc::SevYellow);  // three hits, the first shown
+        auto* table = child<QTableView>(viewer, "m_pHitTable");
+        const auto visited = [table] {
+            QList<bool> marks;
+            for (int row = 0; row < table->model()->rowCount(); ++row) {
+                marks
+                    << table->model()->index(row, 0).data(wc::HitTableModel::VisitedRole).toBool();
+            }
+            return marks;
+        };
+        QCOMPARE(visited(), (QList<bool>{true, false, false}));
+        viewer.on_Last_clicked();
+        table->sortByColumn(wc::ValueColumn, Qt::AscendingOrder);  // 2.000, 3.000, 4.000
+        QCOMPARE(visited(), (QList<bool>{false, true, true}));
+        viewer.RefreshSignalLayerChecksData(twoLayerResult());
+        chooseLayer(viewer, 1);
+        chooseLevel(viewer, wc::SevYellow);  // the first, 3.000, shown again
+        QCOMPARE(visited(), (QList<bool>{false, true, false}));
     }
 
     void filterAndMeasNarrowTheHits() {
