@@ -168,7 +168,12 @@ void Widget_SignalLayerChecks::wireUp() {
     connect(database_, &wc::SignalCheckDatabase::resultLoaded, this,
             &Widget_SignalLayerChecks::showLoadedResult);
     connect(database_, &wc::SignalCheckDatabase::stored, this,
-            [this](int id) { triage_.setStoredId(id); });
+            [this](int id) {
+                triage_.setStoredId(id);
+                if (Widget_ResultsViewer* viewer = windows_->viewer()) {
+                    viewer->setTriage(triage_.context());
+                }
+            });
 
     // Any change of a parameter makes the shown result stale.
     QList<QObject*> parameters = distances_->editObjects();
@@ -522,9 +527,13 @@ void Widget_SignalLayerChecks::showResultsViewer(bool open) {
             auto* viewer = new Widget_ResultsViewer(0, shell_->host(), published_);
             connect(viewer, &Widget_ResultsViewer::Signal_check_raise, this,
                     &Widget_SignalLayerChecks::Signal_check_raise);
+            viewer->setTriage(triage_.context());
             return viewer;
         },
-        [this](Widget_ResultsViewer& viewer) { viewer.RefreshSignalLayerChecksData(published_); });
+        [this](Widget_ResultsViewer& viewer) {
+            viewer.RefreshSignalLayerChecksData(published_);
+            viewer.setTriage(triage_.context());
+        });
 }
 
 // ---- language and units ---------------------------------------------------------------------
