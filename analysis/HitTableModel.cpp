@@ -81,8 +81,19 @@ TableHit HitTableModel::listedAt(std::size_t i) const {
     return {std::uint32_t(browser_->hitAt(i).number), std::uint32_t(i), browser_->item()};
 }
 
+// A hit of the current category is found through the navigation's few lists, any other through
+// the model's index.
 HitRef HitTableModel::refOf(const TableHit& hit) const {
-    return browser_ == nullptr ? HitRef() : browser_->index().at(hit.number);
+    if (browser_ == nullptr) {
+        return {};
+    }
+    if (hit.item == browser_->item()) {
+        const HitRef ref = browser_->hitAt(hit.position);
+        if (ref.hit != nullptr && ref.number == hit.number) {
+            return ref;
+        }
+    }
+    return browser_->index().at(hit.number);
 }
 
 bool HitTableModel::isGroupRow(int row) const {
@@ -174,7 +185,9 @@ void HitTableModel::arrange() {
     };
     const auto byNumber = [](const TableHit& a, const TableHit& b) { return a.number < b.number; };
     if (grouping_ == GroupKey::None) {
-        std::sort(rows_.begin(), rows_.end(), byPosition);
+        if (!std::is_sorted(rows_.begin(), rows_.end(), byPosition)) {
+            std::sort(rows_.begin(), rows_.end(), byPosition);
+        }
         sortRange(0, rows_.size());
     } else {
         for (const HitGroup& group : groups_) {

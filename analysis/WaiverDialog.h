@@ -16,7 +16,7 @@ class QRadioButton;
 
 namespace wc {
 
-struct WaiverAnswer {
+struct WIDGET_COMMON_EXPORT WaiverAnswer {
     QString reason;
     bool net_pair = false;  // every hit of the item between the two nets
 };

@@ -19,6 +19,7 @@
 #include "MessageBoxAnswerer.h"
 #include "ScopedEngineHook.h"
 #include "TemporaryWorkingDirectory.h"
+#include "UnitScope.h"
 #include "analysis/HitTableModel.h"
 #include "analysis/ResultAdapters.h"
 #include "analysis/TriagePanel.h"
@@ -491,6 +492,41 @@ private slots:
         if (!status.isEmpty()) {
             QCOMPARE(wctest::labelText(viewer, "m_pFindStatus"), status);
         }
+    }
+
+    // Value, required value, difference and location in the display unit; no required value
+    // or difference where nothing is required.
+    void valueColumnsFollowTheUnit_data() {
+        wctest::columns<int, QString, QStringList>("unit", "header", "cells");
+        row("mil", 0, "Required (mil)",
+            QStringList{"3.000", "4.000", "-1.000", "1.500, 0.000", "", ""});
+        row("mm", 1, "Required (mm)",
+            QStringList{"0.076", "0.102", "-0.025", "0.038, 0.000", "", ""});
+    }
+
+    void valueColumnsFollowTheUnit() {
+        QFETCH(int, unit);
+        QFETCH(QString, header);
+        QFETCH(QStringList, cells);
+        Result run = result("L@0:3 L@100:2");
+        (*run)["top"][sli_line_width].red[1].required = 0;
+        QWidget host;
+        wctest::UnitScope scope(&host, 0);
+        Widget_ResultsViewer viewer(0, &host, run);
+        scope.change(unit);
+        viewer.change_unit();
+        const QAbstractItemModel* table = child<QTableView>(viewer, "m_pHitTable")->model();
+        QCOMPARE(table->headerData(wc::RequiredColumn, Qt::Horizontal).toString(), header);
+        QStringList shown;
+        for (const auto& [row, column] : {std::pair(0, wc::ValueColumn),
+                                          {0, wc::RequiredColumn},
+                                          {0, wc::DifferenceColumn},
+                                          {0, wc::LocationColumn},
+                                          {1, wc::RequiredColumn},
+                                          {1, wc::DifferenceColumn}}) {
+            shown << table->index(row, column).data().toString();
+        }
+        QCOMPARE(shown, cells);
     }
 
     // A point picked in the graphic view selects the nearest listed hit within the radius.

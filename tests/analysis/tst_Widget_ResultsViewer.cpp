@@ -20,7 +20,6 @@
 #include "PluginBus.h"
 #include "PluginSpy.h"
 #include "ScopedEngineHook.h"
-#include "UnitScope.h"
 #include "analysis/HitTableModel.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "analysis_drawing_data.h"
@@ -391,40 +390,6 @@ private slots:
         table->selectRow(2);  // 4.000 mil, the yellow hit, third in navigation order
         QCOMPARE(viewer.currentIndex(), std::size_t(3));
         QCOMPARE(catcher.data.value_text, std::string("4.000 mil"));
-    }
-
-    // Value, required value and difference in the display unit; none where nothing is
-    // required. Location is the middle of the measurement.
-    void valueColumnsFollowTheUnit_data() {
-        wctest::columns<int, QString, QStringList>("unit", "header", "cells");
-        row("mil", 0, "Required (mil)",
-            QStringList{"3.000", "4.000", "-1.000", "0.020, 0.010", "", ""});
-        row("mm", 1, "Required (mm)",
-            QStringList{"0.076", "0.102", "-0.025", "0.001, 0.000", "", ""});
-    }
-
-    void valueColumnsFollowTheUnit() {
-        QFETCH(int, unit);
-        QFETCH(QString, header);
-        QFETCH(QStringList, cells);
-        auto result = std::make_shared<signal_check_result_map>();
-        check_info required = hit(76200, 0);
-        required.required = 101600;
-        (*result)["top"][sli_line_width].red = {required, hit(50800, 5000)};
-        QWidget host;
-        wctest::UnitScope scope(&host, 0);
-        Widget_ResultsViewer viewer(0, &host, result);
-        scope.change(unit);
-        viewer.change_unit();
-        const QAbstractItemModel* table = child<QTableView>(viewer, "m_pHitTable")->model();
-        QCOMPARE(table->headerData(wc::RequiredColumn, Qt::Horizontal).toString(), header);
-        const QStringList shown{table->index(0, wc::ValueColumn).data().toString(),
-                                table->index(0, wc::RequiredColumn).data().toString(),
-                                table->index(0, wc::DifferenceColumn).data().toString(),
-                                table->index(0, wc::LocationColumn).data().toString(),
-                                table->index(1, wc::RequiredColumn).data().toString(),
-                                table->index(1, wc::DifferenceColumn).data().toString()};
-        QCOMPARE(shown, cells);
     }
 
     // A hit is marked once shown, whatever the table's order, until another result.
