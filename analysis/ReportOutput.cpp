@@ -1,0 +1,291 @@
+#include "ReportOutput.h"
+
+#include <QCoreApplication>
+#include <QIODevice>
+#include <charconv>
+#include <cmath>
+
+namespace wc {
+
+namespace {
+
+// The device is written in pieces of about this size.
+constexpr std::size_t kSpillSize = std::size_t(1) << 20;
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+
+// The length of the well-formed UTF-8 sequence at `p` (0 when there is none): no overlong
+// forms, no surrogates, nothing above U+10FFFF.
+std::size_t sequenceLength(const unsigned char* p, std::size_t left) {
+    const unsigned char c = p[0];
+    std::size_t length = 0;
+    unsigned char low = 0x80;
+    unsigned char high = 0xBF;
+    if (c >= 0xC2 && c <= 0xDF) {
+        length = 2;
+    } else if (c >= 0xE0 && c <= 0xEF) {
+        length = 3;
+        low = c == 0xE0 ? 0xA0 : 0x80;
+        high = c == 0xED ? 0x9F : 0xBF;
+    } else if (c >= 0xF0 && c <= 0xF4) {
+        length = 4;
+        low = c == 0xF0 ? 0x90 : 0x80;
+        high = c == 0xF4 ? 0x8F : 0xBF;
+    }
+    if (length == 0 || length > left || p[1] < low || p[1] > high) {
+        return 0;
+    }
+    for (std::size_t i = 2; i < length; ++i) {
+        if (p[i] < 0x80 || p[i] > 0xBF) {
+            return 0;
+        }
+    }
+    return length;
+}
+
+// Appends `text` with each ASCII character passed through `ascii` (which appends it, escaped
+// as the format needs) and every byte that starts no well-formed sequence as U+FFFD.
+template <typename Ascii>
+void appendEscaped(std::string& out, std::string_view text, Ascii ascii) {
+    const auto* p = reinterpret_cast<const unsigned char*>(text.data());
+    const std::size_t size = text.size();
+    for (std::size_t i = 0; i < size;) {
+        if (p[i] < 0x80) {
+            ascii(out, char(p[i]));
+            ++i;
+            continue;
+        }
+        const std::size_t length = sequenceLength(p + i, size - i);
+        if (length == 0) {
+            out.append(kReplacement);
+            ++i;
+        } else {
+            out.append(text.data() + i, length);
+            i += length;
+        }
+    }
+}
+
+int decimalsOf(const ReportModel& report) {
+    // A hundred-thousandth of a mil is a quarter of the engine's nanometre; a millionth of a
+    // millimetre is one.
+    return report.input.unit == ReportUnit::Mil ? 5 : 6;
+}
+
+}  // namespace
+
+ReportSink::ReportSink(QIODevice& device) : device_(device) {
+    out.reserve(kSpillSize + kSpillSize / 4);
+}
+
+void ReportSink::spill() {
+    if (out.size() >= kSpillSize) {
+        write();
+    }
+}
+
+void ReportSink::write() {
+    if (!failed_ && !out.empty()) {
+        failed_ = device_.write(out.data(), qint64(out.size())) != qint64(out.size());
+    }
+    out.clear();
+}
+
+bool ReportSink::finish(QString* error) {
+    write();
+    if (failed_ && error != nullptr) {
+        *error = device_.errorString();
+        if (error->isEmpty()) {
+            *error = QCoreApplication::translate("Reports", "the device refused the data");
+        }
+    }
+    return !failed_;
+}
+
+void appendNumber(std::string& out, double value, int decimals) {
+    if (!std::isfinite(value)) {
+        return;
+    }
+    const double scale = std::pow(10.0, decimals);
+    double rounded = std::round(value * scale) / scale;
+    if (rounded == 0.0) {
+        rounded = 0.0;  // no "-0"
+    }
+    char text[400];  // fixed notation of the largest double
+    const auto result = std::to_chars(text, text + sizeof text, rounded, std::chars_format::fixed);
+    out.append(text, result.ptr);
+}
+
+void appendLength(std::string& out, const ReportModel& report, double engine) {
+    appendNumber(out, report.inUnit(engine), decimalsOf(report));
+}
+
+void appendCount(std::string& out, std::size_t value) {
+    char text[24];
+    const auto result = std::to_chars(text, text + sizeof text, value);
+    out.append(text, result.ptr);
+}
+
+void appendJsonString(std::string& out, std::string_view utf8) {
+    out += '"';
+    appendEscaped(out, utf8, [](std::string& to, char c) {
+        switch (c) {
+            case '"':
+                to += "\\\"";
+                return;
+            case '\\':
+                to += "\\\\";
+                return;
+            case '\n':
+                to += "\\n";
+                return;
+            case '\r':
+                to += "\\r";
+                return;
+            case '\t':
+                to += "\\t";
+                return;
+            default:
+                break;
+        }
+        if (static_cast<unsigned char>(c) < 0x20) {
+            static const char hex[] = "0123456789abcdef";
+            to += "\\u00";
+            to += hex[(c >> 4) & 0xF];
+            to += hex[c & 0xF];
+        } else {
+            to += c;
+        }
+    });
+    out += '"';
+}
+
+void appendJsonStrings(std::string& out, const std::vector<std::string>& texts) {
+    out += '[';
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (i > 0) {
+            out += ", ";
+        }
+        appendJsonString(out, texts[i]);
+    }
+    out += ']';
+}
+
+void appendJsonKey(std::string& out, std::string_view name) {
+    appendJsonString(out, name);
+    out += ": ";
+}
+
+void appendJsonText(std::string& out, std::string_view name, std::string_view value) {
+    appendJsonKey(out, name);
+    appendJsonString(out, value);
+}
+
+void appendJsonLength(std::string& out, std::string_view name, const ReportModel& report,
+                      double engine, bool known) {
+    out += ", ";
+    appendJsonKey(out, name);
+    if (known && std::isfinite(engine)) {
+        appendLength(out, report, engine);
+    } else {
+        out += "null";
+    }
+}
+
+void appendXmlText(std::string& out, std::string_view utf8) {
+    appendEscaped(out, utf8, [](std::string& to, char c) {
+        switch (c) {
+            case '&':
+                to += "&amp;";
+                return;
+            case '<':
+                to += "&lt;";
+                return;
+            case '>':
+                to += "&gt;";
+                return;
+            case '"':
+                to += "&quot;";
+                return;
+            case '\t':
+                to += "&#9;";
+                return;
+            case '\n':
+                to += "&#10;";
+                return;
+            case '\r':
+                to += "&#13;";
+                return;
+            default:
+                break;
+        }
+        if (static_cast<unsigned char>(c) < 0x20) {
+            to.append(kReplacement);
+        } else {
+            to += c;
+        }
+    });
+}
+
+void appendCsvField(std::string& out, std::string_view utf8) {
+    const bool quoted = utf8.find_first_of(",\"\r\n") != std::string_view::npos ||
+                        (!utf8.empty() && (utf8.front() == ' ' || utf8.back() == ' '));
+    if (quoted) {
+        out += '"';
+    }
+    appendEscaped(out, utf8, [](std::string& to, char c) {
+        if (c == '"') {
+            to += '"';
+        }
+        to += c;
+    });
+    if (quoted) {
+        out += '"';
+    }
+}
+
+std::string joinedNets(const Korvo::API::check_info& hit) {
+    std::string out;
+    for (const std::string& net : hit.nets) {
+        if (!out.empty()) {
+            out += "; ";
+        }
+        out += net;
+    }
+    return out;
+}
+
+std::string locationText(const ReportModel& report, const ReportHit& hit) {
+    std::string out = "(";
+    appendLength(out, report, hit.at.x);
+    out += ", ";
+    appendLength(out, report, hit.at.y);
+    out += ") ";
+    out += report.unitName();
+    return out;
+}
+
+std::string hitMessage(const ReportModel& report, const ReportHit& hit) {
+    const auto length = [&report](std::string& out, double engine) {
+        appendLength(out, report, engine);
+        out += ' ';
+        out += report.unitName();
+    };
+    std::string out = hit.row->item + " on " + hit.row->layer + ": ";
+    length(out, hit.hit->value);
+    if (hit.hasRequired()) {
+        out += ", required ";
+        length(out, hit.hit->required);
+        out += " (difference ";
+        length(out, hit.hit->value - hit.hit->required);
+        out += ')';
+    }
+    out += ", at ";
+    out += locationText(report, hit);
+    if (!hit.hit->nets.empty()) {
+        out += hit.hit->nets.size() == 1 ? ", net " : ", nets ";
+        out += joinedNets(*hit.hit);
+    }
+    return out;
+}
+
+}  // namespace wc
