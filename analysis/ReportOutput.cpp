@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QIODevice>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -42,27 +43,36 @@ std::size_t sequenceLength(const unsigned char* p, std::size_t left) {
     return length;
 }
 
-// Appends `text` with each ASCII character passed through `ascii` (which appends it, escaped
-// as the format needs) and every byte that starts no well-formed sequence as U+FFFD.
-template <typename Ascii>
-void appendEscaped(std::string& out, std::string_view text, Ascii ascii) {
+// Appends `text`, each ASCII character for which `special` holds passed through `escape`
+// (which appends it as the format needs), and every byte that starts no well-formed sequence as
+// U+FFFD. Runs of plain characters are appended whole.
+template <typename Special, typename Escape>
+void appendEscaped(std::string& out, std::string_view text, Special special, Escape escape) {
     const auto* p = reinterpret_cast<const unsigned char*>(text.data());
     const std::size_t size = text.size();
     for (std::size_t i = 0; i < size;) {
+        std::size_t plain = i;
+        while (plain < size && p[plain] < 0x80 && !special(char(p[plain]))) {
+            ++plain;
+        }
+        out.append(text.data() + i, plain - i);
+        i = plain;
+        if (i == size) {
+            break;
+        }
         if (p[i] < 0x80) {
-            ascii(out, char(p[i]));
+            escape(out, char(p[i]));
             ++i;
             continue;
         }
         const std::size_t length = sequenceLength(p + i, size - i);
-        if (length == 0) {
-            out.append(kReplacement);
-            ++i;
-        } else {
-            out.append(text.data() + i, length);
-            i += length;
-        }
+        out.append(length == 0 ? kReplacement : text.substr(i, length));
+        i += length == 0 ? 1 : length;
     }
+}
+
+bool isControl(char c) {
+    return static_cast<unsigned char>(c) < 0x20;
 }
 
 int decimalsOf(const ReportModel& report) {
@@ -102,17 +112,39 @@ bool ReportSink::finish(QString* error) {
 }
 
 void appendNumber(std::string& out, double value, int decimals) {
-    if (!std::isfinite(value)) {
+    static constexpr std::int64_t kScales[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
+    decimals = std::clamp(decimals, 0, 7);
+    const std::int64_t scale = kScales[decimals];
+    const double scaled = std::round(value * double(scale));
+    if (!std::isfinite(scaled)) {
         return;
     }
-    const double scale = std::pow(10.0, decimals);
-    double rounded = std::round(value * scale) / scale;
-    if (rounded == 0.0) {
-        rounded = 0.0;  // no "-0"
+    if (std::abs(scaled) >= 9.0e18) {  // beyond 64-bit integers: no fraction to write
+        char text[400];
+        out.append(text,
+                   std::to_chars(text, text + sizeof text, value, std::chars_format::fixed).ptr);
+        return;
     }
-    char text[400];  // fixed notation of the largest double
-    const auto result = std::to_chars(text, text + sizeof text, rounded, std::chars_format::fixed);
-    out.append(text, result.ptr);
+    // Whole and fraction as integers: faster than formatting the double, and never "-0".
+    std::int64_t n = std::int64_t(scaled);
+    if (n < 0) {
+        out += '-';
+        n = -n;
+    }
+    appendCount(out, std::size_t(n / scale));
+    std::int64_t fraction = n % scale;
+    if (fraction != 0) {
+        char digits[8];
+        for (int d = decimals - 1; d >= 0; --d, fraction /= 10) {
+            digits[d] = char('0' + fraction % 10);
+        }
+        int count = decimals;
+        while (digits[count - 1] == '0') {
+            --count;
+        }
+        out += '.';
+        out.append(digits, std::size_t(count));
+    }
 }
 
 void appendLength(std::string& out, const ReportModel& report, double engine) {
@@ -127,7 +159,8 @@ void appendCount(std::string& out, std::size_t value) {
 
 void appendJsonString(std::string& out, std::string_view utf8) {
     out += '"';
-    appendEscaped(out, utf8, [](std::string& to, char c) {
+    const auto special = [](char c) { return c == '"' || c == '\\' || isControl(c); };
+    appendEscaped(out, utf8, special, [](std::string& to, char c) {
         switch (c) {
             case '"':
                 to += "\\\"";
@@ -147,14 +180,10 @@ void appendJsonString(std::string& out, std::string_view utf8) {
             default:
                 break;
         }
-        if (static_cast<unsigned char>(c) < 0x20) {
-            static const char hex[] = "0123456789abcdef";
-            to += "\\u00";
-            to += hex[(c >> 4) & 0xF];
-            to += hex[c & 0xF];
-        } else {
-            to += c;
-        }
+        static const char hex[] = "0123456789abcdef";
+        to += "\\u00";
+        to += hex[(c >> 4) & 0xF];
+        to += hex[c & 0xF];
     });
     out += '"';
 }
@@ -192,7 +221,10 @@ void appendJsonLength(std::string& out, std::string_view name, const ReportModel
 }
 
 void appendXmlText(std::string& out, std::string_view utf8) {
-    appendEscaped(out, utf8, [](std::string& to, char c) {
+    const auto special = [](char c) {
+        return c == '&' || c == '<' || c == '>' || c == '"' || isControl(c);
+    };
+    appendEscaped(out, utf8, special, [](std::string& to, char c) {
         switch (c) {
             case '&':
                 to += "&amp;";
@@ -218,26 +250,20 @@ void appendXmlText(std::string& out, std::string_view utf8) {
             default:
                 break;
         }
-        if (static_cast<unsigned char>(c) < 0x20) {
-            to.append(kReplacement);
-        } else {
-            to += c;
-        }
+        to.append(kReplacement);  // XML 1.0 holds no other control character
     });
 }
 
 void appendCsvField(std::string& out, std::string_view utf8) {
-    const bool quoted = utf8.find_first_of(",\"\r\n") != std::string_view::npos ||
-                        (!utf8.empty() && (utf8.front() == ' ' || utf8.back() == ' '));
+    bool quoted = !utf8.empty() && (utf8.front() == ' ' || utf8.back() == ' ');
+    for (std::size_t i = 0; i < utf8.size() && !quoted; ++i) {
+        quoted = utf8[i] == ',' || utf8[i] == '"' || utf8[i] == '\r' || utf8[i] == '\n';
+    }
     if (quoted) {
         out += '"';
     }
-    appendEscaped(out, utf8, [](std::string& to, char c) {
-        if (c == '"') {
-            to += '"';
-        }
-        to += c;
-    });
+    appendEscaped(
+        out, utf8, [](char c) { return c == '"'; }, [](std::string& to, char) { to += "\"\""; });
     if (quoted) {
         out += '"';
     }

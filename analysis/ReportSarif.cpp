@@ -17,7 +17,8 @@ namespace {
 const char* const kTool = "widget_common_check";
 const char* const kLayersBase = "LAYERS";
 
-// Rules by item and artifacts by layer, numbered in the order the rows name them.
+// Rules by item and artifacts by layer, numbered in the order the rows name them, with the rule
+// id and artifact address of each row worked out once.
 struct Tables {
     explicit Tables(const ReportModel& report) {
         std::map<std::string, int> rule_index;
@@ -25,25 +26,29 @@ struct Tables {
         for (const ReportRow& row : report.rows) {
             const auto rule = rule_index.try_emplace(row.item, int(rules.size()));
             if (rule.second) {
-                rules.push_back(&row.item);
+                rules.push_back({row.item, ruleId(report, row.item)});
             }
             const auto layer = layer_index.try_emplace(row.layer, int(layers.size()));
             if (layer.second) {
-                layers.push_back(&row.layer);
+                const QByteArray uri = QUrl::toPercentEncoding(QString::fromStdString(row.layer));
+                layers.push_back({row.layer, uri.toStdString()});
             }
             rule_of_row.push_back(rule.first->second);
             layer_of_row.push_back(layer.first->second);
         }
     }
-    std::vector<const std::string*> rules;
-    std::vector<const std::string*> layers;
+    static std::string ruleId(const ReportModel& report, const std::string& item) {
+        return report.input.kind.isEmpty() ? item : utf8(report.input.kind) + '/' + item;
+    }
+    struct Named {
+        std::string name;
+        std::string id;  // the rule's id, the layer's address
+    };
+    std::vector<Named> rules;
+    std::vector<Named> layers;
     std::vector<int> rule_of_row;
     std::vector<int> layer_of_row;
 };
-
-std::string ruleId(const ReportModel& report, const std::string& item) {
-    return report.input.kind.isEmpty() ? item : utf8(report.input.kind) + '/' + item;
-}
 
 void message(std::string& out, std::string_view value) {
     out += "\"message\": {";
@@ -66,10 +71,10 @@ const char* baselineState(const ReportHit& hit) {
     return *hit.baseline == RunState::Unchanged ? "unchanged" : "new";
 }
 
-void location(std::string& out, const ReportModel& report, const ReportHit& hit, int artifact) {
+void location(std::string& out, const ReportModel& report, const ReportHit& hit,
+              const Tables& tables, int artifact) {
     out += "\"locations\": [{\"physicalLocation\": {\"artifactLocation\": {";
-    const QByteArray uri = QUrl::toPercentEncoding(QString::fromStdString(hit.row->layer));
-    appendJsonText(out, "uri", std::string_view(uri.constData(), std::size_t(uri.size())));
+    appendJsonText(out, "uri", tables.layers[artifact].id);
     out += ", ";
     appendJsonText(out, "uriBaseId", kLayersBase);
     out += ", \"index\": ";
@@ -107,9 +112,10 @@ void result(std::string& out, const ReportModel& report, const Tables& tables,
             const ReportHit& hit) {
     const std::size_t row = std::size_t(hit.row - report.rows.data());
     out += "        {";
-    appendJsonText(out, "ruleId", ruleId(report, hit.row->item));
+    const int rule = tables.rule_of_row[row];
+    appendJsonText(out, "ruleId", tables.rules[rule].id);
     out += ", \"ruleIndex\": ";
-    appendCount(out, std::size_t(tables.rule_of_row[row]));
+    appendCount(out, std::size_t(rule));
     out += ", ";
     appendJsonText(out, "level", sarifLevel(hit.level));
     if (hit.level == SevAll) {
@@ -118,7 +124,7 @@ void result(std::string& out, const ReportModel& report, const Tables& tables,
     out += ", ";
     message(out, hitMessage(report, hit));
     out += ", ";
-    location(out, report, hit, tables.layer_of_row[row]);
+    location(out, report, hit, tables, tables.layer_of_row[row]);
     out += ", \"partialFingerprints\": {";
     appendJsonText(out, "hitIdentity/v1", hit.identity->text());
     out += '}';
@@ -140,16 +146,16 @@ void result(std::string& out, const ReportModel& report, const Tables& tables,
     out += '}';
 }
 
-void driver(std::string& out, const ReportModel& report, const Tables& tables) {
+void driver(std::string& out, const Tables& tables) {
     out += "      \"tool\": {\"driver\": {";
     appendJsonText(out, "name", kTool);
     out += ", \"rules\": [";
     const auto& rules = tables.rules;
     for (std::size_t i = 0; i < rules.size(); ++i) {
         out += i == 0 ? "\n          {" : ",\n          {";
-        appendJsonText(out, "id", ruleId(report, *rules[i]));
+        appendJsonText(out, "id", rules[i].id);
         out += ", \"shortDescription\": {";
-        appendJsonText(out, "text", *rules[i]);
+        appendJsonText(out, "text", rules[i].name);
         out += "}}";
     }
     out += rules.empty() ? "]}},\n" : "\n        ]}},\n";
@@ -183,13 +189,12 @@ void artifacts(std::string& out, const ReportModel& report, const Tables& tables
     out += "}}},\n      \"artifacts\": [";
     const auto& layers = tables.layers;
     for (std::size_t i = 0; i < layers.size(); ++i) {
-        const QByteArray uri = QUrl::toPercentEncoding(QString::fromStdString(*layers[i]));
         out += i == 0 ? "\n        {\"location\": {" : ",\n        {\"location\": {";
-        appendJsonText(out, "uri", std::string_view(uri.constData(), std::size_t(uri.size())));
+        appendJsonText(out, "uri", layers[i].id);
         out += ", ";
         appendJsonText(out, "uriBaseId", kLayersBase);
         out += "}, \"description\": {";
-        appendJsonText(out, "text", "Layer " + *layers[i]);
+        appendJsonText(out, "text", "Layer " + layers[i].name);
         out += "}}";
     }
     out += layers.empty() ? "],\n" : "\n      ],\n";
@@ -240,7 +245,7 @@ bool writeSarif(const ReportModel& report, QIODevice& device, QString* error) {
     out +=
         "{\n  \"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\",\n"
         "  \"version\": \"2.1.0\",\n  \"runs\": [\n    {\n";
-    driver(out, report, tables);
+    driver(out, tables);
     invocation(out, report);
     artifacts(out, report, tables);
     out += "      \"columnKind\": \"unicodeCodePoints\",\n      \"results\": [";

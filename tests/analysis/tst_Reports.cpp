@@ -12,6 +12,7 @@
 #include "DataColumns.h"
 #include "DataRows.h"
 #include "analysis/Report.h"
+#include "analysis/ReportOutput.h"
 #include "analysis/ReportSchema.h"
 #include "analysis/ResultAdapters.h"
 
@@ -492,6 +493,55 @@ private slots:
         QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
         QCOMPARE(got.join(QStringLiteral(", ")), cases);
         QCOMPARE(first, message);
+    }
+
+    // Texts of a result come from files: whatever bytes they hold, each format stays well formed
+    // and valid UTF-8. Numbers are rounded, never in exponent form, never "-0".
+    void escaping_data() {
+        wctest::columns<QString, QByteArray, QByteArray>("format", "input", "written");
+        row("json: quote and backslash", "json", QByteArray("a\"b\\c"),
+            QByteArray("\"a\\\"b\\\\c\""));
+        row("json: controls", "json", QByteArray("a\x01\tb\n"), QByteArray("\"a\\u0001\\tb\\n\""));
+        row("json: not UTF-8", "json", QByteArray("a\xff\xed\xa0\x80"),
+            QByteArray("\"a\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\""));
+        row("json: UTF-8 kept", "json", QByteArray("\xe5\xbc\xa0\xf0\x9f\x98\x80"),
+            QByteArray("\"\xe5\xbc\xa0\xf0\x9f\x98\x80\""));
+        row("xml: markup", "xml", QByteArray("<a & \"b\">"),
+            QByteArray("&lt;a &amp; &quot;b&quot;&gt;"));
+        row("xml: controls", "xml", QByteArray("a\x01\tb\n"),
+            QByteArray("a\xef\xbf\xbd&#9;b&#10;"));
+        row("csv: plain", "csv", QByteArray("GND"), QByteArray("GND"));
+        row("csv: comma and quote", "csv", QByteArray("N,1\""), QByteArray("\"N,1\"\"\""));
+        row("csv: line break", "csv", QByteArray("a\r\nb"), QByteArray("\"a\r\nb\""));
+        row("csv: blanks at the ends", "csv", QByteArray("  "), QByteArray("\"  \""));
+        row("csv: overlong form", "csv", QByteArray("\xc0\x80"),
+            QByteArray("\xef\xbf\xbd\xef\xbf\xbd"));
+        row("number: a fraction", "5", QByteArray("3.2"), QByteArray("3.2"));
+        row("number: binary noise", "5", QByteArray("0.30000000000000004"), QByteArray("0.3"));
+        row("number: the last place", "5", QByteArray("0.00001"), QByteArray("0.00001"));
+        row("number: rounded up", "6", QByteArray("-2.4999996"), QByteArray("-2.5"));
+        row("number: no -0", "5", QByteArray("-0.000001"), QByteArray("0"));
+        row("number: large", "5", QByteArray("1234567.891"), QByteArray("1234567.891"));
+        row("number: beyond 64 bits", "5", QByteArray("1e20"), QByteArray("100000000000000000000"));
+        row("number: not a number", "5", QByteArray("nan"), QByteArray(""));
+    }
+
+    void escaping() {
+        QFETCH(QString, format);
+        QFETCH(QByteArray, input);
+        QFETCH(QByteArray, written);
+        std::string out;
+        const std::string_view text(input.constData(), std::size_t(input.size()));
+        if (format == QLatin1String("json")) {
+            wc::appendJsonString(out, text);
+        } else if (format == QLatin1String("xml")) {
+            wc::appendXmlText(out, text);
+        } else if (format == QLatin1String("csv")) {
+            wc::appendCsvField(out, text);
+        } else {
+            wc::appendNumber(out, input.toDouble(), format.toInt());
+        }
+        QCOMPARE(QByteArray::fromStdString(out), written);
     }
 
     // The validator finds what breaks the schema, so that a conforming report means something.
