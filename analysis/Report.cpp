@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -39,10 +40,12 @@ QString inputProblem(const ReportInput& in) {
         return translated("The waivers of the report were not applied to its result.");
     }
     if (in.waiver_match != nullptr) {
-        for (std::int32_t index : in.waiver_match->waiver) {
-            if (index >= std::int32_t(in.waivers->size())) {
-                return translated("The waivers of the report were not applied to its result.");
-            }
+        const std::size_t count = in.waivers->size();
+        const auto outside = [count](std::size_t index) { return index >= count; };
+        if (std::any_of(in.waiver_match->waiver.begin(), in.waiver_match->waiver.end(),
+                        [count](std::int32_t index) { return index >= std::int32_t(count); }) ||
+            std::any_of(in.waiver_match->stale.begin(), in.waiver_match->stale.end(), outside)) {
+            return translated("The waivers of the report were not applied to its result.");
         }
     }
     const bool any = in.earlier_model || in.earlier || in.comparison;

@@ -155,6 +155,10 @@ void waivers(std::string& out, const ReportModel& report) {
         return;
     }
     const std::vector<api::analysis_waiver>& list = *report.input.waivers;
+    std::vector<char> stale(list.size(), 0);
+    for (std::size_t index : report.input.waiver_match->stale) {
+        stale[index] = 1;
+    }
     out += '[';
     for (std::size_t i = 0; i < list.size(); ++i) {
         const api::analysis_waiver& waiver = list[i];
@@ -177,7 +181,7 @@ void waivers(std::string& out, const ReportModel& report) {
         appendJsonText(out, "time", waiver.time);
         out += ", \"hits\": ";
         appendCount(out, report.waiver_hits[i]);
-        out += report.waiver_hits[i] == 0 ? ", \"stale\": true}" : ", \"stale\": false}";
+        out += stale[i] ? ", \"stale\": true}" : ", \"stale\": false}";
     }
     out += list.empty() ? "]" : "\n  ]";
 }

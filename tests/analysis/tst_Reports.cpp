@@ -74,7 +74,7 @@ const QStringList kHits = {
     "bottom|Pad to Pad Spacing|A;B|4.8|5|-0.2|5|5|  |green|unchanged|unchanged|@|",
     "bottom|Pad to Pad Spacing||6|||7.25|-1.5||other|new|new|@|",
     "bottom|Line Width|VCC|3.25|4|-0.75|3|3|!|yellow|new|new|@|",
-    "top|Pad to Pad Spacing|GND;VCC|3|4|-1|1|2|!!|red|unchanged|unchanged|@|",
+    "top|Pad to Pad Spacing|GND;VCC|3|4|-1|1|2|!!|red|waived|unchanged|@|by design",
     "top|Pad to Pad Spacing|N,1;N\"2|3.5|4|-0.5|10|-5|!|yellow|new|new|@|",
     "top|Pad to Pad Spacing||4.5|4|0.5|20|0|  |green|new|new|@|",
     "top|Line Width|GND|2|3|-1|0|0|!!|red|waived|unchanged|@|wide enough",
@@ -86,7 +86,8 @@ std::array<bool, 4> levelsOf(const QString& text) {
     return {text.contains('r'), text.contains('y'), text.contains('g'), text.contains('o')};
 }
 
-// The shown run with its earlier run, a waiver of hit D and a net-pair waiver that is stale.
+// The shown run with its earlier run and waivers: of hit D, a stale net pair, of hit A, and of
+// A's nets, which matches A but does not win it and so is not stale.
 struct Scene {
     Run shown{kShown};
     Run earlier{kEarlier};
@@ -96,12 +97,10 @@ struct Scene {
 
     Scene() {
         waivers.push_back(wc::waiverForHit(shown.triage, 6, kScope, "wide enough", "ann"));
-        analysis_waiver pair = waivers.back();
-        pair.scope = waive_net_pair;
-        pair.nets = {"P", "Q"};
-        pair.layer.clear();
-        pair.identity.clear();
-        waivers.push_back(pair);
+        waivers.push_back(*wc::waiverForNets(shown.triage, 3, kScope, "stale", "ann"));
+        waivers.back().nets = {"P", "Q"};
+        waivers.push_back(wc::waiverForHit(shown.triage, 3, kScope, "by design", "bo"));
+        waivers.push_back(*wc::waiverForNets(shown.triage, 3, kScope, "same nets", "bo"));
         match = wc::applyWaivers(shown.triage, waivers);
         comparison = wc::compareRuns(shown.triage, earlier.triage);
     }
@@ -379,10 +378,10 @@ private slots:
         wctest::columns<QString, bool, bool, QString, QString, QString>(
             "levels", "compared", "waived", "total", "comparison", "waivers");
         row("everything", "rygo", true, true,
-            "7: red 0/1/1/1, yellow 2/0/0/1, green 1/1/0/0, other 1/0/0/0", "4/2/2",
-            "1 false, 0 true");
-        row("red and yellow only", "ry", true, true, "4: red 0/1/1/1, yellow 2/0/0/1", "2/1/2",
-            "1 false, 0 true");
+            "7: red 0/0/2/1, yellow 2/0/0/1, green 1/1/0/0, other 1/0/0/0", "4/1/2",
+            "1 false, 0 true, 1 false, 0 false");
+        row("red and yellow only", "ry", true, true, "4: red 0/0/2/1, yellow 2/0/0/1", "2/0/2",
+            "1 false, 0 true, 1 false, 0 false");
         row("no earlier run, no waivers", "rygo", false, false,
             "7: red 2/0/0/0, yellow 2/0/0/0, green 2/0/0/0, other 1/0/0/0", "null", "null");
     }
@@ -443,14 +442,14 @@ private slots:
                                                                   "message");
         row("every level, mil", "rygo", false, "5 3 1",
             "bottom/Pad to Pad Spacing 2, bottom/Line Width 1 fixed, "
-            "top/Pad to Pad Spacing 3 fixed, top/Line Width 0 waived, /Drill skipped",
+            "top/Pad to Pad Spacing 2 waived, top/Line Width 0 waived, /Drill skipped",
             "Pad to Pad Spacing on bottom: 4.8 mil, required 5 mil (difference -0.2 mil), "
             "at (5, 5) mil, nets A; B");
-        row("red only, mm", "r", true, "5 1 1",
-            "bottom/Pad to Pad Spacing 0, bottom/Line Width 0 fixed, "
-            "top/Pad to Pad Spacing 1, top/Line Width 0 waived, /Drill skipped",
-            "Pad to Pad Spacing on top: 0.0762 mm, required 0.1016 mm (difference -0.0254 mm), "
-            "at (0.0254, 0.0508) mm, nets GND; VCC");
+        row("red and yellow, mm", "ry", true, "5 2 1",
+            "bottom/Pad to Pad Spacing 0, bottom/Line Width 1 fixed, "
+            "top/Pad to Pad Spacing 1 waived, top/Line Width 0 waived, /Drill skipped",
+            "Line Width on bottom: 0.08255 mm, required 0.1016 mm (difference -0.01905 mm), "
+            "at (0.0762, 0.0762) mm, net VCC");
     }
 
     void junitReport() {
