@@ -30,36 +30,43 @@ void setError(QString* error, const QString& text) {
     }
 }
 
+const char* const kNoResult = QT_TRANSLATE_NOOP(
+    "Reports", "The report has no result, or the result's hits are not numbered.");
+const char* const kNotApplied =
+    QT_TRANSLATE_NOOP("Reports", "The waivers of the report were not applied to its result.");
+const char* const kNotCompared =
+    QT_TRANSLATE_NOOP("Reports", "The earlier run of the report was not compared with its result.");
+
+const char* const kCannotWrite =
+    QT_TRANSLATE_NOOP("Reports", "The report %1 cannot be written: %2.");
+const char* const kIsFolder = QT_TRANSLATE_NOOP("Reports", "it is a folder");
+const char* const kNoFolder = QT_TRANSLATE_NOOP("Reports", "the folder %1 does not exist");
+const char* const kExists =
+    QT_TRANSLATE_NOOP("Reports", "The report %1 already exists and was left as it is.");
+
 // Empty when the pieces of `input` belong together, else why they do not.
 QString inputProblem(const ReportInput& in) {
     if (in.model == nullptr || in.run == nullptr || in.run->size() != in.model->total()) {
-        return translated("The report has no result, or the result's hits are not numbered.");
+        return translated(kNoResult);
     }
-    if ((in.waivers == nullptr) != (in.waiver_match == nullptr) ||
-        (in.waiver_match != nullptr && in.waiver_match->waiver.size() != in.run->size())) {
-        return translated("The waivers of the report were not applied to its result.");
-    }
-    if (in.waiver_match != nullptr) {
-        const std::size_t count = in.waivers->size();
+    if (in.waivers != nullptr || in.waiver_match != nullptr) {
+        const WaiverMatch* match = in.waiver_match;
+        const std::size_t count = in.waivers ? in.waivers->size() : 0;
         const auto outside = [count](std::size_t index) { return index >= count; };
-        if (std::any_of(in.waiver_match->waiver.begin(), in.waiver_match->waiver.end(),
+        if (!in.waivers || !match || match->waiver.size() != in.run->size() ||
+            std::any_of(match->waiver.begin(), match->waiver.end(),
                         [count](std::int32_t index) { return index >= std::int32_t(count); }) ||
-            std::any_of(in.waiver_match->stale.begin(), in.waiver_match->stale.end(), outside)) {
-            return translated("The waivers of the report were not applied to its result.");
+            std::any_of(match->stale.begin(), match->stale.end(), outside)) {
+            return translated(kNotApplied);
         }
     }
-    const bool any = in.earlier_model || in.earlier || in.comparison;
-    const bool all = in.earlier_model && in.earlier && in.comparison;
-    if (any && (!all || in.comparison->state.size() != in.run->size() ||
-                in.earlier->size() != in.earlier_model->total())) {
-        return translated("The earlier run of the report was not compared with its result.");
-    }
-    if (all) {
-        for (std::size_t number : in.comparison->fixed) {
-            if (number >= in.earlier->size()) {
-                return translated(
-                    "The earlier run of the report was not compared with its result.");
-            }
+    if (in.earlier_model || in.earlier || in.comparison) {
+        if (!in.earlier_model || !in.earlier || !in.comparison ||
+            in.comparison->state.size() != in.run->size() ||
+            in.earlier->size() != in.earlier_model->total() ||
+            std::any_of(in.comparison->fixed.begin(), in.comparison->fixed.end(),
+                        [&in](std::size_t number) { return number >= in.earlier->size(); })) {
+            return translated(kNotCompared);
         }
     }
     return {};
@@ -308,19 +315,18 @@ bool writeReport(const ReportModel& report, ReportFormat format, QIODevice& devi
 bool saveReport(const ReportModel& report, ReportFormat format, const QString& path, bool force,
                 QString* error) {
     const QFileInfo info(path);
-    const QString cannot = translated("The report %1 cannot be written: %2.");
+    const QString cannot = translated(kCannotWrite);
     if (info.isDir()) {
-        setError(error, cannot.arg(path, translated("it is a folder")));
+        setError(error, cannot.arg(path, translated(kIsFolder)));
         return false;
     }
     if (info.exists() && !force) {
-        setError(error,
-                 translated("The report %1 already exists and was left as it is.").arg(path));
+        setError(error, translated(kExists).arg(path));
         return false;
     }
     if (!info.absoluteDir().exists()) {
-        setError(error, cannot.arg(path, translated("the folder %1 does not exist")
-                                             .arg(QDir::toNativeSeparators(info.absolutePath()))));
+        const QString folder = QDir::toNativeSeparators(info.absolutePath());
+        setError(error, cannot.arg(path, translated(kNoFolder).arg(folder)));
         return false;
     }
     QSaveFile file(path);
