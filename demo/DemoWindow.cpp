@@ -32,6 +32,7 @@
 #include "MatrixPanel.h"
 #include "PluginBus.h"
 #include "StepRepeatDemo.h"
+#include "TriageTour.h"
 #include "analysis/Widget_ResultsViewer.h"
 #include "analysis_drawing_data.h"
 #include "frame/PluginMessages.h"
@@ -457,6 +458,9 @@ void DemoWindow::tourRealBoard(const std::function<void(QWidget*, const QString&
         }
         snap(viewers.last(), name + QStringLiteral("_real_board_results"));
         snap(this, name + QStringLiteral("_real_board_hit"));
+        if (entry.menu == QLatin1String("Signal Layer Checks...")) {
+            demo::tourTriage(*this, dialog, snap);
+        }
     }
     // The board's layer matrix as its files were typed.
     QWidget* matrix = openLayerMatrix();

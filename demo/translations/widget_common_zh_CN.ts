@@ -171,7 +171,7 @@
     </message>
     <message>
         <source>Filter</source>
-        <translation type="unfinished" />
+        <translation>过滤</translation>
     </message>
     <message>
         <source>Reset</source>
@@ -430,6 +430,280 @@
     </message>
 </context>
 <context>
+    <name>Reports</name>
+    <message>
+        <source>The report has no result, or the result's hits are not numbered.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The waivers of the report were not applied to its result.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The earlier run of the report was not compared with its result.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The report %1 cannot be written: %2.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>it is a folder</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>the folder %1 does not exist</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The report %1 already exists and was left as it is.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>the device refused the data</source>
+        <translation type="unfinished" />
+    </message>
+<message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
+</context>
+<context>
+    <name>Waivers</name>
+    <message>
+        <source>The file %1 is not a waiver file: "%2" is missing or not a text.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The file %1 is not a waiver file: "%2" is missing or not a whole number.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The file %1 is not a waiver file: "%2" is missing or not a list.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The file %1 is not a waiver file: "%2" is not an object.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The file %1 is not a waiver file: "%2" is neither "hit" nor "net pair".</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The waiver file %1 holds waivers of the %2 analysis, not of the %3 analysis.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The waiver file %1 is for job %2, step %3, not for job %4, step %5.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The file %1 is not a waiver file: it holds no JSON object.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The file %1 is not a waiver file: "format" is not "waivers".</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The waiver file %1 is of version %2; this program reads version %3.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The waiver file %1 cannot be written: %2.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The waiver file %1 cannot be read: %2.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>The waiver file %1 is not JSON: %2 at offset %3.</source>
+        <translation type="unfinished" />
+    </message>
+<message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Illegal field value</source>
+        <translation>字段值非法</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Template name:</source>
+        <translation>模板名称 :</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source> have a same name file!</source>
+        <translation> 已有同名文件！</translation>
+    </message>
+    <message>
+        <source>Run globally</source>
+        <translation>全局运行</translation>
+    </message>
+    <message>
+        <source>Run on features on screen only</source>
+        <translation>仅对屏幕内特征运行</translation>
+    </message>
+    <message>
+        <source>Run on features inside profile</source>
+        <translation>对外形内特征运行</translation>
+    </message>
+    <message>
+        <source>Layer: </source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF: </source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>View Results</source>
+        <translation>查看结果</translation>
+    </message>
+    <message>
+        <source>No layers were processed</source>
+        <translation>未处理任何层</translation>
+    </message>
+    <message>
+        <source>%n layer  was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layer was processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>%n layers were processed</source>
+        <translation>已处理 %n 个层</translation>
+    </message>
+    <message>
+        <source>Ranges...</source>
+        <translation>范围...</translation>
+    </message>
+    <message>
+        <source>No results</source>
+        <translation>无结果</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Layer:</source>
+        <translation>层 :</translation>
+    </message>
+    <message>
+        <source>ERF:</source>
+        <translation>参数集 :</translation>
+    </message>
+    <message>
+        <source>Save as</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>View results</source>
+        <translation>查看结果</translation>
+    </message>
+</context>
+<context>
     <name>Widget_Contourize</name>
     <message>
         <source>Accuracy :</source>
@@ -596,7 +870,7 @@
     </message>
     <message>
         <source>Value :</source>
-        <translation type="unfinished" />
+        <translation>数值 :</translation>
     </message>
     <message>
         <source>Logic :</source>
@@ -727,7 +1001,7 @@
     <name>Widget_Filter_Searchpopup</name>
     <message>
         <source>Find :</source>
-        <translation type="unfinished" />
+        <translation>查找 :</translation>
     </message>
     <message>
         <source>Search</source>
@@ -1239,7 +1513,7 @@
     <name>Widget_ResultsViewer</name>
     <message>
         <source>All layers</source>
-        <translation type="unfinished" />
+        <translation>全部层</translation>
     </message>
     <message>
         <source>All</source>
@@ -1251,35 +1525,35 @@
     </message>
     <message>
         <source>No external editor is connected</source>
-        <translation type="unfinished" />
+        <translation>未连接外部编辑器</translation>
     </message>
     <message>
         <source>Results Viewer</source>
-        <translation type="unfinished" />
+        <translation>结果查看器</translation>
     </message>
     <message>
         <source>Layers</source>
-        <translation type="unfinished" />
+        <translation>层</translation>
     </message>
     <message>
         <source>None</source>
-        <translation type="unfinished" />
+        <translation>无</translation>
     </message>
     <message>
         <source>Categories</source>
-        <translation type="unfinished" />
+        <translation>类别</translation>
     </message>
     <message>
         <source>Meas:</source>
-        <translation type="unfinished" />
+        <translation>测量值 :</translation>
     </message>
     <message>
         <source>Sv:</source>
-        <translation type="unfinished" />
+        <translation>级别 :</translation>
     </message>
     <message>
         <source>First</source>
-        <translation type="unfinished" />
+        <translation>第一个</translation>
     </message>
     <message>
         <source>&lt;---</source>
@@ -1291,43 +1565,43 @@
     </message>
     <message>
         <source>Last</source>
-        <translation type="unfinished" />
+        <translation>最后一个</translation>
     </message>
     <message>
         <source>Index:</source>
-        <translation type="unfinished" />
+        <translation>序号 :</translation>
     </message>
     <message>
         <source>Show All</source>
-        <translation type="unfinished" />
+        <translation>全部显示</translation>
     </message>
     <message>
         <source>Selection</source>
-        <translation type="unfinished" />
+        <translation>选中</translation>
     </message>
     <message>
         <source>Auto Zoom</source>
-        <translation type="unfinished" />
+        <translation>自动缩放</translation>
     </message>
     <message>
         <source>Pan Only</source>
-        <translation type="unfinished" />
+        <translation>仅平移</translation>
     </message>
     <message>
         <source>Replace layers</source>
-        <translation type="unfinished" />
+        <translation>替换层</translation>
     </message>
     <message>
         <source>Keep layers</source>
-        <translation type="unfinished" />
+        <translation>保留层</translation>
     </message>
     <message>
         <source>Filter</source>
-        <translation type="unfinished" />
+        <translation>过滤</translation>
     </message>
     <message>
         <source>Edit</source>
-        <translation type="unfinished" />
+        <translation>编辑</translation>
     </message>
     <message>
         <source>Close</source>
@@ -1335,43 +1609,43 @@
     </message>
     <message>
         <source>Drill Checks</source>
-        <translation type="unfinished" />
+        <translation>钻孔检查</translation>
     </message>
     <message>
         <source>Board-DrillChecks</source>
-        <translation type="unfinished" />
+        <translation>板钻孔检查</translation>
     </message>
     <message>
         <source> Silk Screen Checks </source>
-        <translation type="unfinished" />
+        <translation> 丝印检查</translation>
     </message>
     <message>
         <source> Solder Mask Check </source>
-        <translation type="unfinished" />
+        <translation> 阻焊检查</translation>
     </message>
     <message>
         <source>Signal Layer Checks</source>
-        <translation type="unfinished" />
+        <translation>信号层检查</translation>
     </message>
     <message>
         <source>Signal Layer Opt</source>
-        <translation type="unfinished" />
+        <translation>信号层优化</translation>
     </message>
     <message>
         <source>Solder Mask Opt</source>
-        <translation type="unfinished" />
+        <translation>阻焊优化</translation>
     </message>
     <message>
         <source>Power Ground Checks</source>
-        <translation type="unfinished" />
+        <translation>电源地层检查</translation>
     </message>
     <message>
         <source> Power Ground Opt </source>
-        <translation type="unfinished" />
+        <translation> 电源地层优化</translation>
     </message>
     <message>
         <source> Prepare Checks </source>
-        <translation type="unfinished" />
+        <translation> 预检查</translation>
     </message>
     <message>
         <source> MRC </source>
@@ -1379,15 +1653,15 @@
     </message>
     <message>
         <source>Surface Analyzer</source>
-        <translation type="unfinished" />
+        <translation>铜面分析</translation>
     </message>
     <message>
         <source>Pad Snapping</source>
-        <translation type="unfinished" />
+        <translation>焊盘对齐</translation>
     </message>
     <message>
         <source>Advanced Teardrops Creation</source>
-        <translation type="unfinished" />
+        <translation>高级泪滴生成</translation>
     </message>
     <message>
         <source>NFP Removal</source>
@@ -1395,7 +1669,7 @@
     </message>
     <message>
         <source>Avoid Conductor DFM</source>
-        <translation type="unfinished" />
+        <translation>导体避让优化</translation>
     </message>
     <message>
         <source>!!</source>
@@ -1407,6 +1681,178 @@
     </message>
     <message>
         <source>  </source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Stale waivers</source>
+        <translation>失效的豁免</translation>
+    </message>
+    <message>
+        <source>These waivers match no hit of the shown run:</source>
+        <translation>以下豁免与当前结果中的任何问题都不匹配： :</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>未处理</translation>
+    </message>
+    <message>
+        <source>New only</source>
+        <translation>仅新增</translation>
+    </message>
+    <message>
+        <source>Waived</source>
+        <translation>已豁免</translation>
+    </message>
+    <message>
+        <source>Fixed</source>
+        <translation>已修复</translation>
+    </message>
+    <message>
+        <source>Waivers and stored runs are not available: %1</source>
+        <translation>豁免和已存结果不可用：%1</translation>
+    </message>
+    <message>
+        <source>Stored runs are not available: %1</source>
+        <translation>已存结果不可用：%1</translation>
+    </message>
+    <message>
+        <source>%1 waived, %2 waivers stale</source>
+        <translation>已豁免 %1 个，失效豁免 %2 个</translation>
+    </message>
+    <message>
+        <source>%1 waived, %2 waivers stale; %3 new, %4 unchanged, %5 fixed</source>
+        <translation>已豁免 %1 个，失效豁免 %2 个；新增 %3 个，未变 %4 个，已修复 %5 个</translation>
+    </message>
+    <message>
+        <source>Waiver files (*.json)</source>
+        <translation>豁免文件 (*.json)</translation>
+    </message>
+    <message>
+        <source>No waiver is stale.</source>
+        <translation>没有失效的豁免。</translation>
+    </message>
+    <message>
+        <source>%1 on %2: %3 (%4, %5)</source>
+        <translation>%1，位于 %2：%3（%4，%5）</translation>
+    </message>
+    <message>
+        <source>%1 between %2: %3 (%4, %5)</source>
+        <translation>%1，位于 %2 之间：%3（%4，%5）</translation>
+    </message>
+    <message>
+        <source>new</source>
+        <translation>新增</translation>
+    </message>
+    <message>
+        <source>unchanged</source>
+        <translation>未变</translation>
+    </message>
+    <message>
+        <source>waived: %1</source>
+        <translation>已豁免：%1</translation>
+    </message>
+    <message>
+        <source>fixed</source>
+        <translation>已修复</translation>
+    </message>
+    <message>
+        <source>%1 (%2, %3)</source>
+        <translation>%1（%2，%3）</translation>
+    </message>
+    <message>
+        <source>View:</source>
+        <translation>视图 :</translation>
+    </message>
+    <message>
+        <source>Compare with:</source>
+        <translation>比较对象 :</translation>
+    </message>
+    <message>
+        <source>Waive...</source>
+        <translation>豁免...</translation>
+    </message>
+    <message>
+        <source>Waivers</source>
+        <translation>豁免</translation>
+    </message>
+    <message>
+        <source>Stale waivers...</source>
+        <translation>失效的豁免...</translation>
+    </message>
+    <message>
+        <source>Export waivers...</source>
+        <translation>导出豁免...</translation>
+    </message>
+    <message>
+        <source>Import waivers...</source>
+        <translation>导入豁免...</translation>
+    </message>
+    <message>
+        <source>Waive</source>
+        <translation>豁免</translation>
+    </message>
+    <message>
+        <source>%n hits to waive</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Reason:</source>
+        <translation>原因 :</translation>
+    </message>
+    <message>
+        <source>This hit</source>
+        <translation>此问题</translation>
+    </message>
+    <message>
+        <source>Every hit of this item between these two nets</source>
+        <translation>这两个网络之间此项目的全部问题</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>A waiver needs a reason.</source>
+        <translation>豁免必须填写原因。</translation>
+    </message>
+    <message>
+        <source>Group by:</source>
+        <translation>分组依据 :</translation>
+    </message>
+    <message>
+        <source>Item</source>
+        <translation>项目</translation>
+    </message>
+    <message>
+        <source>Layer</source>
+        <translation>层</translation>
+    </message>
+    <message>
+        <source>Net</source>
+        <translation>网络</translation>
+    </message>
+    <message>
+        <source>Find:</source>
+        <translation>查找 :</translation>
+    </message>
+    <message>
+        <source>Regular expression over the columns</source>
+        <translation>按各列匹配的正则表达式</translation>
+    </message>
+    <message>
+        <source>(no net)</source>
+        <translation>（无网络）</translation>
+    </message>
+    <message>
+        <source>Invalid expression: %1</source>
+        <translation>无效的表达式：%1</translation>
+    </message>
+    <message>
+        <source>%1 (%2, %n new)</source>
         <translation type="unfinished" />
     </message>
 <message>
@@ -1498,7 +1944,7 @@
     <name>Widget_SR_Edit</name>
     <message>
         <source>Edit</source>
-        <translation type="unfinished" />
+        <translation>编辑</translation>
     </message>
     <message>
         <source>Align</source>
@@ -1905,19 +2351,19 @@
     <name>Widget_SignalLayerChecks</name>
     <message>
         <source>Test List</source>
-        <translation type="unfinished" />
+        <translation>测试列表</translation>
     </message>
     <message>
         <source>Save</source>
-        <translation type="unfinished" />
+        <translation>保存</translation>
     </message>
     <message>
         <source>Load</source>
-        <translation type="unfinished" />
+        <translation>加载</translation>
     </message>
     <message>
         <source>Signal Layer Check</source>
-        <translation type="unfinished" />
+        <translation>信号层检查</translation>
     </message>
     <message>
         <source>Save as</source>
@@ -1941,11 +2387,11 @@
     </message>
     <message>
         <source>illegal floating parameter</source>
-        <translation type="unfinished" />
+        <translation>非法的浮点参数</translation>
     </message>
     <message>
         <source>WARNING!</source>
-        <translation type="unfinished" />
+        <translation>警告！</translation>
     </message>
     <message>
         <source> is not exists !</source>
@@ -1961,31 +2407,31 @@
     </message>
     <message>
         <source>SignalLayer check terminated</source>
-        <translation type="unfinished" />
+        <translation>信号层检查已终止</translation>
     </message>
     <message>
         <source>the service is busy</source>
-        <translation type="unfinished" />
+        <translation>服务忙</translation>
     </message>
     <message>
         <source>The check-list service failed</source>
-        <translation type="unfinished" />
+        <translation>检查服务失败</translation>
     </message>
     <message>
         <source>Save 2 db failed</source>
-        <translation type="unfinished" />
+        <translation>保存到数据库失败</translation>
     </message>
     <message>
         <source>Save success</source>
-        <translation type="unfinished" />
+        <translation>保存成功</translation>
     </message>
     <message>
         <source>Save failed</source>
-        <translation type="unfinished" />
+        <translation>保存失败</translation>
     </message>
     <message>
         <source>DB connection failed</source>
-        <translation type="unfinished" />
+        <translation>数据库连接失败</translation>
     </message>
     <message>
         <source>No stored check with id </source>
@@ -2009,7 +2455,7 @@
     </message>
     <message>
         <source>Check Missing Pads for Drills</source>
-        <translation type="unfinished" />
+        <translation>检查钻孔缺失焊盘</translation>
     </message>
     <message>
         <source>Yes</source>
@@ -2021,15 +2467,15 @@
     </message>
     <message>
         <source>Use Compensated Rout</source>
-        <translation type="unfinished" />
+        <translation>使用补偿后的锣带</translation>
     </message>
     <message>
         <source>Skeleton</source>
-        <translation type="unfinished" />
+        <translation>骨架</translation>
     </message>
     <message>
         <source>Sort Spacing by Solder Mask</source>
-        <translation type="unfinished" />
+        <translation>按阻焊区分间距</translation>
     </message>
     <message numerus="yes">
         <source>%n layers were processed</source>
@@ -2118,7 +2564,7 @@
     </message>
     <message>
         <source>Illegal floating parameter</source>
-        <translation type="unfinished" />
+        <translation>非法的浮点参数</translation>
     </message>
     <message>
         <source>Floating parameter out of range Value </source>
@@ -2283,7 +2729,7 @@
     </message>
     <message>
         <source>Value</source>
-        <translation type="unfinished" />
+        <translation>数值</translation>
     </message>
     <message>
         <source>Add</source>
@@ -2299,7 +2745,7 @@
     </message>
     <message>
         <source>WARNING!</source>
-        <translation type="unfinished" />
+        <translation>警告！</translation>
     </message>
     <message>
         <source> is not exists !</source>
@@ -2488,7 +2934,7 @@
     </message>
     <message>
         <source>Illegal floating parameter : </source>
-        <translation type="unfinished" />
+        <translation>非法的浮点参数 :</translation>
     </message>
     <message>
         <source>Information</source>
@@ -2871,11 +3317,11 @@
     <name>wc::HitTableModel</name>
     <message>
         <source>Index</source>
-        <translation type="unfinished" />
+        <translation>序号</translation>
     </message>
     <message>
         <source>Value</source>
-        <translation type="unfinished" />
+        <translation>数值</translation>
     </message>
     <message>
         <source>Layer</source>
@@ -2883,7 +3329,23 @@
     </message>
     <message>
         <source>Nets</source>
-        <translation type="unfinished" />
+        <translation>网络</translation>
+    </message>
+    <message>
+        <source>Required</source>
+        <translation>要求值</translation>
+    </message>
+    <message>
+        <source>Difference</source>
+        <translation>差值</translation>
+    </message>
+    <message>
+        <source>Location</source>
+        <translation>位置</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>状态</translation>
     </message>
 <message>
         <source>Information</source>
@@ -2990,7 +3452,7 @@
     </message>
     <message>
         <source>Layers</source>
-        <translation type="unfinished" />
+        <translation>层</translation>
     </message>
     <message>
         <source>ERF</source>
