@@ -26,6 +26,7 @@
 #include "FabricationExport.h"
 #include "FeatureFilterHost.h"
 #include "FeatureMoveHost.h"
+#include "FeaturePick.h"
 #include "GraphicView.h"
 #include "Korvo_API.h"
 #include "Korvo_UIAPI.h"
@@ -137,16 +138,7 @@ DemoWindow::DemoWindow(QWidget* parent) : QMainWindow(parent) {
         view_->reload();
     });
 
-    // A click in the view picks the nearest hit of an open results viewer, within a few pixels.
-    connect(view_, &GraphicView::pointPicked, this, [this](const Korvo::API::point& at, bool) {
-        const double radius = 8.0 / std::max(std::abs(view_->transform().m11()), 1e-12);
-        for (QWidget* window : QApplication::topLevelWidgets()) {
-            if (auto* viewer = qobject_cast<Widget_ResultsViewer*>(window);
-                viewer != nullptr && viewer->isVisible()) {
-                viewer->pickHitAt(at, radius);
-            }
-        }
-    });
+    demo::forwardPicksToViewers(view_);
 
     subscription_ = wcref::PluginBus::instance().subscribe(
         [this](const PluginMetaData& message) { dispatch(message); });
@@ -369,17 +361,7 @@ void DemoWindow::showHits(const PluginMetaData& message) {
     }
     // The drawing data lives in the viewer during this call only: the overlays copy the points.
     const auto& data = *static_cast<const Korvo::API::analysis_drawing_data*>(message.payload);
-    std::vector<GraphicView::Overlay> overlays;
-    for (const Korvo::API::analysis_drawing_shape& shape : data.shapes) {
-        GraphicView::Overlay overlay;
-        overlay.kind = shape.kind == Korvo::API::check_points::box ? GraphicView::Overlay::Box
-                       : shape.kind == Korvo::API::check_points::polygon
-                           ? GraphicView::Overlay::Polygon
-                           : GraphicView::Overlay::Line;
-        overlay.points.assign(shape.points, shape.points + shape.point_count);
-        overlay.text = QString::fromStdString(data.value_text);
-        overlays.push_back(std::move(overlay));
-    }
+    const std::vector<GraphicView::Overlay> overlays = GraphicView::overlaysOf(data);
     // Replace layers: only the hit's layers are displayed; keep layers: they are added.
     {
         const QSignalBlocker blocker(layers_);

@@ -1,13 +1,29 @@
 #include "FeaturePick.h"
 
+#include <QApplication>
 #include <QLineF>
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "GraphicView.h"
 #include "Korvo_API.h"
+#include "analysis/Widget_ResultsViewer.h"
 
 namespace demo {
+
+void forwardPicksToViewers(GraphicView* view) {
+    QObject::connect(
+        view, &GraphicView::pointPicked, view, [view](const Korvo::API::point& at, bool) {
+            const double radius = 8.0 / std::max(std::abs(view->transform().m11()), 1e-12);
+            for (QWidget* window : QApplication::topLevelWidgets()) {
+                if (auto* viewer = qobject_cast<Widget_ResultsViewer*>(window);
+                    viewer != nullptr && viewer->isVisible()) {
+                    viewer->pickHitAt(at, radius);
+                }
+            }
+        });
+}
 
 std::optional<PickedFeature> nearestFeature(const GraphicView& view, const Korvo::API::point& at,
                                             double radius) {

@@ -16,6 +16,9 @@ struct PickedFeature {
     Korvo::API::featureInfo feature;
 };
 
+// A click in the view picks the nearest hit of every open results viewer, within a few pixels.
+void forwardPicksToViewers(GraphicView* view);
+
 std::optional<PickedFeature> nearestFeature(const GraphicView& view, const Korvo::API::point& at,
                                             double radius);
 

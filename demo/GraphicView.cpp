@@ -516,3 +516,18 @@ void GraphicView::resizeEvent(QResizeEvent* event) {
         zoomToAll();
     }
 }
+
+std::vector<GraphicView::Overlay> GraphicView::overlaysOf(
+    const Korvo::API::analysis_drawing_data& data) {
+    std::vector<Overlay> overlays;
+    for (const Korvo::API::analysis_drawing_shape& shape : data.shapes) {
+        Overlay overlay;
+        overlay.kind = shape.kind == Korvo::API::check_points::box       ? Overlay::Box
+                       : shape.kind == Korvo::API::check_points::polygon ? Overlay::Polygon
+                                                                         : Overlay::Line;
+        overlay.points.assign(shape.points, shape.points + shape.point_count);
+        overlay.text = QString::fromStdString(data.value_text);
+        overlays.push_back(std::move(overlay));
+    }
+    return overlays;
+}

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Korvo_API_types.h"
+#include "analysis_drawing_data.h"
 
 class LayerItem;
 class QGraphicsItemGroup;
@@ -45,6 +46,8 @@ public:
     void clearFeatureMarks(Mark mark);
     int markedCount(Mark mark) const;
 
+    // The shapes of a results viewer's drawing data, each labelled with its value text.
+    static std::vector<Overlay> overlaysOf(const Korvo::API::analysis_drawing_data& data);
     void setOverlays(const std::vector<Overlay>& overlays);
     void clearOverlays();
     int overlayCount() const { return int(overlayItems_.size()); }
