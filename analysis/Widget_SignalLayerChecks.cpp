@@ -167,13 +167,12 @@ void Widget_SignalLayerChecks::wireUp() {
             &Widget_SignalLayerChecks::get_ERF_Name);
     connect(database_, &wc::SignalCheckDatabase::resultLoaded, this,
             &Widget_SignalLayerChecks::showLoadedResult);
-    connect(database_, &wc::SignalCheckDatabase::stored, this,
-            [this](int id) {
-                triage_.setStoredId(id);
-                if (Widget_ResultsViewer* viewer = windows_->viewer()) {
-                    viewer->setTriage(triage_.context());
-                }
-            });
+    connect(database_, &wc::SignalCheckDatabase::stored, this, [this](int id) {
+        triage_.setStoredId(id);
+        if (Widget_ResultsViewer* viewer = windows_->viewer()) {
+            viewer->setTriage(triage_.context());
+        }
+    });
 
     // Any change of a parameter makes the shown result stale.
     QList<QObject*> parameters = distances_->editObjects();
