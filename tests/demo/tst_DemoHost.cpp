@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QImage>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTemporaryDir>
@@ -22,6 +23,9 @@
 #include "Korvo_UIAPI.h"
 #include "QTpluginsManger4CAM.h"
 #include "ReferenceEngine.h"
+#include "TriageTour.h"
+#include "analysis/ResultAdapters.h"
+#include "analysis/Widget_SignalLayerChecks.h"
 #include "analysis_drawing_data.h"
 #include "frame/PluginMessages.h"
 
@@ -284,6 +288,39 @@ private slots:
         QCOMPARE(after.size(), size_t(427));
         QVERIFY2(moved > int(after.size()) / 2, qPrintable(QString::number(moved)));
         panel->close();
+    }
+
+    // On a real board: three hits waived, one feature moved by 5 mil, the check run again. The
+    // waivers hold, the moved feature's hit is new and its old place fixed, every other hit
+    // (the waived ones too) is unchanged.
+    void triageOnARealBoard() {
+        const QString board = QStringLiteral("/usr/share/doc/gerbv/examples/protel-pnp");
+        if (!QDir(board).exists()) {
+            QSKIP("the gerbv examples are not installed");
+        }
+        DemoWindow window;
+        QVERIFY(window.openFabricationFiles(board));
+        QWidget* dialog = nullptr;
+        for (const demo::DialogEntry& entry : demo::dialogCatalogue()) {
+            if (entry.menu == QLatin1String("Signal Layer Checks...")) {
+                dialog = window.openDialog(entry);
+                entry.apply(dialog);
+            }
+        }
+        QVERIFY(dialog != nullptr);
+        QVERIFY(QMetaObject::invokeMethod(dialog, "on_ViewResult_clicked"));
+        const auto* check = qobject_cast<Widget_SignalLayerChecks*>(dialog);
+        const auto first = std::make_shared<const wc::SignalLayerResult>(check->result());
+        const std::size_t total = wc::modelOf(first, {"SignalLayerRanges", {}, {}}).total();
+        QVERIFY2(total > 100, qPrintable(QString::number(total)));
+        QString status;
+        demo::tourTriage(window, dialog, [&](QWidget* shown, const QString& name) {
+            if (name == QLatin1String("Signal_Layer_Checks_triage")) {
+                status = shown->findChild<QLabel*>(QStringLiteral("m_pTriageStatus"))->text();
+            }
+        });
+        QCOMPARE(status,
+                 QString("3 waived, 0 waivers stale; 1 new, %1 unchanged, 1 fixed").arg(total - 1));
     }
 
     void tourPicturesEveryDialog() {
